@@ -1,0 +1,39 @@
+# What every target of the project has in common: language level, warnings, sanitizers, visibility.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+# Everything that can run lies in one folder, so that the host finds the plug-in beside itself.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+
+option(SBUS_WARNINGS_AS_ERRORS "Stop at the first warning" ON)
+set(SBUS_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize: address,undefined or thread")
+
+find_package(Threads REQUIRED)
+
+add_library(project_settings INTERFACE)
+target_compile_options(project_settings INTERFACE
+    $<BUILD_INTERFACE:-Wall;-Wextra;-Wshadow;-Wconversion;$<$<BOOL:${SBUS_WARNINGS_AS_ERRORS}>:-Werror>>)
+target_compile_definitions(project_settings INTERFACE
+    $<BUILD_INTERFACE:QT_NO_CAST_TO_ASCII;QT_NO_KEYWORDS>)
+if(SBUS_SANITIZE)
+    add_compile_options(-fsanitize=${SBUS_SANITIZE} -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${SBUS_SANITIZE})
+endif()
+
+# project_library(name STATIC|SHARED ...): a library with the project's settings.
+function(project_library name)
+    add_library(${name} ${ARGN})
+    target_link_libraries(${name} PRIVATE project_settings)
+endfunction()
+
+function(project_executable name)
+    add_executable(${name} ${ARGN})
+    target_link_libraries(${name} PRIVATE project_settings)
+endfunction()
