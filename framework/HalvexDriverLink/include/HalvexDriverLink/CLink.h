@@ -1,0 +1,98 @@
+#pragma once
+
+#include <HalvexDriverLink/Export.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+
+// What a link has seen since it was made. Read on any thread; each figure is exact, the set is not a
+// snapshot.
+struct LinkFigures {
+    std::uint64_t telegramsSent = 0;
+    std::uint64_t bytesSent = 0;
+    std::uint64_t bytesReceived = 0;
+    std::uint64_t bytesDiscarded = 0; // unread bytes thrown away before a send
+    std::uint64_t opens = 0;
+};
+
+// The time from the end of a send to the last byte received after it.
+struct RoundTrips {
+    std::uint32_t count = 0;
+    std::chrono::microseconds last{0};
+    std::chrono::microseconds slowest{0};
+};
+
+// One end of a line to the controllers: a serial device or a UDP peer.
+//
+// States: closed (as made) and open. Every operation may be called in either; on a closed link send and
+// receive fail. A link that fails while in use closes itself.
+// Threads: one thread at a time, any thread; only interrupt() and close() may come from another thread
+// meanwhile, and end a wait.
+// No operation throws. Times are in milliseconds and run on the steady clock.
+class HALVEXDRIVERLINK_EXPORT CLink {
+public:
+    static constexpr int serialKind = 3;
+    static constexpr int udpKind = 4;
+
+    CLink() = default;
+    CLink(const CLink&) = delete;
+    CLink& operator=(const CLink&) = delete;
+    virtual ~CLink();
+
+    // Prepares the link for a new life: closes it and takes back an interrupt().
+    virtual void reset() = 0;
+    // Opens the link, closing it first when it is open. 0, or the system's error number. The input is empty.
+    virtual int open() = 0;
+    virtual void close() = 0;
+    // Discards what is unread, then sends all of `data`. 0, or -1 when the link failed.
+    virtual int send(const char* data, int length, int timeoutMs) = 0;
+    // Waits for the first bytes (serial), at most `timeoutMs`, or for one datagram (UDP), with the promise of
+    // rxMessage(). 0 with `received` 0 when nothing came; -1 when the link failed. Of a datagram beyond
+    // `capacity` the rest is lost.
+    virtual int receive(char* buffer, int capacity, int& received, int timeoutMs) = 0;
+    // serialKind or udpKind.
+    virtual int kind() const = 0;
+
+    // Collects `wanted` bytes until all are there, `timeoutMs` is over, or, once the first byte is there,
+    // the line has been silent for longer than `silenceMs`. 0 with the count in `received`, -1 when the
+    // link failed. When nothing comes it returns only after a clock of whole milliseconds, started before
+    // the call, shows more than `timeoutMs`.
+    int rxMessage(char* buffer, int wanted, int& received, int timeoutMs, int silenceMs);
+
+    // Ends a wait in progress, as if nothing had come, and every later one at once, until reset(). Any
+    // thread.
+    void interrupt();
+
+    LinkFigures figures() const;
+    // The round trips since the last call of this operation. The link's own thread.
+    RoundTrips takeRoundTrips();
+
+protected:
+    using Clock = std::chrono::steady_clock;
+
+    bool isInterrupted() const { return interrupted.load(std::memory_order_acquire); }
+    void clearInterrupt() { interrupted.store(false, std::memory_order_release); }
+    // Wakes the wait that interrupt() is to end. Called on the interrupting thread.
+    virtual void wake() = 0;
+
+    void noteOpened();
+    void noteSent(int length);
+    void noteReceived(int length);
+    void noteDiscarded(int length);
+
+private:
+    // Counts the round trip in progress: no more bytes belong to it.
+    void closeRoundTrip();
+
+    std::atomic<bool> interrupted{false};
+    std::atomic<std::uint64_t> telegramsSent{0};
+    std::atomic<std::uint64_t> bytesSent{0};
+    std::atomic<std::uint64_t> bytesReceived{0};
+    std::atomic<std::uint64_t> bytesDiscarded{0};
+    std::atomic<std::uint64_t> opens{0};
+    Clock::time_point sentAt{};
+    bool awaitingAnswer = false;
+    std::chrono::microseconds currentRoundTrip{0};
+    RoundTrips roundTrips;
+};

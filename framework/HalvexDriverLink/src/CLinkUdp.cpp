@@ -1,0 +1,146 @@
+#include <HalvexDriverLink/CLinkUdp.h>
+
+#include "LinkEnd.h"
+#include "NameLookup.h"
+#include "TimeOut.h"
+
+#include <asio/buffer.hpp>
+#include <asio/ip/udp.hpp>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+using asio::ip::udp;
+
+namespace {
+
+// A pending report about an earlier datagram fails one send; there can be a few of them.
+constexpr int sendAttempts = 4;
+// Holds any datagram, so that what is thrown away is counted to the byte.
+constexpr std::size_t largestDatagram = 65536;
+// More datagrams than the system keeps for a reader; the bound is for a peer that never stops talking.
+constexpr int mostUnread = 20000;
+
+// What a router or the peer's own system reports (ICMP): the controller is not there at the moment. Nothing
+// is wrong with this end.
+bool isAbsence(const asio::error_code& error) {
+    static const std::array<asio::error_code, 6> reports{
+        asio::error::connection_refused, // no such port
+        asio::error::connection_reset,   // the same on Windows
+        asio::error::host_unreachable,   asio::error::network_unreachable,
+        asio::error::network_reset,      // too many hops, on Windows
+        asio::error::no_protocol_option, // no UDP there
+    };
+    return std::find(reports.begin(), reports.end(), error) != reports.end();
+}
+
+} // namespace
+
+struct CLinkUdp::Socket : LinkEnd<udp::socket> {
+    using LinkEnd::LinkEnd;
+
+    Outcome receive(udp::socket& end, asio::mutable_buffer buffer, Clock::time_point deadline) {
+        const auto start = [&](auto handler) { end.async_receive(buffer, std::move(handler)); };
+        return perform(start, deadline);
+    }
+
+    Outcome send(udp::socket& end, asio::const_buffer buffer, Clock::time_point deadline) {
+        const auto start = [&](auto handler) { end.async_send(buffer, std::move(handler)); };
+        return perform(start, deadline);
+    }
+
+    // Reads away what is there. Returns the count of bytes.
+    int discard(udp::socket& end) {
+        int discarded = 0;
+        for (int i = 0; i < mostUnread; ++i) {
+            const Outcome outcome = receive(end, asio::buffer(scrap), Clock::time_point::min());
+            if (outcome.error && !isAbsence(outcome.error))
+                break;
+            discarded += static_cast<int>(outcome.count);
+        }
+        return discarded;
+    }
+
+    NameLookup names;
+    std::array<char, largestDatagram> scrap;
+};
+
+CLinkUdp::CLinkUdp(UdpSettings peer)
+    : settings(std::move(peer)), socket(std::make_unique<Socket>([this] { return isInterrupted(); })) {}
+
+CLinkUdp::~CLinkUdp() = default;
+
+void CLinkUdp::reset() {
+    close();
+    clearInterrupt();
+}
+
+int CLinkUdp::open() {
+    const int result = socket->open([this](udp::socket& end) {
+        asio::error_code error;
+        const auto mayWait = [this] { return socket->loop().mayWait(); };
+        const udp::endpoint peer = socket->names.find(settings.host, settings.port, mayWait, error);
+        if (!error)
+            end.open(peer.protocol(), error);
+        // Connected, so that the system itself drops every other sender's datagrams.
+        if (!error)
+            end.connect(peer, error);
+        return error;
+    });
+    if (result == 0)
+        noteOpened();
+    return result;
+}
+
+void CLinkUdp::close() {
+    socket->close();
+}
+
+int CLinkUdp::send(const char* data, int length, int timeoutMs) {
+    return socket->use([&](udp::socket& end) -> asio::error_code {
+        noteDiscarded(socket->discard(end));
+        if (length <= 0)
+            return {};
+        const asio::const_buffer telegram(data, static_cast<std::size_t>(length));
+        const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(std::max(timeoutMs, 0));
+        WaitLoop::Outcome outcome;
+        for (int i = 0; i < sendAttempts; ++i) {
+            outcome = socket->send(end, telegram, deadline);
+            if (!isAbsence(outcome.error))
+                break;
+        }
+        // A controller that is reported absent each time shows as silence, like any absent one.
+        if (outcome.error && !isAbsence(outcome.error))
+            return outcome.error;
+        noteSent(length);
+        return {};
+    });
+}
+
+int CLinkUdp::receive(char* buffer, int capacity, int& received, int timeoutMs) {
+    received = 0;
+    return socket->use([&](udp::socket& end) -> asio::error_code {
+        if (capacity <= 0)
+            return {};
+        const asio::mutable_buffer area(buffer, static_cast<std::size_t>(capacity));
+        const Clock::time_point deadline = Clock::now() + longerThan(timeoutMs);
+        // A report of absence and an empty datagram are nothing: the wait goes on.
+        do {
+            if (isInterrupted())
+                return {};
+            const WaitLoop::Outcome outcome = socket->receive(end, area, deadline);
+            if (outcome.isUnfinished())
+                return {};
+            if (outcome.error && !isAbsence(outcome.error))
+                return outcome.error;
+            received = static_cast<int>(outcome.count);
+        } while (received == 0 && Clock::now() < deadline);
+        noteReceived(received);
+        return {};
+    });
+}
+
+void CLinkUdp::wake() {
+    socket->loop().wake();
+}

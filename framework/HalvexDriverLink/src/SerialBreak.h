@@ -1,0 +1,13 @@
+#pragma once
+
+#include <asio/serial_port.hpp>
+
+// What Asio's serial port cannot do itself. One implementation per system.
+
+using SerialHandle = asio::serial_port::native_handle_type;
+
+// Starts or ends holding the line in break. A device that has no break is no error: `supported` becomes
+// false.
+asio::error_code setBreak(SerialHandle handle, bool on, bool& supported);
+// Throws away what has arrived and is unread, also what is still on its way through the driver.
+void discardInput(SerialHandle handle);

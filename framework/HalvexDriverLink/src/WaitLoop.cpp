@@ -1,0 +1,59 @@
+#include "WaitLoop.h"
+
+#include <asio/executor_work_guard.hpp>
+
+#include <utility>
+
+WaitLoop::WaitLoop(std::function<bool()> isInterrupted) : interrupted(std::move(isInterrupted)) {}
+
+void WaitLoop::prepare() {
+    const std::lock_guard lock(making);
+    if (!ioContext)
+        ioContext = std::make_unique<asio::io_context>(1); // one thread at a time runs it
+}
+
+void WaitLoop::wake() {
+    const std::lock_guard lock(making);
+    if (ioContext)
+        ioContext->stop();
+}
+
+WaitLoop::Abandonment::Abandonment(WaitLoop& loop) : waitLoop(loop) {
+    waitLoop.abandonments.fetch_add(1);
+    waitLoop.wake();
+}
+
+WaitLoop::Abandonment::~Abandonment() {
+    waitLoop.abandonments.fetch_sub(1);
+}
+
+void WaitLoop::sleepUntil(Clock::time_point deadline) {
+    const auto work = asio::make_work_guard(*ioContext); // without work a context does not wait
+    const bool never = false;
+    waitUntil(deadline, never);
+}
+
+bool WaitLoop::mayWait() const {
+    return abandonments.load() == 0 && !interrupted();
+}
+
+void WaitLoop::waitUntil(Clock::time_point deadline, const bool& finished) {
+    // restart() comes before the question: a wake() before it has set its flag already, a wake() after it
+    // stops the run. A wake() meant for an earlier wait only costs one more turn.
+    for (;;) {
+        ioContext->restart();
+        if (finished || !mayWait() || Clock::now() >= deadline)
+            break;
+        ioContext->run_one_until(deadline);
+    }
+    // What is there by now counts, however late this thread came to look.
+    if (!finished)
+        ioContext->poll_one();
+}
+
+void WaitLoop::runOut(const bool& finished) {
+    while (!finished) {
+        ioContext->restart();
+        ioContext->run_one();
+    }
+}

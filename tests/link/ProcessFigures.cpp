@@ -1,0 +1,49 @@
+#include "ProcessFigures.h"
+
+#include <ctime>
+#include <filesystem>
+#include <iterator>
+
+#include <fcntl.h>
+#include <malloc.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+int openDescriptors() {
+    const std::filesystem::directory_iterator entries("/proc/self/fd");
+    return static_cast<int>(std::distance(begin(entries), end(entries)));
+}
+
+bool allowDescriptors(std::size_t count) {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return false;
+    if (limit.rlim_cur >= count)
+        return true;
+    limit.rlim_cur = count;
+    return setrlimit(RLIMIT_NOFILE, &limit) == 0;
+}
+
+TakenDescriptors::TakenDescriptors(int count) {
+    for (int i = 0; i < count; ++i) {
+        const int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        if (descriptor < 0)
+            break;
+        descriptors.push_back(descriptor);
+    }
+}
+
+TakenDescriptors::~TakenDescriptors() {
+    for (const int descriptor : descriptors)
+        close(descriptor);
+}
+
+std::chrono::nanoseconds threadProcessorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+std::size_t allocatedBytes() {
+    return mallinfo2().uordblks;
+}

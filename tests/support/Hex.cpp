@@ -1,0 +1,9 @@
+#include "Hex.h"
+
+QByteArray hex(const char* text) {
+    return QByteArray::fromHex(text);
+}
+
+QByteArray toHex(const QByteArray& bytes) {
+    return bytes.toHex(' ').toUpper();
+}
