@@ -1,0 +1,3 @@
+#include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
+
+HalvexDriverCoreInterface::~HalvexDriverCoreInterface() = default;

@@ -1,0 +1,189 @@
+#include "LogFiles.h"
+
+#include "RepeatedLines.h"
+
+#include <spdlog/async.h>
+#include <spdlog/async_logger.h>
+#include <spdlog/details/periodic_worker.h>
+#include <spdlog/sinks/base_sink.h>
+#include <spdlog/sinks/rotating_file_sink.h>
+
+#include <algorithm>
+#include <exception>
+#include <thread>
+#include <utility>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// After a refusal the disk is left alone for a while: a failing open costs tens of milliseconds, in which
+// lines of the other channels would wait.
+constexpr std::chrono::seconds retryInterval{1};
+
+// The name of the channel's logger is the name of its file.
+std::string fileStem(int channelId) {
+    return "channel-" + std::to_string(channelId);
+}
+
+} // namespace
+
+// The end of the queue. It runs on the queue's thread alone, and after that has ended in stop().
+class LogFiles::Sink final : public spdlog::sinks::base_sink<spdlog::details::null_mutex> {
+public:
+    Sink(const LoggerSettings& loggerSettings, std::shared_ptr<LogCounters> sharedCounters)
+        : settings(loggerSettings), counters(std::move(sharedCounters)) {}
+
+    std::uint64_t handled() const { return handledLines + handledFlushes; }
+    std::uint64_t flushes() const { return handledFlushes; }
+
+    // In place of handling a line: there was no memory for it.
+    void noteLost() {
+        ++counters->refused;
+        ++handledLines;
+    }
+
+    void reportRepeats() {
+        const auto now = Clock::now();
+        for (auto& [stem, file] : files)
+            for (const auto& [source, report] : file.repeats.takeReports(now))
+                put(stem, file, reportMessage(report));
+    }
+
+protected:
+    void sink_it_(const spdlog::details::log_msg& message) override {
+        const std::string stem(message.logger_name.data(), message.logger_name.size());
+        File& file = files[stem];
+        // The RTU arrives in the message's source line. Frames of an RTU are a source of their own.
+        const int source = message.source.line * 2 + (message.level == spdlog::level::trace ? 1 : 0);
+        const auto verdict =
+            file.repeats.examine(source, {message.payload.data(), message.payload.size()}, Clock::now());
+        if (verdict.report)
+            put(stem, file, reportMessage(*verdict.report));
+        if (verdict.repeated)
+            ++counters->collapsed;
+        else
+            ++(put(stem, file, message) ? counters->written : counters->refused);
+        ++handledLines;
+    }
+
+    void flush_() override {
+        reportRepeats();
+        ++handledFlushes;
+    }
+
+private:
+    struct File {
+        std::unique_ptr<spdlog::sinks::rotating_file_sink_st> sink;
+        Clock::time_point retryAt;
+        RepeatedLines repeats;
+    };
+
+    static spdlog::details::log_msg reportMessage(const std::string& text) {
+        return {spdlog::string_view_t(), spdlog::level::info, text};
+    }
+
+    bool put(const std::string& stem, File& file, const spdlog::details::log_msg& message) {
+        if (!file.sink && Clock::now() < file.retryAt)
+            return false;
+        try {
+            if (!file.sink)
+                file.sink = open(stem);
+            file.sink->log(message);
+            file.sink->flush();
+            return true;
+        } catch (const std::exception&) {
+            file.sink.reset();
+            file.retryAt = Clock::now() + retryInterval;
+            return false;
+        }
+    }
+
+    std::unique_ptr<spdlog::sinks::rotating_file_sink_st> open(const std::string& stem) const {
+        const std::size_t rotatedFiles = std::max<std::size_t>(settings.filesPerChannel, 1) - 1;
+        auto opened = std::make_unique<spdlog::sinks::rotating_file_sink_st>(
+            settings.directory + "/" + stem + ".log", std::max<std::size_t>(settings.fileBytes, 1),
+            rotatedFiles);
+        opened->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
+        return opened;
+    }
+
+    const LoggerSettings settings;
+    const std::shared_ptr<LogCounters> counters;
+    std::map<std::string, File> files;
+    std::atomic<std::uint64_t> handledLines{0};
+    std::atomic<std::uint64_t> handledFlushes{0};
+};
+
+LogFiles::LogFiles(const LoggerSettings& settings, std::shared_ptr<LogCounters> counters)
+    : sink(std::make_shared<Sink>(settings, std::move(counters))),
+      pool(std::make_shared<spdlog::details::thread_pool>(std::max<std::size_t>(settings.queuedLines, 1), 1)),
+      reporter(std::make_unique<spdlog::details::periodic_worker>([this] { postFlush(); },
+                                                                  RepeatedLines::reportInterval)) {}
+
+LogFiles::~LogFiles() {
+    stop();
+}
+
+void LogFiles::write(int channelId, int rtuId, bool isFrame, const std::string& line) {
+    const auto logger = loggerOf(channelId);
+    ++posted;
+    logger->log(spdlog::source_loc{"", rtuId, ""}, isFrame ? spdlog::level::trace : spdlog::level::info,
+                line);
+}
+
+bool LogFiles::flush(Clock::time_point deadline) {
+    postFlush();
+    const std::uint64_t before = posted;
+    while (sink->handled() + pool->overrun_counter() < before) {
+        if (Clock::now() >= deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+void LogFiles::stop() {
+    reporter.reset();
+    std::shared_ptr<spdlog::details::thread_pool> ending;
+    {
+        const std::uint64_t lost = overruns();
+        const std::lock_guard<std::mutex> lock(stopMutex);
+        overrunsAtStop = lost;
+        ending.swap(pool);
+    }
+    if (!ending)
+        return;
+    ending.reset();
+    sink->reportRepeats();
+}
+
+std::uint64_t LogFiles::overruns() const {
+    const std::lock_guard<std::mutex> lock(stopMutex);
+    if (!pool)
+        return overrunsAtStop;
+    // The queue's counter includes flushes that were lost, which are those neither handled nor waiting.
+    const std::uint64_t lost = pool->overrun_counter();
+    const std::uint64_t flushes = postedFlushes - sink->flushes();
+    return lost - std::min(lost, flushes);
+}
+
+std::shared_ptr<spdlog::async_logger> LogFiles::loggerOf(int channelId) {
+    const std::lock_guard<std::mutex> lock(loggersMutex);
+    auto& logger = loggers[channelId];
+    if (!logger) {
+        logger = std::make_shared<spdlog::async_logger>(fileStem(channelId), sink, pool,
+                                                        spdlog::async_overflow_policy::overrun_oldest);
+        logger->set_level(spdlog::level::trace);
+        logger->set_error_handler([lost = sink](const std::string&) { lost->noteLost(); });
+    }
+    return logger;
+}
+
+void LogFiles::postFlush() {
+    // Any logger will do: they share the sink.
+    const auto logger = loggerOf(0);
+    ++postedFlushes;
+    ++posted;
+    logger->flush();
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <HalvexDriverComponent/CLogger.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace spdlog {
+class async_logger;
+namespace details {
+class periodic_worker;
+class thread_pool;
+} // namespace details
+} // namespace spdlog
+
+// What has become of the lines; shared by all file sets of a process, one after the other.
+struct LogCounters {
+    std::atomic<std::uint64_t> written{0};
+    std::atomic<std::uint64_t> refused{0}; // by the disk
+    std::atomic<std::uint64_t> collapsed{0};
+};
+
+// The log files of one configuration, "channel-<id>.log" and their rotated predecessors. Lines go through a
+// queue to a thread of its own, which alone touches the disk: a full queue loses its oldest line, a disk that
+// refuses a line loses that one, a slow disk delays nobody else.
+// Threads: any; stop() and the destructor come after the last write and flush.
+class LogFiles {
+public:
+    // Throws when no thread can be started.
+    LogFiles(const LoggerSettings& settings, std::shared_ptr<LogCounters> counters);
+    LogFiles(const LogFiles&) = delete;
+    LogFiles& operator=(const LogFiles&) = delete;
+    ~LogFiles();
+
+    void write(int channelId, int rtuId, bool isFrame, const std::string& line);
+    // Whether everything written before this call is on the disk or dropped, and repeats reported, in time.
+    bool flush(std::chrono::steady_clock::time_point deadline);
+    // Waits for the disk until nothing is queued, then ends the thread.
+    void stop();
+    // The lines that a full queue has lost.
+    std::uint64_t overruns() const;
+
+private:
+    class Sink;
+
+    std::shared_ptr<spdlog::async_logger> loggerOf(int channelId);
+    void postFlush();
+
+    const std::shared_ptr<Sink> sink;
+    std::shared_ptr<spdlog::details::thread_pool> pool;
+    mutable std::mutex stopMutex; // between stop() and overruns(): the end of the pool and its last figure
+    std::mutex loggersMutex;
+    std::map<int, std::shared_ptr<spdlog::async_logger>> loggers;
+    std::atomic<std::uint64_t> posted{0}; // lines and flushes
+    std::atomic<std::uint64_t> postedFlushes{0};
+    std::uint64_t overrunsAtStop = 0;
+    std::unique_ptr<spdlog::details::periodic_worker> reporter;
+};

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "ReplyRegistry.h"
+
+#include <HalvexDriverComponent/CReply.h>
+
+#include <condition_variable>
+#include <memory>
+#include <utility>
+
+// Where a reply stands. All but the pointer is guarded by the shared mutex.
+struct CReply::State {
+    explicit State(std::shared_ptr<ReplyRegistry::Shared> sharedWithChannel)
+        : shared(std::move(sharedWithChannel)) {}
+
+    void complete(Halvex::DriverErrorResult ended) {
+        if (completed)
+            return;
+        completed = true;
+        result = ended;
+        // Under the lock: the waiting side may free the reply as soon as it has the lock.
+        answered.notify_all();
+    }
+
+    // True when both sides have ended their use: then the caller, and nobody else, deletes `reply` once it
+    // has given up the lock.
+    bool takeOutIfUnused(CReply* reply) {
+        if (!waitingSideGone || driverReferences > 0)
+            return false;
+        shared->replies.erase(reply);
+        return true;
+    }
+
+    const std::shared_ptr<ReplyRegistry::Shared> shared;
+    std::condition_variable answered;
+    int driverReferences = 0;
+    bool waitingSideGone = false;
+    bool completed = false;
+    Halvex::DriverErrorResult result = Halvex::DriverErrorResult::Success;
+};

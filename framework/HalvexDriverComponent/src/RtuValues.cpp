@@ -1,0 +1,98 @@
+#include "RtuValues.h"
+
+#include <algorithm>
+
+void CRtu::Values::stageStatus(unsigned number, double value, const CMidTime& stamp, bool first) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    Entry& entry = statusEntries[number];
+    if (!first && entry.firstAddressSeen)
+        return;
+    entry.firstAddressSeen = first;
+    stage(entry, {false, number, value, stamp, PointQuality::Good});
+}
+
+void CRtu::Values::stageAnalog(unsigned number, double value, const CMidTime& stamp) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    stage(analogEntries[number], {true, number, value, stamp, PointQuality::Good});
+}
+
+void CRtu::Values::stage(Entry& entry, const PointUpdate& update) {
+    entry.staged = update;
+    if (entry.isStaged)
+        return;
+    entry.isStaged = true;
+    staged.push_back(&entry);
+}
+
+QVector<PointUpdate> CRtu::Values::publishStaged() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    QVector<PointUpdate> updates;
+    updates.reserve(static_cast<int>(staged.size()));
+    for (Entry* entry : staged) {
+        entry->published = entry->staged;
+        entry->isStaged = false;
+        updates << entry->published;
+    }
+    anyGood = anyGood || !staged.empty();
+    staged.clear();
+    return updates;
+}
+
+QVector<PointUpdate> CRtu::Values::turnBad() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    for (Entry* entry : staged)
+        entry->isStaged = false;
+    staged.clear();
+    QVector<PointUpdate> changed;
+    if (anyGood) {
+        collectBad(statusEntries, changed);
+        collectBad(analogEntries, changed);
+    }
+    anyGood = false;
+    return changed;
+}
+
+void CRtu::Values::collectBad(Entries& entries, QVector<PointUpdate>& changed) {
+    for (auto& [number, entry] : entries) {
+        if (entry.published.quality != PointQuality::Good)
+            continue;
+        entry.published.quality = PointQuality::Bad;
+        changed << entry.published;
+    }
+}
+
+QVector<PointUpdate> CRtu::Values::states(const CPointList& points) const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    QVector<PointUpdate> result;
+    for (const StatusPoint* point : points.GetStatusPointList())
+        result << stateOf(statusEntries, point->number, false);
+    for (const AnalogPoint* point : points.GetAnalogPointList())
+        result << stateOf(analogEntries, point->number, true);
+    return result;
+}
+
+PointUpdate CRtu::Values::stateOf(const Entries& entries, unsigned number, bool analog) {
+    const auto found = entries.find(number);
+    if (found != entries.end() && found->second.published.quality != PointQuality::NeverRead)
+        return found->second.published;
+    PointUpdate neverRead;
+    neverRead.analog = analog;
+    neverRead.number = number;
+    return neverRead;
+}
+
+void CRtu::Values::countRequest(const RtuStatus& ended) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    status.requests += ended.requests;
+    status.answers += ended.answers;
+    status.timeOuts += ended.timeOuts;
+    status.errors += ended.errors;
+    if (ended.lastRoundTrip.count() > 0)
+        status.lastRoundTrip = ended.lastRoundTrip;
+    status.slowestRoundTrip = std::max(status.slowestRoundTrip, ended.slowestRoundTrip);
+}
+
+RtuStatus CRtu::Values::figures() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return status;
+}

@@ -1,0 +1,23 @@
+#include <HalvexDriverComponent/CMidTime.h>
+
+#include <gtest/gtest.h>
+
+TEST(CMidTime, DefaultIsNull) {
+    const CMidTime time;
+    EXPECT_TRUE(time.isNull());
+    EXPECT_EQ(time.toMSecsSinceEpoch(), 0);
+    EXPECT_FALSE(time.toDateTime().isValid());
+}
+
+TEST(CMidTime, KeepsMillisecondsAndStatus) {
+    const QDateTime moment = QDateTime::fromMSecsSinceEpoch(1'700'000'000'123);
+    const CMidTime time(moment, 3);
+    EXPECT_FALSE(time.isNull());
+    EXPECT_EQ(time.toMSecsSinceEpoch(), 1'700'000'000'123);
+    EXPECT_EQ(time.toDateTime(), moment);
+    EXPECT_EQ(time.status(), 3);
+}
+
+TEST(CMidTime, InvalidTimeIsNull) {
+    EXPECT_TRUE(CMidTime(QDateTime(), 0).isNull());
+}
