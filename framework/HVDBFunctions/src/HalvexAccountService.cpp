@@ -1,0 +1,6 @@
+#include <HVDBFunctions/HalvexAccountService.h>
+
+HalvexAccountService* HalvexAccountService::instance() {
+    static HalvexAccountService service;
+    return &service;
+}
