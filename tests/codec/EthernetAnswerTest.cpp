@@ -1,0 +1,151 @@
+#include "Printers.h"
+#include "ReferenceTelegram.h"
+
+#include <EthernetTelegram.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using sbus::ethernet::AnswerCheck;
+using sbus::ethernet::checkReadAnswer;
+using sbus::ethernet::checkWriteAnswer;
+using Result = AnswerCheck::Result;
+
+namespace {
+
+constexpr quint16 sequence = 0x1234;
+constexpr quint8 response = 1;
+constexpr quint8 acknowledge = 2;
+
+QByteArray damaged(QByteArray telegram) {
+    telegram[telegram.size() - 1] = static_cast<char>(telegram[telegram.size() - 1] ^ 1);
+    return telegram;
+}
+
+} // namespace
+
+TEST(EthernetAnswer, ADataResponseWithTheExpectedSequenceIsAGoodReadAnswer) {
+    const QByteArray telegram = ethernetTelegram(sequence, response, hex("00 00 00 07"));
+    EXPECT_EQ(toHex(telegram), "00 00 00 0F 01 00 12 34 01 00 00 00 07 19 91");
+    EXPECT_EQ(checkReadAnswer(telegram, sequence).result, Result::Good);
+}
+
+TEST(EthernetAnswer, AReadAnswerWithAnotherSequenceIsInvalid) {
+    const QByteArray late = ethernetTelegram(sequence - 1, response, hex("00 00 00 07"));
+    EXPECT_EQ(checkReadAnswer(late, sequence).result, Result::InvalidSequence);
+}
+
+TEST(EthernetAnswer, TheSequenceIsLookedAtBeforeAnythingElse) {
+    const QByteArray read = damaged(ethernetTelegram(sequence + 1, 9, hex("00 00 00 07")));
+    EXPECT_EQ(checkReadAnswer(read, sequence).result, Result::InvalidSequence);
+    EXPECT_EQ(checkWriteAnswer(read, sequence).result, Result::InvalidSequence);
+}
+
+TEST(EthernetAnswer, AReadAnswerWithAWrongChecksum) {
+    const QByteArray telegram = damaged(ethernetTelegram(sequence, response, hex("00 00 00 07")));
+    EXPECT_EQ(checkReadAnswer(telegram, sequence).result, Result::ChecksumError);
+}
+
+TEST(EthernetAnswer, AReadRefusedGivesTheAcknowledgeCode) {
+    const AnswerCheck check =
+        checkReadAnswer(ethernetTelegram(sequence, acknowledge, hex("01 02")), sequence);
+    EXPECT_EQ(check.result, Result::AcknowledgeError);
+    EXPECT_EQ(check.value, 0x0102u);
+}
+
+TEST(EthernetAnswer, AReadAnsweredByAPositiveAcknowledgeGivesTheAttribute) {
+    const AnswerCheck check =
+        checkReadAnswer(ethernetTelegram(sequence, acknowledge, hex("00 00")), sequence);
+    EXPECT_EQ(check.result, Result::AcknowledgeError);
+    EXPECT_EQ(check.value, 2u);
+}
+
+TEST(EthernetAnswer, AReadAnsweredUnderAnyOtherAttributeGivesTheAttribute) {
+    for (const int attribute : {0, 3, 128, 255}) {
+        const QByteArray telegram =
+            ethernetTelegram(sequence, static_cast<quint8>(attribute), hex("00 00 00 07"));
+        const AnswerCheck check = checkReadAnswer(telegram, sequence);
+        EXPECT_EQ(check.result, Result::AcknowledgeError) << attribute;
+        EXPECT_EQ(check.value, static_cast<unsigned>(attribute));
+    }
+}
+
+TEST(EthernetAnswer, TheChecksumOfARefusedReadIsNotLookedAt) {
+    const QByteArray telegram = damaged(ethernetTelegram(sequence, acknowledge, hex("00 03")));
+    const AnswerCheck check = checkReadAnswer(telegram, sequence);
+    EXPECT_EQ(check.result, Result::AcknowledgeError);
+    EXPECT_EQ(check.value, 3u);
+}
+
+TEST(EthernetAnswer, APositiveAcknowledgeIsAGoodWriteAnswer) {
+    EXPECT_EQ(checkWriteAnswer(ethernetTelegram(sequence, acknowledge, hex("00 00")), sequence).result,
+              Result::Good);
+}
+
+TEST(EthernetAnswer, AWriteAnswerWithAnotherSequenceIsInvalid) {
+    const QByteArray late = ethernetTelegram(sequence - 1, acknowledge, hex("00 00"));
+    EXPECT_EQ(checkWriteAnswer(late, sequence).result, Result::InvalidSequence);
+}
+
+TEST(EthernetAnswer, AWriteAnsweredUnderAnyOtherAttributeGivesTheAttribute) {
+    for (const int attribute : {0, 1, 3, 255}) {
+        const QByteArray telegram = ethernetTelegram(sequence, static_cast<quint8>(attribute), hex("00 00"));
+        const AnswerCheck check = checkWriteAnswer(telegram, sequence);
+        EXPECT_EQ(check.result, Result::AcknowledgeError) << attribute;
+        EXPECT_EQ(check.value, static_cast<unsigned>(attribute));
+    }
+}
+
+TEST(EthernetAnswer, ARefusedWriteGivesTheAcknowledgeCode) {
+    const AnswerCheck check =
+        checkWriteAnswer(ethernetTelegram(sequence, acknowledge, hex("FF FE")), sequence);
+    EXPECT_EQ(check.result, Result::AcknowledgeError);
+    EXPECT_EQ(check.value, 0xFFFEu);
+}
+
+TEST(EthernetAnswer, ARefusedWriteIsToldBeforeItsWrongChecksum) {
+    const QByteArray telegram = damaged(ethernetTelegram(sequence, acknowledge, hex("00 05")));
+    const AnswerCheck check = checkWriteAnswer(telegram, sequence);
+    EXPECT_EQ(check.result, Result::AcknowledgeError);
+    EXPECT_EQ(check.value, 5u);
+}
+
+TEST(EthernetAnswer, AWriteAnswerWithAWrongChecksum) {
+    const QByteArray telegram = damaged(ethernetTelegram(sequence, acknowledge, hex("00 00")));
+    EXPECT_EQ(checkWriteAnswer(telegram, sequence).result, Result::ChecksumError);
+}
+
+TEST(EthernetAnswer, VersionAndProtocolTypeAreNotLookedAt) {
+    QByteArray bytes = ethernetBytes(sequence, response, hex("00 00 00 07"), 15);
+    bytes[4] = 9;
+    bytes[5] = 9;
+    EXPECT_EQ(checkReadAnswer(withChecksum(bytes), sequence).result, Result::Good);
+}
+
+TEST(EthernetAnswer, ATelegramOfAnyLengthMayBeChecked) {
+    const QByteArray whole = ethernetTelegram(0, response, hex("00 00 00 07"));
+    for (int length = 0; length < whole.size(); ++length) {
+        // A copy of its own, so that a sanitizer sees every byte read behind its end.
+        const QByteArray part(whole.constData(), length);
+        EXPECT_NE(checkReadAnswer(part, 0).result, Result::Good) << length;
+        EXPECT_NE(checkWriteAnswer(part, 0).result, Result::Good) << length;
+    }
+}
+
+TEST(EthernetAnswer, TheAnnouncedLengthIsSignedAndBigEndian) {
+    EXPECT_EQ(sbus::ethernet::announcedLength(hex("00 00 00 10")), 16);
+    EXPECT_EQ(sbus::ethernet::announcedLength(hex("01 02 03 04 05")), 0x01020304);
+    EXPECT_EQ(sbus::ethernet::announcedLength(hex("FF FF FF FF")), -1);
+    EXPECT_EQ(sbus::ethernet::announcedLength(hex("80 00 00 00")), std::numeric_limits<qint32>::min());
+}
+
+TEST(EthernetAnswer, WithoutItsHeaderAnAnswerIsPayloadAndChecksum) {
+    const QByteArray telegram = ethernetTelegram(sequence, response, hex("00 00 00 07"));
+    EXPECT_EQ(toHex(sbus::ethernet::withoutHeader(telegram)), toHex(hex("00 00 00 07") + telegram.right(2)));
+}
+
+TEST(EthernetAnswer, WithoutItsHeaderAShortAnswerIsNothing) {
+    for (int length = 0; length <= 9; ++length)
+        EXPECT_TRUE(sbus::ethernet::withoutHeader(QByteArray(length, '\1')).isEmpty()) << length;
+}

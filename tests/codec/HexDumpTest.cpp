@@ -1,0 +1,40 @@
+#include "Printers.h"
+
+#include <HexDump.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QStringList dumpOf(const QByteArray& bytes) {
+    return sbus::hexDump(bytes.constData(), bytes.size());
+}
+
+const QString eighteenZeros = QString("00 ").repeated(18);
+
+} // namespace
+
+TEST(HexDump, EachByteIsTwoUpperCaseDigitsAndABlank) {
+    EXPECT_EQ(dumpOf(hex("B5 00 0A")), QStringList{"B5 00 0A "});
+}
+
+TEST(HexDump, NoBytesGiveOneEmptyLine) {
+    EXPECT_EQ(dumpOf({}), QStringList{""});
+    EXPECT_EQ(sbus::hexDump(nullptr, 0), QStringList{""});
+}
+
+TEST(HexDump, EighteenBytesFitOnOneLine) {
+    EXPECT_EQ(dumpOf(QByteArray(18, '\0')), QStringList{eighteenZeros});
+}
+
+TEST(HexDump, TheNineteenthByteBeginsTheSecondLine) {
+    EXPECT_EQ(dumpOf(QByteArray(18, '\0') + hex("FE")), (QStringList{eighteenZeros, "FE "}));
+}
+
+TEST(HexDump, ThirtySixBytesAreTwoFullLines) {
+    EXPECT_EQ(dumpOf(QByteArray(36, '\0')), (QStringList{eighteenZeros, eighteenZeros}));
+}
+
+TEST(HexDump, BytesAboveHexSevenFAreNotSignExtended) {
+    EXPECT_EQ(dumpOf(hex("80 FF")), QStringList{"80 FF "});
+}
