@@ -1,0 +1,30 @@
+#pragma once
+
+#include "SBusProtocolBase.h"
+
+class QElapsedTimer;
+
+// S-Bus over a datagram link. Each telegram carries a sequence number that its answer must repeat, so that
+// a late answer to an earlier telegram is never taken for the answer to this one.
+class SBusEthernetDriver final : public SBusProtocolBase {
+public:
+    explicit SBusEthernetDriver(CChannel* owner);
+
+    unsigned checkResponse(const QByteArray& frame, const QByteArray& response, const SBusRequest& request,
+                           const SBusRequestItem& item) override;
+    void buildReadFrame(QByteArray& frame, const SBusRequestItem& item, int station) override;
+    void buildWriteFrame(QByteArray& frame, const SBusRequestItem& item, int station) override;
+    unsigned reservedHook() override;
+    // A silent controller is a channel error here, not a time-out.
+    unsigned transceive(const SBusRequestItem& item, const QByteArray& frame, QByteArray& response,
+                        const SBusRequest& request, bool read) override;
+
+private:
+    quint16 nextSequence = 0;
+    quint16 expectedSequence = 0; // of the telegram built last
+
+    unsigned awaitAnswer(QByteArray& telegram, const QByteArray& response, const SBusRequest& request);
+    unsigned awaitRest(QByteArray& area, int arrived, const QElapsedTimer& time, const QByteArray& response,
+                       const SBusRequest& request);
+    unsigned checkAnswer(const QByteArray& telegram, const SBusRequest& request, bool read);
+};

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "SBusRequest.h"
+#include "SBusResultCode.h"
+
+#include <HalvexDriverComponent/Halvex.h>
+
+#include <QByteArray>
+#include <QMutex>
+#include <QObject>
+
+#include <atomic>
+#include <list>
+
+class CChannel;
+class CLink;
+
+// The transaction engine of one channel: the table of pending requests, and the cycle that takes one
+// request, exchanges its telegrams and reports how it ended. What differs on the wire is left to the
+// serial and the Ethernet protocol.
+//
+// States: offline (no link) and online. A channel that has once been connected stays online here while its
+// link is opened anew, so that requests wait in the table. Commands go to the front of the table and displace
+// an equal request, polls go to the back unless an equal one is pending. Threads: submitRequest and
+// queueRequest on any, so an offline command is reported on its caller's thread; everything else on the
+// channel's thread. The table's mutex is held only while the table is touched, never during traffic or
+// reporting. Ownership: the channel is the parent; link, RTUs and replies belong to others.
+class SBusProtocolBase : public QObject {
+public:
+    explicit SBusProtocolBase(CChannel* owner);
+    ~SBusProtocolBase() override;
+
+    // Runs for every good read exchange before its values are decoded. SBusSuccess, or why it does not count.
+    virtual unsigned checkResponse(const QByteArray& frame, const QByteArray& response,
+                                   const SBusRequest& request, const SBusRequestItem& item) = 0;
+    virtual void buildReadFrame(QByteArray& frame, const SBusRequestItem& item, int station) = 0;
+    virtual void buildWriteFrame(QByteArray& frame, const SBusRequestItem& item, int station) = 0;
+    // Called by nobody; keeps its place in the order of the operations.
+    virtual unsigned reservedHook() = 0;
+    // Sends `frame` and waits for the answer. `response` comes with the size that payload and checksum
+    // are expected to have, and leaves with them when the exchange was a good read.
+    virtual unsigned transceive(const SBusRequestItem& item, const QByteArray& frame, QByteArray& response,
+                                const SBusRequest& request, bool read) = 0;
+
+    // The command path. Offline: reported as SBusChannelError at once.
+    void submitRequest(const SBusRequest& request);
+    // The poll path. Offline, or with an equal request pending: dropped without a word.
+    void queueRequest(const SBusRequest& request);
+    // Null when the channel disconnects.
+    void setLink(CLink* newLink);
+    // Runs the request at the front of the table, if there is one.
+    void processNextRequest();
+
+protected:
+    CLink* currentLink() const { return link.load(std::memory_order_acquire); }
+    CChannel* ownChannel() const { return channel; }
+
+    void executeRequest(SBusRequest& request);
+    void reportResult(unsigned code, const SBusRequest& request, CReply* reply, const QString& reason);
+    static void logFrame(int channelId, int rtuId, Halvex::PacketType type, const char* bytes, int length);
+
+    // The caller holds the mutex.
+    bool containsRequest(const SBusRequest& request) const;
+    int removeRequest(const SBusRequest& request);
+
+    // What the framings have in common around their exchange.
+    // Sends `frame` and logs it. A failure costs RTU and channel their connection.
+    unsigned sendFrame(const SBusRequest& request, const QByteArray& frame);
+    // Header line and hex dump.
+    static void logWholeFrame(const SBusRequest& request, Halvex::PacketType type, const QByteArray& bytes);
+    static void logFrameHeader(const SBusRequest& request, Halvex::PacketType type);
+    static void logProtocolError(const SBusRequest& request, const QString& text, bool startsEntry);
+    static void disconnectRtu(const SBusRequest& request);
+    static void disconnectRtuAndChannel(const SBusRequest& request);
+    static void connectRtu(const SBusRequest& request);
+
+private:
+    unsigned executeItem(const SBusRequest& request, const SBusRequestItem& item);
+    unsigned executeRead(const SBusRequest& request, const SBusRequestItem& item, int station);
+    unsigned executeWrite(const SBusRequest& request, const SBusRequestItem& item, int station);
+    static void publish(const SBusRequest& request, const SBusRequestItem& item, const QByteArray& response);
+
+    CChannel* const channel;
+    QMutex mutex;
+    std::list<SBusRequest> pending; // the front is sent next
+    // Written by the channel's thread alone; producers read it to know whether the channel is online.
+    std::atomic<CLink*> link{nullptr};
+};

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "SBusRequestItem.h"
+
+#include <QList>
+#include <QString>
+
+class CReply;
+class CRtu;
+
+// What is asked of one RTU: telegrams to exchange in order, and who waits for the outcome. A value: a copy
+// has its own items and shares `rtu` and `reply`, which it does not own.
+class SBusRequest {
+public:
+    SBusRequest() = default;
+    SBusRequest(const SBusRequest&) = default;
+    SBusRequest& operator=(const SBusRequest&) = default;
+    SBusRequest(SBusRequest&&) = default;
+    SBusRequest& operator=(SBusRequest&&) = default;
+    virtual ~SBusRequest();
+
+    // The same RTU, label and number of telegrams. What the telegrams hold does not count: of two polls of
+    // one kind for one RTU the second is superfluous.
+    bool isEqualTo(const SBusRequest& other) const;
+
+    CRtu* rtu = nullptr;
+    QString name;
+    QList<SBusRequestItem> items;
+    CReply* reply = nullptr;
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "SBusProtocolBase.h"
+
+// S-Bus over a serial line. One setting serves the whole line: the channel writes the values of each of
+// its RTUs in turn, and those of the last one stay.
+class SBusSerialDriver final : public SBusProtocolBase {
+public:
+    explicit SBusSerialDriver(CChannel* owner);
+
+    unsigned checkResponse(const QByteArray& frame, const QByteArray& response, const SBusRequest& request,
+                           const SBusRequestItem& item) override;
+    void buildReadFrame(QByteArray& frame, const SBusRequestItem& item, int station) override;
+    void buildWriteFrame(QByteArray& frame, const SBusRequestItem& item, int station) override;
+    unsigned reservedHook() override;
+    unsigned transceive(const SBusRequestItem& item, const QByteArray& frame, QByteArray& response,
+                        const SBusRequest& request, bool read) override;
+
+    // 0 Data Mode, 1 Break Mode. Any other value: Break Mode's layout without a break, writes unanswered.
+    qint32 transmitMode = 1;
+    qint32 breakDelay = 10; // milliseconds
+
+private:
+    void sendBreak();
+    unsigned awaitAnswer(QByteArray& response, const SBusRequest& request);
+    unsigned checkReadAnswer(QByteArray& response, const SBusRequest& request);
+    unsigned checkWriteAnswer(const QByteArray& response, const SBusRequest& request);
+    void drainLink(int timeOutMs);
+};

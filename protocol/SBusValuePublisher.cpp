@@ -1,0 +1,3 @@
+#include "SBusValuePublisher.h"
+
+SBusValuePublisher::~SBusValuePublisher() = default;
