@@ -1,0 +1,339 @@
+#include "LogRecorder.h"
+#include "PutCallRecorder.h"
+#include "RtuBench.h"
+
+#include <QDateTime>
+
+#include <cmath>
+
+using Halvex::PointDataType;
+
+namespace {
+
+class PublishingTest : public RtuBench {
+protected:
+    void publishStatus(quint32 start, const char* media, const QList<quint8>& values) {
+        rtu->publishStatusValues(start, QString::fromLatin1(media), values);
+    }
+    // Each value as the eight hex digits of its word.
+    void publishAnalog(quint32 start, const char* media, const QList<quint32>& words) {
+        QList<int> values;
+        for (quint32 word : words)
+            values << static_cast<int>(word);
+        rtu->publishAnalogValues(start, QString::fromLatin1(media), values);
+    }
+    // What a point of `type` at element 1 of `media` is given for `word`.
+    double converted(const char* media, quint32 word, PointDataType type) {
+        rtu->GetPointList()->Clear();
+        addAnalog(1, qPrintable(QString::fromLatin1(media) + QLatin1Char('1')), "", type);
+        rtu->InitRtu();
+        PutCallRecorder puts(rtu);
+        publishAnalog(1, media, {word});
+        EXPECT_EQ(puts.analog.size(), 1u);
+        return puts.analog.empty() ? std::nan("") : puts.analog[0].value;
+    }
+    double convertedFloat(quint32 word) { return converted("R", word, PointDataType::Float); }
+};
+
+using StatusPuts = std::vector<StatusPut>;
+using AnalogPuts = std::vector<AnalogPut>;
+
+} // namespace
+
+TEST_F(PublishingTest, PutsOneValueAnInputOnceEachAsTheFirstAddress) {
+    addStatus(1, "I10");
+    addStatus(2, "I11");
+    addStatus(3, "I12");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(10, "I", {1, 0, 1});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 1, true}, {2, 0, true}, {3, 1, true}}));
+    EXPECT_EQ(puts.analog, AnalogPuts{});
+}
+
+TEST_F(PublishingTest, PutsTheFirstAddressesValueTwiceWhenTheSecondHasTheSameNumber) {
+    addStatus(1, "I5", "F5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {1});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 1, true}, {1, 1, false}}));
+}
+
+TEST_F(PublishingTest, PutsNothingForTheSecondAddressItself) {
+    addStatus(1, "I5", "F5");
+    addStatus(2, "I6", "I7");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "F", {1});
+    publishStatus(7, "I", {1});
+    EXPECT_EQ(puts.status, StatusPuts{});
+}
+
+TEST_F(PublishingTest, ComparesTheSecondNumberAsText) {
+    addStatus(1, "I5", "F05");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {1});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 1, true}}));
+}
+
+TEST_F(PublishingTest, PutsForTheSecondAddressAloneWhenTheFirstHasMovedAwaySince) {
+    addStatus(1, "I5", "F5");
+    rtu->InitRtu();
+    rtu->GetPointList()->GetStatusPoint(1)->firstAddressNumber = QStringLiteral("6");
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {1});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 1, false}}));
+}
+
+TEST_F(PublishingTest, PutsAPointWithTwiceTheSameAddressTwice) {
+    addStatus(1, "I5", "I5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {0});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 0, true}, {1, 0, false}}));
+}
+
+TEST_F(PublishingTest, PutsEveryStatusPointOfAnElementInTheOrderOfTheirNumbers) {
+    addStatus(30, "F8");
+    addStatus(4, "F8");
+    addStatus(17, "F8", "O8");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(8, "F", {1});
+    EXPECT_EQ(puts.status, (StatusPuts{{4, 1, true}, {17, 1, true}, {17, 1, false}, {30, 1, true}}));
+}
+
+TEST_F(PublishingTest, KeepsTheMediaApart) {
+    addStatus(1, "I5");
+    addStatus(2, "O5");
+    addAnalog(3, "R5");
+    addAnalog(4, "C5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "O", {1});
+    publishAnalog(5, "C", {9});
+    EXPECT_EQ(puts.status, (StatusPuts{{2, 1, true}}));
+    EXPECT_EQ(puts.analog, (AnalogPuts{{4, 9}}));
+}
+
+TEST_F(PublishingTest, KeepsStatusAndAnalogPointsApart) {
+    addStatus(1, "R5");
+    addAnalog(2, "I5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishAnalog(5, "R", {1});
+    publishStatus(5, "I", {1});
+    EXPECT_EQ(puts.status, StatusPuts{});
+    EXPECT_EQ(puts.analog, AnalogPuts{});
+}
+
+TEST_F(PublishingTest, PutsEveryAnalogPointOfAnElementInTheOrderOfTheirNumbers) {
+    addAnalog(9, "R200");
+    addAnalog(2, "R200");
+    addAnalog(5, "R201");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishAnalog(200, "R", {11, 22});
+    EXPECT_EQ(puts.analog, (AnalogPuts{{2, 11}, {9, 11}, {5, 22}}));
+}
+
+TEST_F(PublishingTest, DropsValuesWithoutAPointAndLogsNothing) {
+    addStatus(1, "I5");
+    addAnalog(1, "R5");
+    rtu->InitRtu();
+    const LogRecorder log;
+    PutCallRecorder puts(rtu);
+    publishStatus(4, "I", {1, 1, 1});
+    publishAnalog(4, "R", {1, 2, 3});
+    publishAnalog(4, "T", {1, 2, 3});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 1, true}}));
+    EXPECT_EQ(puts.analog, (AnalogPuts{{1, 2}}));
+    EXPECT_TRUE(log.lines().isEmpty());
+}
+
+TEST_F(PublishingTest, TakesAnEmptyListOfValues) {
+    addStatus(1, "I5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {});
+    publishAnalog(5, "R", {});
+    EXPECT_TRUE(puts.remarks.empty());
+}
+
+TEST_F(PublishingTest, PassesOverPointsThatHaveVanished) {
+    addStatus(1, "I5");
+    addStatus(2, "I5");
+    addAnalog(1, "R5");
+    addAnalog(2, "R5");
+    rtu->InitRtu();
+    StatusPoint keptStatus = *rtu->GetPointList()->GetStatusPoint(2);
+    AnalogPoint keptAnalog = *rtu->GetPointList()->GetAnalogPoint(2);
+    rtu->GetPointList()->Clear();
+    rtu->GetPointList()->AddStatusPoint(keptStatus);
+    rtu->GetPointList()->AddAnalogPoint(keptAnalog);
+    const LogRecorder log;
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {1});
+    publishAnalog(5, "R", {1});
+    EXPECT_EQ(puts.status, (StatusPuts{{2, 1, true}}));
+    EXPECT_EQ(puts.analog, (AnalogPuts{{2, 1}}));
+    EXPECT_TRUE(log.lines().isEmpty());
+}
+
+TEST_F(PublishingTest, PutsAnUnchangedValueEveryTime) {
+    addStatus(1, "I5");
+    addAnalog(1, "R5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    for (int repetition = 0; repetition < 3; ++repetition) {
+        publishStatus(5, "I", {1});
+        publishAnalog(5, "R", {7});
+    }
+    EXPECT_EQ(puts.status.size(), 3u);
+    EXPECT_EQ(puts.analog.size(), 3u);
+}
+
+TEST_F(PublishingTest, MarksValuesAsRealWithoutARemarkAndStampedNow) {
+    addStatus(1, "I5");
+    addAnalog(1, "R5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    const qint64 before = QDateTime::currentMSecsSinceEpoch();
+    publishStatus(5, "I", {1});
+    publishAnalog(5, "R", {7});
+    const qint64 after = QDateTime::currentMSecsSinceEpoch();
+    ASSERT_EQ(puts.remarks.size(), 2u);
+    for (const PutRemarks& put : puts.remarks) {
+        EXPECT_FALSE(put.simulated);
+        EXPECT_EQ(put.status, 0u);
+        EXPECT_EQ(put.stamp.status(), 0);
+        EXPECT_GE(put.stamp.toMSecsSinceEpoch(), before);
+        EXPECT_LE(put.stamp.toMSecsSinceEpoch(), after);
+    }
+}
+
+TEST_F(PublishingTest, CountsElementsAsUnsigned32BitNumbers) {
+    addStatus(1, "I0");
+    addAnalog(1, "R0");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(0xFFFFFFFF, "I", {0, 1});
+    publishAnalog(0xFFFFFFFF, "R", {5, 6});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 1, true}}));
+    EXPECT_EQ(puts.analog, (AnalogPuts{{1, 6}}));
+}
+
+TEST_F(PublishingTest, ReachesTheHighestAddressThatFiveDigitsCanName) {
+    addStatus(1, "F99999");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(99999, "F", {1});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 1, true}}));
+}
+
+TEST_F(PublishingTest, NeverReachesAPointWithLeadingZeros) {
+    addAnalog(1, "R007");
+    addStatus(2, "I05");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishAnalog(7, "R", {1});
+    publishStatus(5, "I", {1});
+    EXPECT_TRUE(puts.remarks.empty());
+}
+
+TEST_F(PublishingTest, NeverReachesAPointWhoseAddressDidNotMatch) {
+    addAnalog(1, "X12.3");
+    addAnalog(2, "r200", "200");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishAnalog(0, "R", {1});
+    publishAnalog(200, "R", {1});
+    EXPECT_TRUE(puts.remarks.empty());
+}
+
+TEST_F(PublishingTest, ReadsATimerAsUnsigned) {
+    EXPECT_EQ(converted("T", 0xFFFFFFFF, PointDataType::Integer), 4294967295.0);
+    EXPECT_EQ(converted("T", 250, PointDataType::Integer), 250);
+}
+
+TEST_F(PublishingTest, ReadsACounterAsSigned) {
+    EXPECT_EQ(converted("C", 0xFFFFFFFF, PointDataType::Integer), -1);
+    EXPECT_EQ(converted("C", 0x7FFFFFFF, PointDataType::Integer), 2147483647);
+}
+
+TEST_F(PublishingTest, ReadsARegisterOfAnyOtherFormatAsSigned) {
+    EXPECT_EQ(converted("R", 0xFFFFFFFE, PointDataType::Integer), -2);
+    EXPECT_EQ(converted("R", 0x80000041, PointDataType::Integer), -2147483583);
+    EXPECT_EQ(converted("R", 0x80000041, static_cast<PointDataType>(13)), -2147483583);
+    EXPECT_EQ(converted("R", 0x80000041, static_cast<PointDataType>(15)), -2147483583);
+}
+
+TEST_F(PublishingTest, ReadsAFloatFormatOnRegistersAlone) {
+    EXPECT_EQ(converted("T", 0x80000041, PointDataType::Float), 2147483713.0);
+    EXPECT_EQ(converted("C", 0x80000041, PointDataType::Float), -2147483583);
+}
+
+TEST_F(PublishingTest, DecodesTheControllersFloat) {
+    EXPECT_EQ(convertedFloat(0x80000041), 1.0);
+    EXPECT_EQ(convertedFloat(0x800000C1), -1.0);
+    EXPECT_EQ(convertedFloat(0xC0000042), 3.0);
+    EXPECT_EQ(convertedFloat(0xC00000C2), -3.0);
+    EXPECT_EQ(convertedFloat(0x80000040), 0.5);
+    EXPECT_EQ(convertedFloat(0xA0000044), 10.0);
+}
+
+TEST_F(PublishingTest, DecodesAZeroWordAsZero) {
+    EXPECT_EQ(convertedFloat(0), 0.0);
+}
+
+TEST_F(PublishingTest, DecodesAMantissaOfZeroAsZeroWhateverTheExponent) {
+    EXPECT_EQ(convertedFloat(0x0000007F), 0.0);
+    EXPECT_EQ(convertedFloat(0x000000C1), 0.0);
+}
+
+TEST_F(PublishingTest, DecodesAnUnnormalisedMantissaAsItStands) {
+    EXPECT_EQ(convertedFloat(0x40000041), 0.5);
+    EXPECT_EQ(convertedFloat(0x00000158), 1.0); // the lowest bit of the mantissa: 2^-24 * 2^24
+}
+
+TEST_F(PublishingTest, DecodesTheWidestAndTheNarrowestFloat) {
+    EXPECT_EQ(convertedFloat(0xFFFFFF7F), std::ldexp(16777215.0, 63 - 24));
+    EXPECT_EQ(convertedFloat(0xFFFFFFFF), -std::ldexp(16777215.0, 63 - 24));
+    EXPECT_EQ(convertedFloat(0x80000000), std::ldexp(1.0, -65));
+    EXPECT_EQ(convertedFloat(0x00000100), std::ldexp(1.0, -24 - 64));
+}
+
+TEST_F(PublishingTest, WaitsForTheEndOfTheRequestBeforeTheHostSeesValues) {
+    addStatus(1, "I5");
+    addAnalog(2, "R5");
+    rtu->InitRtu();
+    publishStatus(5, "I", {1});
+    publishAnalog(5, "R", {7});
+    EXPECT_FALSE(core.point(channelId, rtuId, 1));
+    EXPECT_FALSE(core.point(channelId, rtuId, 2));
+    rtu->PutDatapoints();
+    ASSERT_TRUE(core.point(channelId, rtuId, 1));
+    ASSERT_TRUE(core.point(channelId, rtuId, 2));
+    EXPECT_FALSE(core.point(channelId, rtuId, 1)->analog);
+    EXPECT_EQ(core.point(channelId, rtuId, 1)->value, 1);
+    EXPECT_TRUE(core.point(channelId, rtuId, 2)->analog);
+    EXPECT_EQ(core.point(channelId, rtuId, 2)->value, 7);
+}
+
+TEST_F(PublishingTest, ShowsInTheRtusPointStates) {
+    addStatus(1, "I5");
+    addAnalog(2, "R5", "", PointDataType::Float);
+    rtu->InitRtu();
+    publishStatus(5, "I", {1});
+    publishAnalog(5, "R", {0xC0000042});
+    rtu->PutDatapoints();
+    QMap<unsigned, PointUpdate> states;
+    for (const PointUpdate& state : rtu->GetPointStates())
+        states[state.number] = state;
+    ASSERT_EQ(states.size(), 2);
+    EXPECT_EQ(states[1].quality, PointQuality::Good);
+    EXPECT_EQ(states[1].value, 1);
+    EXPECT_EQ(states[2].quality, PointQuality::Good);
+    EXPECT_EQ(states[2].value, 3.0);
+}
