@@ -1,0 +1,238 @@
+#include "OptionPage.h"
+
+namespace {
+
+class OptionPageRecord : public OptionPage {};
+
+void expectRecord(const EScan& scan, const char* station, const char* transmitType, const char* breakDelay) {
+    EXPECT_EQ(scan.stationAddress, QString::fromLatin1(station));
+    EXPECT_EQ(scan.transmitType, QString::fromLatin1(transmitType));
+    EXPECT_EQ(scan.breakDelay, QString::fromLatin1(breakDelay));
+}
+
+} // namespace
+
+TEST_F(OptionPageRecord, ShowsTheStoredValues) {
+    EScan scan = record("1", "1", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(addr->value(), 1);
+    EXPECT_EQ(mode->currentIndex(), 1);
+    EXPECT_EQ(delay->value(), 50);
+    expectRecord(scan, "1", "1", "50");
+}
+
+TEST_F(OptionPageRecord, AnotherStationThanShownOverwritesTheBreakDelayBeforeItIsRead) {
+    EScan scan = record("5", "1", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(addr->value(), 5);
+    EXPECT_EQ(delay->value(), 10);
+    expectRecord(scan, "5", "1", "10");
+}
+
+TEST_F(OptionPageRecord, TheStationThatIsShownAlreadyWritesNothingBack) {
+    EScan scan = record("1", "0", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(delay->value(), 50);
+    expectRecord(scan, "1", "0", "50");
+}
+
+TEST_F(OptionPageRecord, ASecondRecordIsGivenTheDelayOfTheFirst) {
+    EScan first = record("1", "1", "50");
+    page.loadScan(&first);
+    EScan second = record("7", "1", "300");
+    page.loadScan(&second);
+    EXPECT_EQ(delay->value(), 50);
+    expectRecord(second, "7", "1", "50");
+    expectRecord(first, "1", "1", "50");
+}
+
+TEST_F(OptionPageRecord, AnEmptyBreakDelayBecomesTen) {
+    EScan scan = record("1", "1", "");
+    page.loadScan(&scan);
+    EXPECT_EQ(delay->value(), 10);
+    EXPECT_EQ(scan.breakDelay, QStringLiteral("10"));
+}
+
+TEST_F(OptionPageRecord, AnEmptyBreakDelayBecomesTenWhateverWasShownBefore) {
+    EScan first = record("1", "1", "50");
+    page.loadScan(&first);
+    EScan second = record("1", "1", "");
+    page.loadScan(&second);
+    EXPECT_EQ(delay->value(), 10);
+    EXPECT_EQ(second.breakDelay, QStringLiteral("10"));
+}
+
+TEST_F(OptionPageRecord, AStationThatIsNoNumberIsZero) {
+    EScan scan = record("five", "1", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(addr->value(), 0);
+    expectRecord(scan, "0", "1", "10");
+}
+
+TEST_F(OptionPageRecord, ATransmitTypeThatIsNoNumberIsDataMode) {
+    EScan scan = record("1", "break", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(mode->currentIndex(), 0);
+    EXPECT_FALSE(delay->isEnabled());
+    EXPECT_EQ(scan.transmitType, QStringLiteral("break"));
+}
+
+TEST_F(OptionPageRecord, AnEmptyTransmitTypeIsDataMode) {
+    EScan scan = record("1", "", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(mode->currentIndex(), 0);
+    EXPECT_FALSE(delay->isEnabled());
+}
+
+TEST_F(OptionPageRecord, ABreakDelayThatIsNoNumberIsZero) {
+    EScan scan = record("1", "1", "soon");
+    page.loadScan(&scan);
+    EXPECT_EQ(delay->value(), 0);
+    EXPECT_EQ(scan.breakDelay, QStringLiteral("0"));
+}
+
+TEST_F(OptionPageRecord, ValuesBeyondTheRangesAreCut) {
+    EScan scan = record("300", "1", "10");
+    page.loadScan(&scan);
+    EXPECT_EQ(addr->value(), 256);
+    EXPECT_EQ(scan.stationAddress, QStringLiteral("256"));
+    scan = record("256", "1", "5000");
+    page.loadScan(&scan);
+    EXPECT_EQ(delay->value(), 1000);
+    EXPECT_EQ(scan.breakDelay, QStringLiteral("1000"));
+}
+
+TEST_F(OptionPageRecord, DataModeDisablesTheDelayAndBreakModeEnablesIt) {
+    EScan data = record("1", "0", "10");
+    page.loadScan(&data);
+    EXPECT_FALSE(delay->isEnabled());
+    EScan breaking = record("1", "1", "10");
+    page.loadScan(&breaking);
+    EXPECT_TRUE(delay->isEnabled());
+    page.loadScan(&data);
+    EXPECT_FALSE(delay->isEnabled());
+}
+
+TEST_F(OptionPageRecord, AnUnknownTransmitTypeReachesTheChoiceAsItIs) {
+    EScan scan = record("1", "7", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(mode->currentIndex(), -1) << "the choice has no eighth entry";
+    EXPECT_EQ(scan.transmitType, QStringLiteral("-1")) << "the change of the choice was stored";
+    EXPECT_TRUE(delay->isEnabled());
+    EXPECT_EQ(delay->value(), 50);
+}
+
+TEST_F(OptionPageRecord, ChoosingDataModeDisablesTheDelay) {
+    EScan scan = record("1", "1", "10");
+    page.loadScan(&scan);
+    mode->setCurrentIndex(0);
+    EXPECT_FALSE(delay->isEnabled());
+    EXPECT_EQ(scan.transmitType, QStringLiteral("0"));
+}
+
+TEST_F(OptionPageRecord, ChoosingBreakModeEnablesTheDelayAndStoresIt) {
+    EScan scan = record("1", "0", "10");
+    page.loadScan(&scan);
+    mode->setCurrentIndex(1);
+    EXPECT_TRUE(delay->isEnabled());
+    EXPECT_EQ(scan.transmitType, QStringLiteral("1"));
+}
+
+TEST_F(OptionPageRecord, AnEditedStationIsStoredAtOnceTogetherWithTheDelay) {
+    EScan scan = record("1", "1", "50");
+    page.loadScan(&scan);
+    scan.breakDelay = QStringLiteral("replaced");
+    addr->setValue(9);
+    expectRecord(scan, "9", "1", "50");
+}
+
+TEST_F(OptionPageRecord, AnEditedDelayIsStoredAtOnceTogetherWithTheStation) {
+    EScan scan = record("1", "1", "50");
+    page.loadScan(&scan);
+    scan.stationAddress = QStringLiteral("replaced");
+    delay->setValue(77);
+    expectRecord(scan, "1", "1", "77");
+}
+
+TEST_F(OptionPageRecord, TheValueSlotStoresWhatTheWidgetsShowAndNotItsArgument) {
+    EScan scan = record("1", "1", "50");
+    page.loadScan(&scan);
+    scan = record("", "1", "");
+    page.valueChanged(999);
+    expectRecord(scan, "1", "1", "50");
+}
+
+TEST_F(OptionPageRecord, TheTransmitTypeSlotStoresItsArgumentAndEnablesTheDelayUnlessItIsZero) {
+    EScan scan = record("1", "0", "10");
+    page.loadScan(&scan);
+    page.transmitTypeChanged(5);
+    EXPECT_EQ(scan.transmitType, QStringLiteral("5"));
+    EXPECT_TRUE(delay->isEnabled());
+    page.transmitTypeChanged(0);
+    EXPECT_EQ(scan.transmitType, QStringLiteral("0"));
+    EXPECT_FALSE(delay->isEnabled());
+}
+
+TEST_F(OptionPageRecord, TheStationSlotStoresItsTextAsItIs) {
+    EScan scan = record("1", "1", "50");
+    page.loadScan(&scan);
+    page.slaveAddressChanged(QStringLiteral(" 12 x"));
+    expectRecord(scan, " 12 x", "1", "50");
+    EXPECT_EQ(addr->value(), 1);
+}
+
+TEST_F(OptionPageRecord, TheStationSlotDoesNothingBeforeARecordIsLoaded) {
+    page.slaveAddressChanged(QStringLiteral("12"));
+    EXPECT_EQ(addr->value(), 1);
+    EXPECT_EQ(delay->value(), 10);
+}
+
+TEST_F(OptionPageRecord, TheDelaySlotDoesNothing) {
+    page.delayChanged(QStringLiteral("99"));
+    EScan scan = record("1", "1", "50");
+    page.loadScan(&scan);
+    page.delayChanged(QStringLiteral("99"));
+    expectRecord(scan, "1", "1", "50");
+    EXPECT_EQ(delay->value(), 50);
+}
+
+TEST_F(OptionPageRecord, WithoutEditRightsShowsEveryValueDisabled) {
+    HalvexAccountService::instance()->setEditDatabase(false);
+    EScan scan = record("1", "1", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(addr->value(), 1);
+    EXPECT_EQ(mode->currentIndex(), 1);
+    EXPECT_EQ(delay->value(), 50);
+    EXPECT_FALSE(page.isEnabled());
+    for (const QWidget* widget : page.findChildren<QWidget*>())
+        EXPECT_FALSE(widget->isEnabled()) << qPrintable(widget->objectName());
+}
+
+TEST_F(OptionPageRecord, NothingEnablesThePageAgain) {
+    HalvexAccountService::instance()->setEditDatabase(false);
+    EScan scan = record("1", "1", "50");
+    page.loadScan(&scan);
+    HalvexAccountService::instance()->setEditDatabase(true);
+    page.loadScan(&scan);
+    EXPECT_FALSE(page.isEnabled());
+    EXPECT_FALSE(delay->isEnabled());
+}
+
+TEST_F(OptionPageRecord, WithEditRightsIsEnabled) {
+    EScan scan = record("1", "1", "50");
+    page.loadScan(&scan);
+    EXPECT_TRUE(page.isEnabled());
+    EXPECT_TRUE(addr->isEnabled());
+    EXPECT_TRUE(mode->isEnabled());
+}
+
+TEST_F(OptionPageRecord, IsLoadedByTheDialogsFirstCallAndAgreesToItsLast) {
+    EScan scan = record("1", "1", "50");
+    DeviceOptionWidgetInterface& asTheDialogSeesIt = page;
+    asTheDialogSeesIt.initPage(&scan);
+    EXPECT_EQ(delay->value(), 50);
+    QString message;
+    EXPECT_TRUE(asTheDialogSeesIt.slotOK(message));
+    EXPECT_TRUE(message.isEmpty());
+    expectRecord(scan, "1", "1", "50");
+}
