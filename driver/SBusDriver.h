@@ -1,0 +1,34 @@
+#pragma once
+
+#include <HalvexAbstractDriver/DriverPluginInterface.h>
+
+// The plug-in's entry point: names the driver, lists its two line types and makes channels and option
+// pages. Main thread only. Owns nothing but the translators that it loads.
+class SBusDriver final : public DriverPluginInterface {
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID HALVEX_DRIVER_PLUGIN_IID FILE "SBusDriver.json")
+    Q_INTERFACES(DriverPluginInterface)
+
+public:
+    SBusDriver() = default;
+
+    QString driverDescription() override;
+    // Only the first call counts.
+    void initialize(HalvexDriverCoreInterface* newCore) override;
+    QString driverName() override;
+    CChannel* createChannel(int channelId) override;
+    bool isSupportedCommType(int code) override;
+    bool isAvailable() override;
+    QList<QPair<int, QString>> supportedCommTypes() override;
+    QList<DeviceOptionWidgetInterface*> deviceOptionWidgets(int code) override;
+    void loadTranslator() override;
+    int driverCode() override;
+    QStringList biAddressDescriptions() override;
+    QStringList boAddressDescriptions() override;
+    QStringList aoAddressDescriptions() override;
+    QStringList aiAddressDescriptions() override;
+
+private:
+    bool initialized = false;
+    HalvexDriverCoreInterface* core = nullptr; // the host's
+};
