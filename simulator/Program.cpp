@@ -1,0 +1,155 @@
+#include "Program.h"
+
+#include "SiteFile.h"
+#include "Summary.h"
+#include "Units.h"
+
+#include <csignal>
+#include <ostream>
+
+#include <asio/io_context.hpp>
+#include <asio/signal_set.hpp>
+#include <asio/steady_timer.hpp>
+
+#include <CLI/CLI.hpp>
+
+namespace sim {
+
+namespace {
+
+// The arguments as they were written.
+struct Arguments {
+    std::string siteFile;
+    std::vector<std::string> settings;
+    std::vector<std::string> sizes;
+    std::string faults;
+    std::string lateDelay;
+    std::string duration;
+    Options options;
+};
+
+void declare(CLI::App& app, Arguments& arguments) {
+    app.add_option("site", arguments.siteFile, "the site file, as the host reads it")->required();
+    app.add_flag("--move", arguments.options.move, "let values move: ramps, sines, counters, toggles");
+    app.add_option(
+           "--set", arguments.settings,
+           "fix an element, as in 5/R200=7 (station 5), 2:5/R200=7 (on line 2), 5/R300=7.5 (floating point)")
+        ->take_all()
+        ->expected(1);
+    app.add_option("--fault", arguments.faults,
+                   "misbehave: drop=5%,late=2%,duplicate=1%,crc=1%,nak=1%,short=1%");
+    app.add_option("--late-delay", arguments.lateDelay, "how late a late answer is (300ms)");
+    app.add_option("--seed", arguments.options.seed, "of the faults: the same seed, the same faults (1)");
+    app.add_flag("--pace", arguments.options.pace, "send serial bytes at the line's baud rate");
+    app.add_option("--size", arguments.sizes, "elements that a controller has, as in R=16384")
+        ->take_all()
+        ->expected(1);
+    app.add_option("--for", arguments.duration, "end after this time, as in 10s");
+}
+
+bool parseSize(const std::string& text, MemorySizes& sizes) {
+    const auto media = text.size() > 2 && text[1] == '=' ? mediaOf(text[0]) : std::nullopt;
+    const auto count = media ? parseInteger(std::string_view(text).substr(2), 0, 65536) : std::nullopt;
+    if (!count)
+        return false;
+    sizes.set(*media, static_cast<unsigned>(*count));
+    return true;
+}
+
+// No text leaves `duration` as it is.
+void readDuration(const char* option, const std::string& text, std::chrono::milliseconds& duration,
+                  std::vector<std::string>& errors) {
+    if (text.empty())
+        return;
+    const auto parsed = parseDuration(text);
+    if (parsed)
+        duration = *parsed;
+    else
+        errors.push_back(std::string(option) + ": '" + text +
+                         "' is no time; write it with its unit, as in 10s");
+}
+
+std::vector<Setting> readArguments(Arguments& arguments, std::chrono::milliseconds& duration,
+                                   std::vector<std::string>& errors) {
+    std::string error;
+    if (!arguments.faults.empty() && !parseFaults(arguments.faults, arguments.options.faults, error))
+        errors.push_back("--fault: " + error);
+    readDuration("--late-delay", arguments.lateDelay, arguments.options.faults.lateBy, errors);
+    readDuration("--for", arguments.duration, duration, errors);
+    for (const std::string& text : arguments.sizes) {
+        if (!parseSize(text, arguments.options.sizes))
+            errors.push_back("--size: '" + text +
+                             "' must be a letter and a number up to 65536, as in R=16384");
+    }
+    std::vector<Setting> settings;
+    for (const std::string& text : arguments.settings) {
+        if (!parseSetting(text, settings.emplace_back(), error))
+            errors.push_back("--set: " + error);
+    }
+    return settings;
+}
+
+// Returns at a signal, or after `duration` when that is not 0.
+void waitForEnd(asio::io_context& context, asio::signal_set& signals, std::chrono::milliseconds duration) {
+    asio::steady_timer timer(context);
+    signals.async_wait([&](const std::error_code&, int) { context.stop(); });
+    if (duration.count() > 0) {
+        timer.expires_after(duration);
+        timer.async_wait([&](const std::error_code&) { context.stop(); });
+    }
+    context.run();
+}
+
+int report(const std::vector<std::string>& errors, std::ostream& err) {
+    for (const std::string& error : errors)
+        err << error << "\n";
+    err.flush();
+    return exitUsage;
+}
+
+int play(const Site& site, const Arguments& arguments, const std::vector<Setting>& settings,
+         std::chrono::milliseconds duration, std::ostream& out, std::ostream& err) {
+    // Before the lines come up, so that no signal finds the program with lines and without a handler.
+    asio::io_context context;
+    asio::signal_set signals(context, SIGINT, SIGTERM);
+    Simulator simulator(site, arguments.options);
+    std::vector<std::string> errors;
+    for (std::size_t i = 0; i < settings.size(); ++i) {
+        const std::string error = simulator.apply(settings[i]);
+        if (!error.empty())
+            errors.push_back("--set: '" + arguments.settings[i] + "': " + error);
+    }
+    if (!errors.empty())
+        return report(errors, err);
+    const std::string error = simulator.start();
+    if (!error.empty())
+        return report({error}, err);
+    printLines(simulator, out);
+    out << "ready" << std::endl;
+    waitForEnd(context, signals, duration);
+    simulator.stop();
+    printCounts(simulator, out);
+    return exitGood;
+}
+
+} // namespace
+
+int runProgram(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+    CLI::App app("Plays every controller of a site, on its UDP ports and serial lines.", "sbus-sim");
+    Arguments arguments;
+    declare(app, arguments);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error, out, err) == 0 ? exitGood : exitUsage;
+    }
+    std::vector<std::string> errors;
+    std::chrono::milliseconds duration{0};
+    const std::vector<Setting> settings = readArguments(arguments, duration, errors);
+    const Site site = loadSite(arguments.siteFile, errors);
+    if (!errors.empty())
+        return report(errors, err);
+    return play(site, arguments, settings, duration, out, err);
+}
+
+} // namespace sim

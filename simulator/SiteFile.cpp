@@ -1,0 +1,171 @@
+#include "SiteFile.h"
+
+#include "Request.h"
+
+#include <limits>
+#include <set>
+
+#include <toml++/toml.h>
+
+namespace sim {
+
+namespace {
+
+constexpr const char* ethernetType = "SBus-Ethernet";
+constexpr const char* serialType = "SBus-Serial";
+
+class Loader {
+public:
+    Loader(std::string fileName, std::vector<std::string>& errorList)
+        : file(std::move(fileName)), errors(errorList) {}
+
+    Site load(const toml::table& root);
+
+private:
+    void readChannel(const toml::table& channel, Site& site);
+    void readEnd(const toml::table& channel, const char* key, EndPoint& end);
+    void readRtus(const toml::table& channel, LineSite& line);
+    std::optional<Framing> readTransmitType(const toml::table& rtu);
+
+    // The value of a key that must be there. A mistake is noted and gives no value.
+    template <typename Value>
+    std::optional<Value> require(const toml::table& table, const char* key, const char* rule);
+    template <typename Function>
+    void forEachTable(const toml::table& table, const char* key, const char* rule, Function function);
+
+    std::string place(const toml::node& node, const char* key) const {
+        return file + ":" + std::to_string(node.source().begin.line) + ": " + key + ": ";
+    }
+    void note(const toml::node& node, const char* key, const std::string& text) {
+        errors.push_back(place(node, key) + text);
+    }
+
+    const std::string file;
+    std::vector<std::string>& errors;
+    std::set<std::int64_t> channelIds;
+};
+
+template <typename Value>
+std::optional<Value> Loader::require(const toml::table& table, const char* key, const char* rule) {
+    const toml::node* node = table.get(key);
+    std::optional<Value> value = node ? node->value_exact<Value>() : std::nullopt;
+    if (!value)
+        note(node ? *node : table, key, node ? rule : std::string("is missing; ") + rule);
+    return value;
+}
+
+template <typename Function>
+void Loader::forEachTable(const toml::table& table, const char* key, const char* rule, Function function) {
+    const toml::node* node = table.get(key);
+    const toml::array* array = node ? node->as_array() : nullptr;
+    if (!array || array->empty()) {
+        note(node ? *node : table, key, rule);
+        return;
+    }
+    for (const toml::node& element : *array) {
+        if (const toml::table* entry = element.as_table())
+            function(*entry);
+        else
+            note(element, key, rule);
+    }
+}
+
+Site Loader::load(const toml::table& root) {
+    Site site;
+    forEachTable(root, "channel", "there must be at least one [[channel]] table",
+                 [&](const toml::table& channel) { readChannel(channel, site); });
+    return site;
+}
+
+void Loader::readChannel(const toml::table& channel, Site& site) {
+    LineSite line;
+    const char* idRule = "must be a whole number from 0 to 2147483647";
+    const auto id = require<std::int64_t>(channel, "id", idRule);
+    if (id && (*id < 0 || *id > std::numeric_limits<int>::max()))
+        note(*channel.get("id"), "id", idRule);
+    else if (id && !channelIds.insert(*id).second)
+        note(*channel.get("id"), "id", "channel " + std::to_string(*id) + " is there already");
+    line.id = static_cast<int>(id.value_or(0));
+    line.name = channel["name"].value_or(std::string());
+
+    const char* typeRule = "must be \"SBus-Ethernet\" or \"SBus-Serial\"";
+    const auto type = require<std::string>(channel, "type", typeRule);
+    if (type && *type != ethernetType && *type != serialType)
+        note(*channel.get("type"), "type", typeRule);
+    readEnd(channel, "primary", line.primary);
+    if (channel.contains("secondary"))
+        readEnd(channel, "secondary", line.secondary.emplace());
+
+    line.framing = type == serialType ? Framing::DataMode : Framing::Ethernet;
+    readRtus(channel, line);
+    site.lines.push_back(std::move(line));
+}
+
+void Loader::readEnd(const toml::table& channel, const char* key, EndPoint& end) {
+    const auto text = require<std::string>(channel, key, "must be a text, as in \"udp://192.168.10.5:5050\"");
+    if (!text)
+        return;
+    const toml::node& node = *channel.get(key);
+    end.place = place(node, key);
+    std::string error;
+    if (!parseEndPoint(*text, end, error)) {
+        note(node, key, error);
+        return;
+    }
+    const auto type = channel["type"].value<std::string>();
+    const bool serial = end.kind == EndPoint::Kind::Serial;
+    if ((type == ethernetType && serial) || (type == serialType && !serial))
+        note(node, key,
+             serial ? "an SBus-Ethernet channel needs udp://" : "an SBus-Serial channel needs serial:");
+}
+
+void Loader::readRtus(const toml::table& channel, LineSite& line) {
+    std::optional<std::int64_t> lastId;
+    forEachTable(channel, "rtu", "there must be at least one [[channel.rtu]] table",
+                 [&](const toml::table& rtu) {
+                     const auto id = require<std::int64_t>(rtu, "id", "must be a whole number");
+                     const char* stationRule = "must be a whole number from 0 to 255";
+                     const auto station = require<std::int64_t>(rtu, "station", stationRule);
+                     if (station && (*station < 0 || *station > broadcastStation))
+                         note(*rtu.get("station"), "station", stationRule);
+                     else if (station && *station != broadcastStation)
+                         line.stations.push_back(static_cast<int>(*station));
+
+                     // As on the host's side, the RTU with the highest id decides for the whole line.
+                     const auto framing = readTransmitType(rtu);
+                     if (framing && line.framing != Framing::Ethernet && (!lastId || id >= lastId)) {
+                         line.framing = *framing;
+                         lastId = id;
+                     }
+                 });
+}
+
+std::optional<Framing> Loader::readTransmitType(const toml::table& rtu) {
+    if (!rtu.contains("transmit_type"))
+        return Framing::DataMode;
+    const char* rule = "must be \"data\" or \"break\"";
+    const auto type = require<std::string>(rtu, "transmit_type", rule);
+    if (type == "data")
+        return Framing::DataMode;
+    if (type == "break")
+        return Framing::BreakMode;
+    if (type)
+        note(*rtu.get("transmit_type"), "transmit_type", rule);
+    return std::nullopt;
+}
+
+} // namespace
+
+Site loadSite(const std::string& file, std::vector<std::string>& errors) {
+    try {
+        const toml::table root = toml::parse_file(file);
+        return Loader(file, errors).load(root);
+    } catch (const toml::parse_error& error) {
+        const auto line = error.source().begin.line; // 0: the file could not be read
+        errors.push_back(file + (line == 0 ? "" : ":" + std::to_string(line)) + ": " +
+                         std::string(error.description()));
+        return {};
+    }
+}
+
+} // namespace sim
