@@ -1,0 +1,93 @@
+#include "command/CheckCommand.h"
+#include "command/RunCommand.h"
+#include "site/Duration.h"
+
+#include <CLI/CLI.hpp>
+#include <QCoreApplication>
+
+#include <map>
+
+namespace {
+
+using host::ExitStatus;
+using host::OutputFormat;
+
+const std::map<std::string, OutputFormat> formats = {{"table", OutputFormat::Table},
+                                                     {"lines", OutputFormat::Lines},
+                                                     {"json", OutputFormat::Json},
+                                                     {"csv", OutputFormat::Csv}};
+
+const char* const exitStatusHelp =
+    "Exit status: 0 good, 1 communication failed, 2 usage or configuration, 4 the "
+    "controller refused";
+
+void addCheckCommand(CLI::App& program, ExitStatus& status) {
+    CLI::App* const command =
+        program.add_subcommand("check", "Tell what is wrong with a site file, or what its polls will cost");
+    const auto path = std::make_shared<std::string>();
+    command->add_option("SITE", *path, "Site file")->required();
+    command->callback([path, &status] { status = host::checkSiteFile(*path); });
+}
+
+std::string durationFault(const std::string& text) {
+    const bool good = host::parseDuration(text).has_value();
+    return good ? "" : "\"" + text + "\" is no duration; write a number and its unit: 500ms, 10s, 2m, 1h";
+}
+
+void addRunCommand(CLI::App& program, ExitStatus& status) {
+    struct Given {
+        host::RunOptions options;
+        std::string duration;
+        OutputFormat format = OutputFormat::Lines;
+    };
+    CLI::App* const command =
+        program.add_subcommand("run", "Poll the controllers of a site and show their values");
+    const auto given = std::make_shared<Given>();
+    command->add_option("SITE", given->options.sitePath, "Site file")->required();
+    command->add_option("--for", given->duration, "End after this time, such as 10s; without it at Ctrl-C")
+        ->check(durationFault);
+    const CLI::Option* const format =
+        command
+            ->add_option("--format", given->format, "table (on a terminal), lines (elsewhere), json or csv")
+            ->transform(CLI::CheckedTransformer(formats))
+            ->type_name("FORMAT");
+    command->add_flag("--frames", given->options.frames, "Show every telegram as hex on standard error");
+    command->add_option("--log-dir", given->options.logDirectory,
+                        "Write a log file per channel into this directory");
+    command->add_option("--plugin", given->options.pluginPath,
+                        "Driver plug-in; without it SBusDriver beside this program");
+    command->callback([given, format, &status] {
+        if (!given->duration.empty())
+            given->options.duration = host::parseDuration(given->duration);
+        if (format->count() > 0)
+            given->options.format = given->format;
+        status = host::runSite(given->options);
+    });
+}
+
+int runProgram(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    CLI::App program("Polls S-Bus controllers through the SBusDriver plug-in", "sbus-host");
+    program.require_subcommand(1);
+    program.footer(exitStatusHelp);
+    ExitStatus status = ExitStatus::Good;
+    addRunCommand(program, status);
+    addCheckCommand(program, status);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& ending) { // also the end of --help, whose number is 0
+        return program.exit(ending) == 0 ? 0 : static_cast<int>(ExitStatus::Configuration);
+    }
+    return static_cast<int>(status);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return runProgram(argc, argv);
+    } catch (const std::exception& failure) {
+        std::cerr << "sbus-host: " << failure.what() << '\n';
+        return static_cast<int>(ExitStatus::Configuration);
+    }
+}

@@ -1,0 +1,131 @@
+#include "RunCommand.h"
+
+#include "StopSignal.h"
+#include "output/Terminal.h"
+#include "runtime/HostRuntime.h"
+#include "runtime/RunLog.h"
+#include "runtime/ValueStore.h"
+#include "site/SiteFile.h"
+
+#include <HalvexDriverComponent/CLogger.h>
+
+#include <filesystem>
+#include <iostream>
+#include <thread>
+
+namespace host {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds updatePeriod{50}; // how soon a change shows, and a signal is seen
+constexpr int logFlushMs = 500;
+
+OutputFormat chooseFormat(const RunOptions& options) {
+    if (options.format)
+        return *options.format;
+    // Frames run on; a table would wipe them off the terminal.
+    const bool table = terminal::isOutputTerminal() && !options.frames;
+    return table ? OutputFormat::Table : OutputFormat::Lines;
+}
+
+bool isForReading(OutputFormat format) {
+    return format == OutputFormat::Table || format == OutputFormat::Lines;
+}
+
+// Empty, or what is wrong.
+std::string configureLogFiles(const RunOptions& options) {
+    if (options.logDirectory.empty())
+        return {};
+    std::error_code failure;
+    std::filesystem::create_directories(std::filesystem::u8path(options.logDirectory), failure);
+    if (failure)
+        return "log directory " + options.logDirectory + " cannot be made: " + failure.message() +
+               "; name one that may be written with --log-dir";
+    LoggerSettings settings;
+    settings.directory = options.logDirectory;
+    settings.traceFrames = options.frames;
+    CLogger::GetInstance()->configure(settings);
+    return {};
+}
+
+void showUntilDone(const RunOptions& options, Output& output, RunLog& log) {
+    const Clock::time_point start = Clock::now();
+    for (;;) {
+        output.tell(log.takeMessages());
+        const bool isRead = output.update();
+        const bool isOver = options.duration && Clock::now() - start >= *options.duration;
+        if (!isRead || isOver || stopsignal::isRequested())
+            return;
+        std::this_thread::sleep_for(updatePeriod);
+    }
+}
+
+std::vector<RtuFigures> figuresOf(const HostRuntime& runtime, const RunLog& log) {
+    std::vector<RtuFigures> figures = runtime.rtuFigures();
+    for (RtuFigures& one : figures)
+        if (log.isSilent(one.channel->id, one.rtu->id))
+            one.status.connected = false;
+    return figures;
+}
+
+std::vector<RtuOutcome> outcomesOf(const HostRuntime& runtime, const ValueStore& store, const RunLog& log) {
+    std::vector<RtuOutcome> outcomes = collectOutcomes(figuresOf(runtime, log), store);
+    for (RtuOutcome& outcome : outcomes)
+        outcome.protocolError = log.protocolError(outcome.figures.channel->id, outcome.figures.rtu->id);
+    return outcomes;
+}
+
+ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputFormat format) {
+    using Changes = ValueStore::Changes;
+    ValueStore store(site, format == OutputFormat::Table ? Changes::Ignore : Changes::Keep);
+    RunLog log(site, options.frames);
+    HostRuntime runtime(site, store);
+    const std::string fault = runtime.start(options.pluginPath);
+    if (!fault.empty()) {
+        std::cerr << "sbus-host: " << fault << '\n';
+        return ExitStatus::Configuration;
+    }
+    const std::unique_ptr<Output> output = makeOutput(format, "sbus-host  " + options.sitePath, store,
+                                                      [&runtime, &log] { return figuresOf(runtime, log); });
+    showUntilDone(options, *output, log);
+
+    // What counts is how things stood at the end of the run, not what closing the lines makes of it.
+    store.freeze();
+    const std::vector<RtuOutcome> outcomes = outcomesOf(runtime, store, log);
+    output->tell(log.takeMessages());
+    output->finish();
+    runtime.stop();
+    CLogger::GetInstance()->flush(logFlushMs);
+    (isForReading(format) ? std::cout : std::cerr) << summaryText(outcomes) << std::flush;
+    if (store.lostChanges() > 0)
+        std::cerr << store.lostChanges() << " changes were lost: they came faster than the output was read\n";
+    return judge(outcomes);
+}
+
+} // namespace
+
+ExitStatus runSite(const RunOptions& options) {
+    const OutputFormat format = chooseFormat(options);
+    if (format == OutputFormat::Table && options.frames && terminal::isErrorTerminal()) {
+        std::cerr << "sbus-host: --frames would run through the table; choose --format lines, or send the "
+                     "frames to a file with 2>FILE\n";
+        return ExitStatus::Configuration;
+    }
+    const LoadedSite loaded = loadSite(options.sitePath);
+    for (const Finding& finding : loaded.findings.all())
+        std::cerr << toText(finding) << '\n';
+    if (loaded.findings.hasErrors())
+        return ExitStatus::Configuration;
+    const std::string fault = configureLogFiles(options);
+    if (!fault.empty()) {
+        std::cerr << "sbus-host: " << fault << '\n';
+        return ExitStatus::Configuration;
+    }
+    terminal::survivePipeEnd();
+    stopsignal::install();
+    return runLoadedSite(loaded.site, options, format);
+}
+
+} // namespace host

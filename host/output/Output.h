@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace host {
+
+class ValueStore;
+struct RtuFigures;
+
+enum class OutputFormat { Table, Lines, Json, Csv };
+
+// Where a running site is shown. Main thread.
+class Output {
+public:
+    Output() = default;
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+    virtual ~Output() = default;
+
+    // Shows what is new. False when nobody reads the output any more.
+    virtual bool update() = 0;
+    virtual void tell(const std::vector<std::string>& messages) = 0;
+    // Leaves the terminal as it was found.
+    virtual void finish() = 0;
+};
+
+// Tells how the RTUs stand.
+using FiguresSource = std::function<std::vector<RtuFigures>()>;
+
+// The store outlives the output. `title` heads the table.
+std::unique_ptr<Output> makeOutput(OutputFormat format, const std::string& title, ValueStore& store,
+                                   FiguresSource figures);
+
+} // namespace host

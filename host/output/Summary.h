@@ -1,0 +1,28 @@
+#pragma once
+
+#include "runtime/HostRuntime.h"
+#include "runtime/ValueStore.h"
+
+namespace host {
+
+// How the run went for one RTU.
+struct RtuOutcome {
+    RtuFigures figures;
+    std::string protocolError; // the last one; empty when there was none
+    std::size_t goodPoints = 0;
+    std::size_t badPoints = 0;
+    std::size_t neverReadPoints = 0;
+};
+
+enum class ExitStatus { Good = 0, CommunicationFailed = 1, Configuration = 2, Refused = 4 };
+
+std::vector<RtuOutcome> collectOutcomes(const std::vector<RtuFigures>& figures, const ValueStore& store);
+
+// Communication has failed when an enabled RTU that has points gave no answer or is not connected at the end;
+// an RTU without an answer whose last failure was a refusal counts as refused instead.
+ExitStatus judge(const std::vector<RtuOutcome>& outcomes);
+
+// A line per RTU under a heading.
+std::string summaryText(const std::vector<RtuOutcome>& outcomes);
+
+} // namespace host

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Output.h"
+
+#include <chrono>
+
+namespace host {
+
+// A table on the terminal that redraws itself. Takes the terminal over until finish(). Pages that do not fit
+// take turns. Messages appear below the table, and on standard error too where that is another place.
+class TableOutput : public Output {
+public:
+    TableOutput(const std::string& tableTitle, ValueStore& valueStore, FiguresSource figuresSource);
+    ~TableOutput() override;
+
+    bool update() override;
+    void tell(const std::vector<std::string>& messages) override;
+    void finish() override;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    const std::string title;
+    ValueStore& store;
+    const FiguresSource figures;
+    bool ownsTerminal = false;
+    const Clock::time_point startedAt = Clock::now();
+    Clock::time_point drawnAt{};
+    std::vector<std::string> newestMessages;
+};
+
+} // namespace host

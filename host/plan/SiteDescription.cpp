@@ -1,0 +1,103 @@
+#include "Forecast.h"
+
+#include <cmath>
+#include <iomanip>
+#include <sstream>
+
+namespace host {
+
+namespace {
+
+constexpr double fullShare = 1.0;
+constexpr double tightShare = 0.8; // beyond, a few answers that come late make the polls late
+
+std::string durationText(std::chrono::milliseconds duration) {
+    const auto count = duration.count();
+    if (count % 3'600'000 == 0)
+        return std::to_string(count / 3'600'000) + " h";
+    if (count % 60'000 == 0)
+        return std::to_string(count / 60'000) + " m";
+    if (count % 1'000 == 0)
+        return std::to_string(count / 1'000) + " s";
+    return std::to_string(count) + " ms";
+}
+
+std::string percentText(double share) {
+    return std::to_string(std::lround(share * 100)) + " %";
+}
+
+void describePoll(std::ostream& out, const LineForecast& line, const char* name, const PollForecast& poll,
+                  std::chrono::milliseconds period) {
+    if (poll.telegrams == 0)
+        return;
+    out << "    " << std::left << std::setw(15) << name << std::right << "every " << std::setw(6)
+        << durationText(period) << ": " << std::setw(4) << poll.telegrams
+        << (poll.telegrams == 1 ? " telegram,  " : " telegrams, ") << std::setw(6) << poll.bytes << " bytes";
+    if (line.channel->type == LineType::Serial)
+        out << ", " << std::setw(6) << std::lround(poll.milliseconds) << " ms";
+    out << '\n';
+}
+
+void describeShielding(std::ostream& out, const RtuForecast& forecast) {
+    for (const Point& point : forecast.rtu->points)
+        if (point.writtenAddress != toText(point.address))
+            out << "    address " << point.writtenAddress << " of \"" << point.name << "\" is taken as "
+                << toText(point.address) << '\n';
+    for (const ElementAddress& hidden : forecast.plan.hidden)
+        out << "    hidden point " << toText(hidden)
+            << " added: the run of consecutive elements beside it would not be read in full without it\n";
+}
+
+void describeRtu(std::ostream& out, const LineForecast& line, const RtuForecast& forecast) {
+    const Rtu& rtu = *forecast.rtu;
+    out << "  RTU " << rtu.id << " \"" << rtu.name << "\", station " << rtu.station << ": "
+        << countPoints(rtu, PointKind::Status) << " status points, " << countPoints(rtu, PointKind::Analog)
+        << " analog points\n";
+    describeShielding(out, forecast);
+    describePoll(out, line, "integrity poll", forecast.integrity, rtu.scan.integrity);
+    describePoll(out, line, "status poll", forecast.status, rtu.scan.status);
+    describePoll(out, line, "analog poll", forecast.analog, rtu.scan.analog);
+}
+
+// The share counts the way of the bytes and the driver's rests, but not the controllers' own delays.
+void describeShare(std::ostream& out, const LineForecast& line) {
+    const SerialEnd* const serial = std::get_if<SerialEnd>(&line.channel->primary);
+    if (serial == nullptr || line.rtus.empty())
+        return;
+    const Rtu& first = *line.rtus.front().rtu;
+    out << "  " << percentText(line.share) << " of the line's time at " << serial->baud << " baud, "
+        << bitsPerCharacter(*serial) << " bits a character, transmit type " << toText(first.transmitType);
+    if (first.transmitType == TransmitType::Break)
+        out << " with " << first.breakDelayMs << " ms of break";
+    out << ", before the controllers' own delays: ";
+    if (line.share > fullShare)
+        out << "the scan periods do not fit; make them " << std::setprecision(2) << std::fixed << line.share
+            << " times as long at least, or raise the baud rate\n";
+    else if (line.share > tightShare)
+        out << "the scan periods fit, with little to spare\n";
+    else
+        out << "the scan periods fit\n";
+}
+
+} // namespace
+
+std::string describeSite(const Site& site) {
+    std::ostringstream out;
+    for (const Channel& channel : site.channels) {
+        const LineForecast line = forecastLine(channel);
+        out << "channel " << channel.id << " \"" << channel.name << "\", " << toText(channel.type) << ", "
+            << toText(channel.primary);
+        if (channel.secondary)
+            out << ", secondary " << toText(*channel.secondary);
+        out << '\n';
+        for (const RtuForecast& rtu : line.rtus)
+            describeRtu(out, line, rtu);
+        for (const Rtu& rtu : channel.rtus)
+            if (!rtu.enabled)
+                out << "  RTU " << rtu.id << " \"" << rtu.name << "\" is disabled\n";
+        describeShare(out, line);
+    }
+    return out.str();
+}
+
+} // namespace host

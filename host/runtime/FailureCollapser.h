@@ -1,0 +1,33 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace host {
+
+// Keeps a failure that goes on from filling the screen: the first of its kind is told at once, the ones like
+// it at most once a minute with their number, and the end of a failure that was told is told too.
+// One thread at a time.
+class FailureCollapser {
+public:
+    using Time = std::chrono::steady_clock::time_point;
+    using Source = std::pair<int, int>; // channel, RTU (0: the channel itself)
+
+    // What is to be told, or nothing.
+    std::optional<std::string> failed(const Source& source, const std::string& text, Time now);
+    std::optional<std::string> succeeded(const Source& source, const std::string& who);
+
+private:
+    struct Kind {
+        Time toldAt{};
+        unsigned sinceTold = 0;
+    };
+
+    std::map<std::pair<Source, std::string>, Kind> kinds;
+    std::map<Source, bool> tellEnd; // a told failure goes on
+};
+
+} // namespace host

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "site/Site.h"
+
+namespace host {
+
+// Whether a line of the frame trace says that the controller understood the request and refused it.
+bool isRefusal(const std::string& protocolError);
+
+// Whether the answer that begins with these bytes of the frame trace ("B5 02 00 01 ") is a negative
+// acknowledge. On a serial line it is shorter than what a read waits for, and the driver takes it for an
+// answer that was cut off.
+bool isRefusedRead(TransmitType type, const std::string& hexBytes);
+
+// A failure in the driver's log, told so that somebody can act on it: channel, RTU, what happened, what to
+// check. `rtu` is null for the channel itself; `protocolError` is the last one of the RTU in the frame trace.
+std::string failureText(const Channel& channel, const Rtu* rtu, const std::string& logText,
+                        const std::string& protocolError);
+
+// "channel 1 "waterworks", RTU 2 "tank" (station 5)"
+std::string nameOf(const Channel& channel, const Rtu* rtu);
+
+} // namespace host

@@ -1,0 +1,129 @@
+#include "HostRuntime.h"
+
+#include <HalvexAbstractDriver/DriverPluginInterface.h>
+#include <HalvexDriverComponent/CChannel.h>
+#include <HalvexDriverComponent/CRtu.h>
+#include <HalvexDriverComponent/Halvex.h>
+#include <HalvexDriverLink/CLink.h>
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+int commTypeCode(LineType type) {
+    using Halvex::CommTypeCode;
+    return static_cast<int>(type == LineType::Serial ? CommTypeCode::SBusSerial : CommTypeCode::SBusEthernet);
+}
+
+} // namespace
+
+HostRuntime::HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore)
+    : site(hostSite), core(hostCore) {}
+
+HostRuntime::~HostRuntime() {
+    stop();
+}
+
+std::string HostRuntime::start(const std::string& pluginPath) {
+    std::string fault = plugin.load(pluginPath);
+    if (!fault.empty())
+        return fault;
+    plugin.driver()->initialize(&core);
+    plugin.driver()->loadTranslator();
+    for (const Channel& configured : site.channels) {
+        fault = makeChannel(configured);
+        if (!fault.empty()) {
+            stop();
+            return fault;
+        }
+    }
+    for (const RunningChannel& running : channels)
+        running.channel->start();
+    return {};
+}
+
+std::string HostRuntime::makeChannel(const Channel& configured) {
+    const std::string who = "channel " + std::to_string(configured.id) + " \"" + configured.name + "\"";
+    const int type = commTypeCode(configured.type);
+    if (!plugin.driver()->isAvailable() || !plugin.driver()->isSupportedCommType(type))
+        return who + ": the plug-in does not serve " + toText(configured.type);
+    std::unique_ptr<CChannel> channel(plugin.driver()->createChannel(configured.id));
+    channel->SetCommType(type);
+    channel->SetLinks(makeLink(configured.primary),
+                      configured.secondary ? makeLink(*configured.secondary) : nullptr);
+    for (const Rtu& rtu : configured.rtus)
+        addRtu(*channel, rtu);
+    channels.push_back({&configured, std::move(channel)});
+    if (!channels.back().channel->InitChannel())
+        return who + ": the plug-in cannot prepare the line";
+    return {};
+}
+
+void HostRuntime::addRtu(CChannel& channel, const Rtu& rtu) {
+    CRtu* const made = channel.AddRtu(makeRtuRecord(rtu));
+    // The plug-in polls every RTU when its line connects. One without points has nothing to poll.
+    if (made != nullptr && rtu.enabled)
+        addPoints(*made, rtu);
+}
+
+void HostRuntime::stop() {
+    for (const RunningChannel& running : channels)
+        running.channel->SetShutdown(true);
+    waitForThreads();
+    for (const RunningChannel& running : channels)
+        running.channel->CloseChannel();
+    channels.clear();
+    plugin.unload();
+}
+
+void HostRuntime::waitForThreads() {
+    std::chrono::milliseconds longest{0};
+    for (const Channel& channel : site.channels)
+        for (const Rtu& rtu : channel.rtus)
+            longest = std::max(longest, rtu.timeout);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    for (const RunningChannel& running : channels) {
+        const qint64 left = std::max<qint64>(0, longest.count() - elapsed.elapsed());
+        running.channel->wait(static_cast<unsigned long>(left));
+    }
+    // Many telegrams of one request, or a drain of the line, may take longer: their waits are cut short.
+    for (const RunningChannel& running : channels)
+        if (running.channel->isRunning())
+            running.channel->InterruptLinks();
+    for (const RunningChannel& running : channels)
+        running.channel->wait();
+}
+
+std::vector<RtuFigures> HostRuntime::rtuFigures() const {
+    std::vector<RtuFigures> figures;
+    for (const RunningChannel& running : channels)
+        for (const Rtu& rtu : running.configured->rtus)
+            if (const CRtu* const made = running.channel->GetRtuMap().value(rtu.id))
+                figures.push_back({running.configured, &rtu, made->GetRtuStatus()});
+    return figures;
+}
+
+ChannelStatus HostRuntime::channelStatus(const Channel& channel) const {
+    const RunningChannel* const running = find(channel.id);
+    return running == nullptr ? ChannelStatus() : running->channel->GetChannelStatus();
+}
+
+CRtu* HostRuntime::findRtu(int channelId, int rtuId) const {
+    const RunningChannel* const running = find(channelId);
+    return running == nullptr ? nullptr : running->channel->GetRtuMap().value(rtuId);
+}
+
+const HostRuntime::RunningChannel* HostRuntime::find(int channelId) const {
+    const auto found =
+        std::find_if(channels.begin(), channels.end(), [channelId](const RunningChannel& running) {
+            return running.configured->id == channelId;
+        });
+    return found == channels.end() ? nullptr : &*found;
+}
+
+} // namespace host

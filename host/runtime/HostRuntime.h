@@ -1,0 +1,69 @@
+#pragma once
+
+#include "DriverPlugin.h"
+#include "site/Site.h"
+
+#include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+class CChannel;
+class CLink;
+class CRtu;
+struct RemoteTerminalUnit;
+
+namespace host {
+
+// How an RTU of the site stands.
+struct RtuFigures {
+    const Channel* channel = nullptr;
+    const Rtu* rtu = nullptr;
+    RtuStatus status;
+};
+
+// A site at work: the plug-in, a channel per line, their threads. Main thread alone.
+// States: made, running (after start), stopped (after stop, for good). Site and core outlive it.
+class HostRuntime {
+public:
+    HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore);
+    HostRuntime(const HostRuntime&) = delete;
+    HostRuntime& operator=(const HostRuntime&) = delete;
+    ~HostRuntime();
+
+    // Loads the plug-in, makes and starts every channel. Empty, or what went wrong; then nothing runs.
+    std::string start(const std::string& pluginPath);
+    // Ends the channels' threads, closes and deletes the channels, ends the driver and unloads it. A request
+    // in progress has the longest session time-out to end by itself.
+    void stop();
+
+    std::vector<RtuFigures> rtuFigures() const;
+    ChannelStatus channelStatus(const Channel& channel) const;
+    // Null when there is none.
+    CRtu* findRtu(int channelId, int rtuId) const;
+
+private:
+    struct RunningChannel {
+        const Channel* configured = nullptr;
+        std::unique_ptr<CChannel> channel;
+    };
+
+    std::string makeChannel(const Channel& configured);
+    void addRtu(CChannel& channel, const Rtu& rtu);
+    void waitForThreads();
+    const RunningChannel* find(int channelId) const;
+
+    const Site& site;
+    HalvexDriverCoreInterface& core;
+    DriverPlugin plugin; // outlives the channels, whose code is the plug-in's
+    std::vector<RunningChannel> channels;
+};
+
+// The host's records for the driver.
+RemoteTerminalUnit makeRtuRecord(const Rtu& rtu);
+void addPoints(CRtu& target, const Rtu& rtu);
+std::unique_ptr<CLink> makeLink(const LinkEnd& end);
+
+} // namespace host

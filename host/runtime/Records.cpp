@@ -1,0 +1,122 @@
+#include "HostRuntime.h"
+
+#include "ValueStore.h"
+#include "plan/ReadPlan.h"
+
+#include <HalvexDriverComponent/CRtu.h>
+#include <HalvexDriverComponent/Halvex.h>
+#include <HalvexDriverLink/CLinkSerial.h>
+#include <HalvexDriverLink/CLinkUdp.h>
+
+namespace host {
+
+namespace {
+
+QString text(const std::string& utf8) {
+    return QString::fromStdString(utf8);
+}
+
+QString text(unsigned number) {
+    return QString::number(number);
+}
+
+QString text(const ElementAddress& address) {
+    return text(toText(address));
+}
+
+QString text(const std::optional<unsigned>& value) {
+    return value ? text(*value) : QString();
+}
+
+StatusPoint statusPoint(const Point& point) {
+    StatusPoint record;
+    record.number = point.id;
+    record.name = text(point.name);
+    record.firstAddress = text(point.address);
+    // An input has no output address: so a command to it is refused instead of going out as a read.
+    if (isSwitchableMedia(point.address.media)) {
+        record.firstOutputAddress = record.firstAddress;
+        record.firstOutputValue = text(point.value);
+    }
+    if (point.secondAddress) {
+        record.secondOutputAddress = text(*point.secondAddress);
+        record.secondOutputValue = text(point.secondValue);
+    }
+    record.pulse = point.pulseMs > 0;
+    record.pulseWidthMs = point.pulseMs;
+    return record;
+}
+
+AnalogPoint analogPoint(const Point& point) {
+    using Halvex::PointDataType;
+    AnalogPoint record;
+    record.number = point.id;
+    record.name = text(point.name);
+    record.dataType = static_cast<unsigned>(point.isFloat ? PointDataType::Float : PointDataType::Integer);
+    record.address = text(point.address);
+    return record;
+}
+
+void addHiddenPoint(CPointList& list, unsigned number, const ElementAddress& address) {
+    Point point;
+    point.id = number;
+    point.address = address;
+    if (isBitMedia(address.media)) {
+        StatusPoint record = statusPoint(point);
+        record.firstOutputAddress.clear();
+        list.AddStatusPoint(record);
+    } else {
+        list.AddAnalogPoint(analogPoint(point));
+    }
+}
+
+std::unique_ptr<CLink> makeLink(const UdpEnd& end) {
+    return std::make_unique<CLinkUdp>(UdpSettings{end.host, static_cast<std::uint16_t>(end.port)});
+}
+
+std::unique_ptr<CLink> makeLink(const SerialEnd& end) {
+    const SerialParity parities[] = {SerialParity::None, SerialParity::Even, SerialParity::Odd};
+    const SerialParity parity = parities[static_cast<int>(end.parity)];
+    return std::make_unique<CLinkSerial>(
+        SerialSettings{end.device, end.baud, end.dataBits, parity, end.stopBits});
+}
+
+} // namespace
+
+RemoteTerminalUnit makeRtuRecord(const Rtu& rtu) {
+    // A poll without a point would be carried out without a telegram and count as answered.
+    const auto period = [&rtu](PointKind kind, std::chrono::milliseconds configured) {
+        return hasPoints(rtu, kind) ? static_cast<int>(configured.count()) : 0;
+    };
+    RemoteTerminalUnit record;
+    record.id = rtu.id;
+    record.name = text(rtu.name);
+    record.enabled = rtu.enabled;
+    record.scan.stationAddress = text(rtu.station);
+    record.scan.transmitType = text(rtu.transmitType == TransmitType::Break ? 1U : 0U);
+    record.scan.breakDelay = text(rtu.breakDelayMs);
+    record.sessionTimeOutMs = static_cast<int>(rtu.timeout.count());
+    record.periods.integrityMs = rtu.points.empty() ? 0 : static_cast<int>(rtu.scan.integrity.count());
+    record.periods.statusMs = period(PointKind::Status, rtu.scan.status);
+    record.periods.analogMs = period(PointKind::Analog, rtu.scan.analog);
+    return record;
+}
+
+void addPoints(CRtu& target, const Rtu& rtu) {
+    CPointList& list = *target.GetPointList();
+    for (const Point& point : rtu.points) {
+        if (point.kind == PointKind::Status)
+            list.AddStatusPoint(statusPoint(point));
+        else
+            list.AddAnalogPoint(analogPoint(point));
+    }
+    unsigned number = firstHiddenNumber;
+    for (const ElementAddress& address : planReads(rtu).hidden)
+        addHiddenPoint(list, number++, address);
+}
+
+std::unique_ptr<CLink> makeLink(const LinkEnd& end) {
+    return std::visit([](const auto& one) { return makeLink(one); }, end);
+}
+
+} // namespace host

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "FailureCollapser.h"
+#include "site/Site.h"
+
+#include <HalvexDriverComponent/CLogger.h>
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <vector>
+
+namespace host {
+
+// Follows the log of a running site: makes messages of its failures, frames of its trace if they are wanted,
+// and remembers how each RTU last refused or garbled an answer. Lines arrive on the channels' threads; the
+// rest is for any thread. The site outlives it.
+class RunLog {
+public:
+    RunLog(const Site& loggedSite, bool withFrames);
+
+    // What is to be told since the last call.
+    std::vector<std::string> takeMessages();
+    // The last protocol error of an RTU; empty when it has had none.
+    std::string protocolError(int channelId, int rtuId) const;
+    // Whether the last request of an RTU found no answer. The RTU's own connected flag does not tell: each
+    // time the line is opened anew it is set before anything has answered.
+    bool isSilent(int channelId, int rtuId) const;
+
+private:
+    using Source = FailureCollapser::Source;
+
+    void take(const LogLine& line);
+    void takeFrameLine(const LogLine& line);
+    void noteAnswerBytes(const LogLine& line);
+    void noteHiddenRefusal(const LogLine& line, const Channel& channel, const Rtu* rtu);
+    void takeLogLine(const LogLine& line);
+    void noteSilence(const LogLine& line);
+    void tell(const std::string& message);
+    const Channel* findChannel(int channelId) const;
+    const Rtu* findRtu(int channelId, int rtuId) const;
+
+    const Site& site;
+    const bool tellFrames;
+
+    mutable std::mutex mutex; // guards what follows
+    FailureCollapser collapser;
+    std::map<Source, std::string> protocolErrors;
+    std::map<Source, std::string> answerBytes; // the first line of the last answer's hex dump
+    std::set<Source> silent;
+    std::vector<std::string> messages;
+    std::size_t lostMessages = 0;
+
+    std::unique_ptr<CLogger::Subscription> subscription; // last: no line comes before or after the rest lives
+};
+
+} // namespace host

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// A spot in a site file or point table. Line and column count from 1; 0: the file as a whole.
+struct Place {
+    std::string file;
+    unsigned line = 0;
+    unsigned column = 0;
+};
+
+enum class Severity { Error, Warning };
+
+struct Finding {
+    Severity severity = Severity::Error;
+    Place place;
+    std::string what;
+    std::string remedy; // what would be right
+};
+
+// "file:line:column: error: what; remedy"
+std::string toText(const Finding& finding);
+
+// Everything that was found while a site was read, so that all of it can be told in one go.
+class Findings {
+public:
+    void error(const Place& place, const std::string& what, const std::string& remedy);
+    void warning(const Place& place, const std::string& what, const std::string& remedy);
+
+    bool hasErrors() const;
+    const std::vector<Finding>& all() const { return list; }
+    // By line and column within each file; the files in the order of their first finding.
+    void sort();
+
+private:
+    std::vector<Finding> list;
+};
+
+} // namespace host

@@ -1,0 +1,80 @@
+#include "PointTable.h"
+
+#include "CsvReader.h"
+
+#include <algorithm>
+#include <set>
+
+namespace host {
+
+namespace {
+
+std::string knownColumns() {
+    std::string text = "the columns are ";
+    for (const std::string& name : pointFieldNames)
+        text += name + (name == pointFieldNames.back() ? "" : ", ");
+    return text;
+}
+
+// The column names, as far as they are known; an unknown one stays in the list, so that the others keep their
+// positions.
+std::vector<std::string> readHeader(const CsvRow& row, Findings& findings) {
+    std::vector<std::string> names;
+    std::set<std::string> seen;
+    for (const Field& cell : row.cells) {
+        const auto known = std::find(pointFieldNames.begin(), pointFieldNames.end(), cell.text);
+        if (known == pointFieldNames.end())
+            findings.error(cell.place, "unknown column \"" + cell.text + "\"", knownColumns());
+        else if (!seen.insert(cell.text).second)
+            findings.error(cell.place, "column \"" + cell.text + "\" stands twice", "leave one of them out");
+        names.push_back(cell.text);
+    }
+    for (std::size_t i = 0; i < neededPointFields; ++i)
+        if (seen.count(pointFieldNames[i]) == 0)
+            findings.error(row.start, "no column \"" + pointFieldNames[i] + "\"",
+                           "the first row names the columns; id, name, kind and address are needed");
+    return names;
+}
+
+bool hasNeededColumns(const std::vector<std::string>& names) {
+    const auto isPresent = [&names](const std::string& needed) {
+        return std::find(names.begin(), names.end(), needed) != names.end();
+    };
+    return std::all_of(pointFieldNames.begin(), pointFieldNames.begin() + neededPointFields, isPresent);
+}
+
+} // namespace
+
+std::vector<Point> readPointTable(const std::string& text, const std::string& file, Findings& findings) {
+    const std::vector<CsvRow> rows = readCsv(text, file, findings);
+    std::vector<Point> points;
+    if (rows.empty()) {
+        findings.error({file, 1, 1}, "empty point table",
+                       "the first row names the columns: id,name,kind,address");
+        return points;
+    }
+    const std::vector<std::string> names = readHeader(rows[0], findings);
+    if (!hasNeededColumns(names))
+        return points; // every row would be told as wrong for the header's fault
+
+    for (auto row = rows.begin() + 1; row != rows.end(); ++row) {
+        if (row->cells.size() != names.size()) {
+            const bool tooFew = row->cells.size() < names.size();
+            findings.error(tooFew ? row->end : row->cells[names.size()].place,
+                           "row with " + std::to_string(row->cells.size()) +
+                               " columns, where the first row names " + std::to_string(names.size()),
+                           tooFew
+                               ? "add what is missing; an empty cell still needs its comma"
+                               : "take out what is too much; a comma inside a cell needs quotes around it");
+            continue;
+        }
+        PointFields fields;
+        for (std::size_t i = 0; i < names.size(); ++i)
+            fields.emplace(names[i], row->cells[i]);
+        if (std::optional<Point> point = readPoint(fields, row->start, findings))
+            points.push_back(std::move(*point));
+    }
+    return points;
+}
+
+} // namespace host

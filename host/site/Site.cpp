@@ -1,0 +1,25 @@
+#include "Site.h"
+
+#include <algorithm>
+
+namespace host {
+
+std::size_t countPoints(const Rtu& rtu, PointKind kind) {
+    const auto count = std::count_if(rtu.points.begin(), rtu.points.end(),
+                                     [kind](const Point& point) { return point.kind == kind; });
+    return static_cast<std::size_t>(count);
+}
+
+bool hasPoints(const Rtu& rtu, PointKind kind) {
+    return countPoints(rtu, kind) > 0;
+}
+
+const char* toText(LineType type) {
+    return type == LineType::Serial ? "SBus-Serial" : "SBus-Ethernet";
+}
+
+const char* toText(TransmitType type) {
+    return type == TransmitType::Data ? "data" : "break";
+}
+
+} // namespace host

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "ElementAddress.h"
+#include "Finding.h"
+#include "LinkUrl.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+// What a site file describes, checked and in its plain form: lines, controllers, points.
+namespace host {
+
+enum class PointKind { Status, Analog };
+
+struct Point {
+    unsigned id = 0; // unique within its RTU, over both kinds
+    std::string name;
+    PointKind kind = PointKind::Status;
+    ElementAddress address;     // what is read, and what an off command writes
+    std::string writtenAddress; // as it stands in the file
+    bool isFloat = false;
+    std::optional<ElementAddress> secondAddress; // what an on command writes, where it is not `address`
+    std::optional<unsigned> value;               // what goes to `address`
+    std::optional<unsigned> secondValue;         // what goes to `secondAddress`
+    unsigned pulseMs = 0;                        // 0: stays as commanded
+    Place place;
+};
+
+enum class TransmitType { Data, Break };
+
+struct ScanTimes {
+    std::chrono::milliseconds integrity{60'000};
+    std::chrono::milliseconds status{1'000};
+    std::chrono::milliseconds analog{2'000};
+};
+
+struct Rtu {
+    int id = 0; // unique within its channel
+    std::string name;
+    bool enabled = true;
+    unsigned station = 0;
+    std::chrono::milliseconds timeout{1'000};
+    TransmitType transmitType = TransmitType::Data; // serial lines; the same for all RTUs of a line
+    unsigned breakDelayMs = 10;                     // likewise
+    ScanTimes scan;
+    std::vector<Point> points; // in the order of the file
+    Place place;
+};
+
+enum class LineType { Serial, Ethernet };
+
+struct Channel {
+    int id = 0;
+    std::string name;
+    LineType type = LineType::Ethernet;
+    LinkEnd primary;
+    std::optional<LinkEnd> secondary;
+    std::vector<Rtu> rtus;
+    Place place;
+};
+
+struct Site {
+    std::vector<Channel> channels;
+};
+
+bool hasPoints(const Rtu& rtu, PointKind kind);
+std::size_t countPoints(const Rtu& rtu, PointKind kind);
+const char* toText(LineType type); // "SBus-Serial"
+const char* toText(TransmitType type);
+
+} // namespace host

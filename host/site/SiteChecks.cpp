@@ -1,0 +1,118 @@
+#include "SiteChecks.h"
+
+#include <map>
+
+namespace host {
+
+namespace {
+
+// Makes one line-wide setting the same for all RTUs.
+template <typename Value>
+void unify(Channel& channel, const LineSettings& settings, Findings& findings, const char* key,
+           Value Rtu::*value, bool LineSetting::*given, Place LineSetting::*place) {
+    const Rtu* deciding = nullptr;
+    for (std::size_t i = 0; i < channel.rtus.size(); ++i)
+        if (settings[i].*given && (deciding == nullptr || channel.rtus[i].id > deciding->id))
+            deciding = &channel.rtus[i];
+    if (deciding == nullptr)
+        return;
+    for (std::size_t i = 0; i < channel.rtus.size(); ++i) {
+        Rtu& rtu = channel.rtus[i];
+        if (settings[i].*given && rtu.*value != deciding->*value)
+            findings.error(
+                settings[i].*place,
+                std::string(key) + " differs from that of RTU " + std::to_string(deciding->id) + " (line " +
+                    std::to_string(deciding->place.line) + ")",
+                "one setting serves the whole line, that of the RTU with the highest id: write the "
+                "same for all");
+        rtu.*value = deciding->*value;
+    }
+}
+
+template <typename Items>
+void findDuplicateIds(const Items& items, const std::string& kind, Findings& findings) {
+    std::map<int, unsigned> lineOfId;
+    for (const auto& item : items) {
+        const auto [first, isNew] = lineOfId.try_emplace(item.id, item.place.line);
+        if (!isNew && item.id > 0) // 0: there is none, which has been told
+            findings.error(item.place,
+                           kind + " id " + std::to_string(item.id) + " is already taken in line " +
+                               std::to_string(first->second),
+                           "give each " + kind + " an id of its own");
+    }
+}
+
+void findAmbiguousNames(const Site& site, Findings& findings) {
+    std::map<std::string, unsigned> lineOfName;
+    for (const Channel& channel : site.channels) {
+        for (const Rtu& rtu : channel.rtus) {
+            const auto [first, isNew] =
+                lineOfName.try_emplace(channel.name + '\n' + rtu.name, rtu.place.line);
+            if (!isNew)
+                findings.warning(rtu.place,
+                                 "RTU name \"" + rtu.name + "\" is already that of line " +
+                                     std::to_string(first->second),
+                                 "output tells RTUs by their names: give each its own");
+        }
+    }
+}
+
+void findSharedDevices(const Site& site, Findings& findings) {
+    std::map<std::string, const Channel*> userOfDevice;
+    const auto look = [&](const LinkEnd& end, const Channel& channel) {
+        const SerialEnd* const serial = std::get_if<SerialEnd>(&end);
+        if (serial == nullptr)
+            return;
+        const auto [user, isNew] = userOfDevice.try_emplace(serial->device, &channel);
+        if (!isNew && user->second != &channel)
+            findings.error(channel.place,
+                           "device " + serial->device + " is already the line of channel " +
+                               std::to_string(user->second->id),
+                           "put all RTUs of one device into one channel");
+    };
+    for (const Channel& channel : site.channels) {
+        look(channel.primary, channel);
+        if (channel.secondary)
+            look(*channel.secondary, channel);
+    }
+}
+
+void findIdleParts(const Site& site, Findings& findings) {
+    constexpr unsigned broadcastStation = 255;
+    for (const Channel& channel : site.channels) {
+        if (channel.rtus.empty())
+            findings.warning(channel.place, "channel " + std::to_string(channel.id) + " has no RTU",
+                             "add a [[channel.rtu]] table");
+        for (const Rtu& rtu : channel.rtus) {
+            if (rtu.points.empty())
+                findings.warning(rtu.place,
+                                 "RTU " + std::to_string(rtu.id) + " has no points and is never polled",
+                                 "name a point table with points = \"FILE.csv\"");
+            if (rtu.station == broadcastStation)
+                findings.warning(rtu.place,
+                                 "station 255 is the broadcast address, which no controller answers",
+                                 "give the controller's own station number");
+        }
+    }
+}
+
+} // namespace
+
+void unifyLineSettings(Channel& channel, const LineSettings& settings, Findings& findings) {
+    unify(channel, settings, findings, "transmit_type", &Rtu::transmitType, &LineSetting::givesTransmitType,
+          &LineSetting::transmitTypePlace);
+    unify(channel, settings, findings, "break_delay", &Rtu::breakDelayMs, &LineSetting::givesBreakDelay,
+          &LineSetting::breakDelayPlace);
+}
+
+void checkSite(const Site& site, Findings& findings) {
+    findDuplicateIds(site.channels, "channel", findings);
+    for (const Channel& channel : site.channels)
+        findDuplicateIds(channel.rtus, "RTU", findings);
+    findAmbiguousNames(site, findings);
+    findSharedDevices(site, findings);
+    if (!findings.hasErrors())
+        findIdleParts(site, findings);
+}
+
+} // namespace host

@@ -1,0 +1,222 @@
+#include "SiteFile.h"
+
+#include "PointTable.h"
+#include "SiteChecks.h"
+#include "TomlTable.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace host {
+
+namespace {
+
+const std::string idRemedy = "give a whole number above 0";
+const std::string nameRemedy = "write a name in quotes";
+const std::string typeRemedy = "write \"SBus-Ethernet\" or \"SBus-Serial\"";
+constexpr int highestId = 0x7FFF'FFFF;
+
+std::optional<std::string> readWholeFile(const std::string& path) {
+    std::ifstream stream(std::filesystem::u8path(path), std::ios::binary);
+    std::ostringstream contents;
+    if (!stream || !(contents << stream.rdbuf()))
+        return std::nullopt;
+    return contents.str();
+}
+
+class SiteReader {
+public:
+    SiteReader(const std::string& siteFile, const FileReader& fileReader)
+        : file(siteFile), readFile(fileReader) {}
+
+    LoadedSite read(const std::string& text) {
+        try {
+            const toml::table root = toml::parse(text, file);
+            readRoot(root);
+        } catch (const toml::parse_error& failure) {
+            const toml::source_position at = failure.source().begin;
+            loaded.findings.error({file, at.line, at.column}, std::string(failure.description()),
+                                  "correct the line; what follows it was not looked at");
+        }
+        loaded.findings.sort();
+        return std::move(loaded);
+    }
+
+private:
+    void readRoot(const toml::table& root) {
+        TomlTable table(root, file, loaded.findings);
+        table.need("channel", "describe each line in a [[channel]] table");
+        for (const toml::table* const one : table.tables("channel"))
+            readChannel(*one);
+        table.rejectUnknownKeys();
+        checkSite(loaded.site, loaded.findings);
+    }
+
+    void readChannel(const toml::table& source) {
+        TomlTable table(source, file, loaded.findings);
+        Channel channel;
+        channel.place = table.place();
+        table.need("id", idRemedy);
+        channel.id = static_cast<int>(table.integer("id", 1, highestId).value_or(0));
+        if (channel.id > 0)
+            channel.place = table.placeOf("id");
+        channel.name = readName(table, "channel-" + std::to_string(channel.id));
+        const bool typeIsKnown = readType(table, channel);
+        table.need("primary", "give the line, such as \"udp://192.168.10.5:5050\"");
+        if (const std::optional<LinkEnd> end = readLink(table, "primary", channel, typeIsKnown))
+            channel.primary = *end;
+        channel.secondary = readLink(table, "secondary", channel, typeIsKnown);
+
+        LineSettings lineSettings;
+        for (const toml::table* const one : table.tables("rtu"))
+            readRtu(*one, channel, lineSettings);
+        table.rejectUnknownKeys();
+        if (channel.type == LineType::Serial)
+            unifyLineSettings(channel, lineSettings, loaded.findings);
+        loaded.site.channels.push_back(std::move(channel));
+    }
+
+    std::string readName(TomlTable& table, const std::string& name) {
+        const std::optional<Field> field = table.text("name", nameRemedy);
+        return field ? field->text : name;
+    }
+
+    bool readType(TomlTable& table, Channel& channel) {
+        table.need("type", typeRemedy);
+        const std::optional<Field> type = table.text("type", typeRemedy);
+        if (!type)
+            return false;
+        for (const LineType known : {LineType::Serial, LineType::Ethernet}) {
+            channel.type = known;
+            if (type->text == toText(known))
+                return true;
+        }
+        loaded.findings.error(type->place, "type \"" + type->text + "\" is not known", typeRemedy);
+        return false;
+    }
+
+    std::optional<LinkEnd> readLink(TomlTable& table, const std::string& key, const Channel& channel,
+                                    bool typeIsKnown) {
+        const std::optional<Field> url =
+            table.text(key, "give the line as a text, such as \"udp://HOST:5050\"");
+        if (!url)
+            return std::nullopt;
+        const ParsedLink link = parseLinkUrl(url->text);
+        if (!link.end) {
+            loaded.findings.error(url->place, link.what, link.remedy);
+        } else if (typeIsKnown &&
+                   (channel.type == LineType::Serial) != std::holds_alternative<SerialEnd>(*link.end)) {
+            const bool serial = channel.type == LineType::Serial;
+            loaded.findings.error(url->place,
+                                  key + " \"" + url->text + "\" does not fit type " + toText(channel.type),
+                                  serial ? "give serial:DEVICE?baud=N, or type \"SBus-Ethernet\""
+                                         : "give udp://HOST:PORT, or type \"SBus-Serial\"");
+        }
+        return link.end;
+    }
+
+    void readRtu(const toml::table& source, Channel& channel, LineSettings& lineSettings) {
+        constexpr long long highestStation = 255; // one byte in the telegram
+        TomlTable table(source, file, loaded.findings);
+        Rtu rtu;
+        rtu.place = table.place();
+        table.need("id", idRemedy);
+        rtu.id = static_cast<int>(table.integer("id", 1, highestId).value_or(0));
+        if (rtu.id > 0)
+            rtu.place = table.placeOf("id");
+        rtu.name = readName(table, "rtu-" + std::to_string(rtu.id));
+        rtu.enabled = table.flag("enabled").value_or(true);
+        table.need("station", "give the controller's S-Bus station number, 0 to 255");
+        rtu.station = static_cast<unsigned>(table.integer("station", 0, highestStation).value_or(0));
+        rtu.timeout = table.duration("timeout").value_or(rtu.timeout);
+        lineSettings.push_back(readLineSetting(table, rtu));
+        readScan(table, rtu);
+        readPoints(table, rtu);
+        table.rejectUnknownKeys();
+        channel.rtus.push_back(std::move(rtu));
+    }
+
+    LineSetting readLineSetting(TomlTable& table, Rtu& rtu) {
+        constexpr long long longestBreakMs = 1'000;
+        const std::string remedy = "write \"data\" or \"break\"";
+        LineSetting setting{false, table.placeOf("transmit_type"), false, table.placeOf("break_delay")};
+        if (const std::optional<Field> type = table.text("transmit_type", remedy)) {
+            setting.givesTransmitType = type->text == "data" || type->text == "break";
+            rtu.transmitType = type->text == "break" ? TransmitType::Break : TransmitType::Data;
+            if (!setting.givesTransmitType)
+                loaded.findings.error(type->place, "transmit_type \"" + type->text + "\" is not known",
+                                      remedy);
+        }
+        if (const std::optional<long long> delay = table.integer("break_delay", 0, longestBreakMs)) {
+            setting.givesBreakDelay = true;
+            rtu.breakDelayMs = static_cast<unsigned>(*delay);
+        }
+        return setting;
+    }
+
+    void readScan(TomlTable& table, Rtu& rtu) {
+        const toml::table* const source = table.subTable("scan");
+        if (source == nullptr)
+            return;
+        TomlTable scan(*source, file, loaded.findings);
+        rtu.scan.integrity = scan.duration("integrity").value_or(rtu.scan.integrity);
+        rtu.scan.status = scan.duration("status").value_or(rtu.scan.status);
+        rtu.scan.analog = scan.duration("analog").value_or(rtu.scan.analog);
+        scan.rejectUnknownKeys();
+    }
+
+    void readPoints(TomlTable& table, Rtu& rtu) {
+        const std::optional<Field> csv = table.text(
+            "points", "name the point table's file in quotes, or write [[channel.rtu.point]] tables");
+        if (csv && table.has("point"))
+            loaded.findings.error(csv->place, "points and [[channel.rtu.point]] tables in one RTU",
+                                  "keep one of the two");
+        if (csv)
+            readCsvPoints(*csv, rtu);
+        for (const toml::table* const one : table.tables("point"))
+            readInlinePoint(*one, rtu);
+        findDuplicatePoints(rtu.points, loaded.findings);
+    }
+
+    void readCsvPoints(const Field& csv, Rtu& rtu) {
+        const std::filesystem::path directory = std::filesystem::u8path(file).parent_path();
+        const std::string path = (directory / std::filesystem::u8path(csv.text)).generic_u8string();
+        if (const std::optional<std::string> text = readFile(path))
+            rtu.points = readPointTable(*text, path, loaded.findings);
+        else
+            loaded.findings.error(csv.place, "point table \"" + path + "\" cannot be read",
+                                  "name a file that is there and readable, relative to the site file");
+    }
+
+    void readInlinePoint(const toml::table& source, Rtu& rtu) {
+        TomlTable table(source, file, loaded.findings);
+        PointFields fields;
+        for (const std::string& name : pointFieldNames)
+            if (std::optional<Field> field = table.textOrInteger(name))
+                fields.emplace(name, std::move(*field));
+        table.rejectUnknownKeys();
+        if (std::optional<Point> point = readPoint(fields, table.place(), loaded.findings))
+            rtu.points.push_back(std::move(*point));
+    }
+
+    const std::string& file;
+    const FileReader& readFile;
+    LoadedSite loaded;
+};
+
+} // namespace
+
+LoadedSite readSite(const std::string& text, const std::string& file, const FileReader& readFile) {
+    return SiteReader(file, readFile).read(text);
+}
+
+LoadedSite loadSite(const std::string& path) {
+    if (const std::optional<std::string> text = readWholeFile(path))
+        return readSite(*text, path, readWholeFile);
+    LoadedSite loaded;
+    loaded.findings.error({path}, "cannot be read", "name a site file that is there and readable");
+    return loaded;
+}
+
+} // namespace host

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Site.h"
+
+#include <functional>
+
+namespace host {
+
+struct LoadedSite {
+    Site site; // to be used only when the findings hold no error
+    Findings findings;
+};
+
+// The contents of a file, or nothing when it cannot be read.
+using FileReader = std::function<std::optional<std::string>(const std::string& path)>;
+
+// Reads the site file at `path` and the point tables that it names; those stand beside it unless they are
+// named with a full path. Everything that is wrong is found in one go.
+LoadedSite loadSite(const std::string& path);
+// The same from a text; `file` is its name, `readFile` opens the point tables.
+LoadedSite readSite(const std::string& text, const std::string& file, const FileReader& readFile);
+
+} // namespace host

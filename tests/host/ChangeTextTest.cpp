@@ -1,0 +1,76 @@
+#include "output/ChangeText.h"
+#include "SmallSite.h"
+#include "output/ValueText.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using host::PointRef;
+using host::PointState;
+
+namespace {
+
+constexpr qint64 readAt = 1'700'000'000'125; // 2023-11-14T22:13:20.125Z
+
+class ChangeText : public testing::Test {
+protected:
+    PointRef ref(std::size_t index) const {
+        const host::Channel& channel = site.channels[0];
+        return {&channel, &channel.rtus[0], &channel.rtus[0].points[index]};
+    }
+
+    static PointState good(double value) { return {value, readAt, readAt, PointQuality::Good}; }
+
+    host::Site site = smallSite();
+};
+
+} // namespace
+
+TEST_F(ChangeText, WritesWholeNumbersPlainly) {
+    const host::Point& integer = *ref(2).point;
+    EXPECT_EQ(valueText(integer, 0), "0");
+    EXPECT_EQ(valueText(integer, 1'000'000), "1000000");
+    EXPECT_EQ(valueText(integer, 4'294'967'295.0), "4294967295");
+    EXPECT_EQ(valueText(integer, -2'147'483'648.0), "-2147483648");
+}
+
+TEST_F(ChangeText, WritesFloatsShortAndExact) {
+    const host::Point& flow = *ref(1).point;
+    EXPECT_EQ(valueText(flow, static_cast<double>(0.1F)), "0.1");
+    EXPECT_EQ(valueText(flow, 1.5), "1.5");
+    EXPECT_EQ(valueText(flow, 3), "3");
+    for (const float value :
+         {1.17549435e-38F, 3.4028235e38F, 9.2233715e18F, -0.33333334F, 16777216.0F, 12345.678F})
+        EXPECT_EQ(std::stof(valueText(flow, static_cast<double>(value))), value);
+}
+
+TEST_F(ChangeText, IsOneJsonObject) {
+    EXPECT_EQ(changeAsJson(ref(1), good(1.5)),
+              R"({"time":"2023-11-14T22:13:20.125Z","channel":"waterworks","rtu":"pump-house","id":2,)"
+              R"("name":"FLOW","address":"R100","value":1.5,"quality":"good"})");
+}
+
+TEST_F(ChangeText, IsValidJsonWhateverTheNames) {
+    site.channels[0].name = "a\"b\\c\n\x01 Br\xC3\xBC"
+                            "cke";
+    const QByteArray json =
+        QByteArray::fromStdString(changeAsJson(ref(0), good(std::numeric_limits<double>::infinity())));
+    const QJsonObject object = QJsonDocument::fromJson(json).object();
+    EXPECT_EQ(object.value(QStringLiteral("channel")).toString().toStdString(), site.channels[0].name);
+    EXPECT_TRUE(object.value(QStringLiteral("value")).isNull());
+}
+
+TEST_F(ChangeText, IsOneCsvRow) {
+    site.channels[0].rtus[0].points[0].name = "RUN, \"1\"";
+    EXPECT_EQ(changeAsCsv(ref(0), {1, readAt, readAt, PointQuality::Bad}),
+              "2023-11-14T22:13:20.125Z,waterworks,pump-house,1,\"RUN, \"\"1\"\"\",O32,1,bad");
+}
+
+TEST_F(ChangeText, IsOneLineForPeople) {
+    EXPECT_THAT(changeAsLine(ref(2), good(12)), testing::EndsWith("  pump-house/LEVEL (R101) = 12  good"));
+}

@@ -1,0 +1,60 @@
+#include "site/CsvReader.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using host::CsvRow;
+using host::Findings;
+using testing::ElementsAre;
+
+namespace {
+
+std::vector<std::string> texts(const CsvRow& row) {
+    std::vector<std::string> result;
+    for (const host::Field& cell : row.cells)
+        result.push_back(cell.text);
+    return result;
+}
+
+std::vector<CsvRow> read(const std::string& text) {
+    Findings findings;
+    std::vector<CsvRow> rows = host::readCsv(text, "points.csv", findings);
+    EXPECT_TRUE(findings.all().empty());
+    return rows;
+}
+
+} // namespace
+
+TEST(CsvReader, CutsRowsAndCells) {
+    const auto rows = read("id,name\r\n1, two words ,\n\n2\n");
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_THAT(texts(rows[0]), ElementsAre("id", "name"));
+    EXPECT_THAT(texts(rows[1]), ElementsAre("1", "two words", ""));
+    EXPECT_THAT(texts(rows[2]), ElementsAre("2"));
+}
+
+TEST(CsvReader, TakesCommasQuotesAndLineEndsInsideQuotes) {
+    const auto rows = read("\"a,b\",\"say \"\"on\"\"\",\"two\nlines\" , \" kept \"\n");
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_THAT(texts(rows[0]), ElementsAre("a,b", "say \"on\"", "two\nlines", " kept "));
+}
+
+TEST(CsvReader, PassesOverAByteOrderMark) {
+    EXPECT_THAT(texts(read("\xEF\xBB\xBFid,name")[0]), ElementsAre("id", "name"));
+}
+
+TEST(CsvReader, PlacesCellsByLineAndCharacter) {
+    const auto rows = read("id,name\n7,\"Brücke\",x\n");
+    EXPECT_EQ(rows[1].cells[1].place.line, 2U);
+    EXPECT_EQ(rows[1].cells[1].place.column, 3U);
+    EXPECT_EQ(rows[1].cells[2].place.column, 12U);
+    EXPECT_EQ(rows[1].end.column, 13U);
+}
+
+TEST(CsvReader, TellsAQuoteWithoutEndAndTextBehindOne) {
+    Findings findings;
+    host::readCsv("a,\"b\"c\nd,\"e", "points.csv", findings);
+    ASSERT_EQ(findings.all().size(), 2U);
+    EXPECT_EQ(toText(findings.all()[0]).substr(0, 39), "points.csv:1:6: error: text behind a cl");
+    EXPECT_EQ(toText(findings.all()[1]).substr(0, 39), "points.csv:2:3: error: quote without an");
+}

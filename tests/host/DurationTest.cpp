@@ -1,0 +1,26 @@
+#include "site/Duration.h"
+
+#include <gtest/gtest.h>
+
+using host::parseDuration;
+using namespace std::chrono_literals;
+
+TEST(Duration, CarriesItsUnit) {
+    EXPECT_EQ(parseDuration("500ms"), 500ms);
+    EXPECT_EQ(parseDuration("1s"), 1s);
+    EXPECT_EQ(parseDuration("2m"), 2min);
+    EXPECT_EQ(parseDuration("24h"), 24h);
+    EXPECT_EQ(parseDuration("0s"), 0s);
+}
+
+TEST(Duration, IsNothingWithoutUnitOrNumber) {
+    for (const char* const text : {"", "1", "s", "1 s", "1.5s", "-1s", "1S", "1d", "s1", "1sms"})
+        EXPECT_FALSE(parseDuration(text)) << text;
+}
+
+TEST(Duration, IsNothingBeyondWhatTheDriverCanCount) {
+    EXPECT_EQ(parseDuration("2147483647ms"), 2147483647ms);
+    EXPECT_FALSE(parseDuration("2147483648ms"));
+    EXPECT_FALSE(parseDuration("4294967296ms"));
+    EXPECT_FALSE(parseDuration("4294967295h"));
+}

@@ -1,0 +1,118 @@
+#include "plan/Forecast.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using host::Channel;
+using host::ElementAddress;
+using host::LineForecast;
+using host::LineType;
+using host::Point;
+using host::PointKind;
+using host::SerialEnd;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+void addPoints(host::Rtu& rtu, char media, unsigned first, unsigned count) {
+    for (unsigned i = 0; i < count; ++i) {
+        Point point;
+        point.id = static_cast<unsigned>(rtu.points.size());
+        point.name = "P" + std::to_string(point.id);
+        point.kind = host::isBitMedia(media) ? PointKind::Status : PointKind::Analog;
+        point.address = {media, first + i};
+        point.writtenAddress = toText(point.address);
+        rtu.points.push_back(point);
+    }
+}
+
+Channel lineWith(const host::Rtu& rtu, LineType type) {
+    Channel channel;
+    channel.id = 1;
+    channel.name = "line";
+    channel.type = type;
+    if (type == LineType::Serial)
+        channel.primary = SerialEnd{"/dev/x", 9600, SerialEnd::Parity::None, 1, 8};
+    channel.rtus.push_back(rtu);
+    return channel;
+}
+
+host::Rtu rtuWithNineFlagsAndTwoRegisters() {
+    host::Rtu rtu;
+    rtu.id = 1;
+    rtu.name = "rtu";
+    addPoints(rtu, 'F', 100, 9);
+    addPoints(rtu, 'R', 10, 2);
+    return rtu;
+}
+
+} // namespace
+
+TEST(Forecast, CountsTheBitsOfACharacter) {
+    EXPECT_EQ(host::bitsPerCharacter({"x", 9600, SerialEnd::Parity::None, 1, 8}), 10U);
+    EXPECT_EQ(host::bitsPerCharacter({"x", 9600, SerialEnd::Parity::Even, 1, 8}), 11U);
+    EXPECT_EQ(host::bitsPerCharacter({"x", 9600, SerialEnd::Parity::Odd, 2, 8}), 12U);
+}
+
+TEST(Forecast, CountsDataModeTelegramsBothWays) {
+    const Channel channel = lineWith(rtuWithNineFlagsAndTwoRegisters(), LineType::Serial);
+    const LineForecast line = host::forecastLine(channel);
+    const host::RtuForecast& rtu = line.rtus.at(0);
+    // 9 bytes out and 2 + 2 + 2 back; 9 out and 2 + 8 + 2 back; at 9600 baud 10 bits take 1.0417 ms.
+    EXPECT_EQ(rtu.status.telegrams, 1U);
+    EXPECT_EQ(rtu.status.bytes, 15U);
+    EXPECT_NEAR(rtu.status.milliseconds, 15 * 10 / 9.6 + 10, 0.001);
+    EXPECT_EQ(rtu.analog.bytes, 21U);
+    EXPECT_EQ(rtu.integrity.telegrams, 2U);
+    EXPECT_EQ(rtu.integrity.bytes, 36U);
+    EXPECT_NEAR(rtu.integrity.milliseconds, 36 * 10 / 9.6 + 10, 0.001);
+}
+
+TEST(Forecast, CountsTheBreakBeforeEachTelegram) {
+    host::Rtu rtu = rtuWithNineFlagsAndTwoRegisters();
+    rtu.transmitType = host::TransmitType::Break;
+    rtu.breakDelayMs = 12;
+    const Channel channel = lineWith(rtu, LineType::Serial);
+    const host::RtuForecast forecast = host::forecastLine(channel).rtus.at(0);
+    // 7 out and 2 + 2 back; 7 out and 8 + 2 back.
+    EXPECT_EQ(forecast.status.bytes, 11U);
+    EXPECT_EQ(forecast.analog.bytes, 17U);
+    EXPECT_NEAR(forecast.integrity.milliseconds, 28 * 10 / 9.6 + 2 * 12 + 10, 0.001);
+}
+
+TEST(Forecast, CountsDatagramBytesOnEthernet) {
+    const Channel channel = lineWith(rtuWithNineFlagsAndTwoRegisters(), LineType::Ethernet);
+    const host::RtuForecast forecast = host::forecastLine(channel).rtus.at(0);
+    EXPECT_EQ(forecast.status.bytes, 16U + 13U);
+    EXPECT_EQ(forecast.analog.bytes, 16U + 19U);
+}
+
+TEST(Forecast, AddsUpTheShareOfTheLine) {
+    host::Rtu rtu = rtuWithNineFlagsAndTwoRegisters();
+    rtu.scan = {std::chrono::milliseconds(10'000), std::chrono::milliseconds(1'000),
+                std::chrono::milliseconds(2'000)};
+    const Channel channel = lineWith(rtu, LineType::Serial);
+    const LineForecast line = host::forecastLine(channel);
+    EXPECT_NEAR(line.share, 47.5 / 10'000 + 25.625 / 1'000 + 31.875 / 2'000, 0.0001);
+}
+
+TEST(Forecast, TellsWhetherThePeriodsFit) {
+    host::Rtu rtu;
+    addPoints(rtu, 'R', 0, 1'000);
+    host::Site site{{lineWith(rtu, LineType::Serial)}};
+    EXPECT_THAT(describeSite(site), HasSubstr("the scan periods do not fit"));
+    site.channels[0].rtus[0].scan.analog = std::chrono::seconds(60);
+    EXPECT_THAT(describeSite(site), HasSubstr("the scan periods fit\n"));
+}
+
+TEST(Forecast, TellsHiddenPointsAndRewrittenAddresses) {
+    host::Rtu rtu;
+    addPoints(rtu, 'R', 0, 128);
+    rtu.points[7].writtenAddress = "r007";
+    const host::Site site{{lineWith(rtu, LineType::Ethernet)}};
+    EXPECT_THAT(describeSite(site), HasSubstr("address r007 of \"P7\" is taken as R7\n"));
+    EXPECT_THAT(describeSite(site), HasSubstr("hidden point R128 added"));
+    EXPECT_THAT(describeSite(site), HasSubstr("analog poll"));
+    EXPECT_THAT(describeSite(site), Not(HasSubstr("status poll")));
+}

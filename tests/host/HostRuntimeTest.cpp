@@ -1,0 +1,91 @@
+#include "runtime/HostRuntime.h"
+#include "RecordingCore.h"
+#include "SmallSite.h"
+
+#include <HalvexAbstractDriver/DriverPluginInterface.h>
+#include <HalvexDriverComponent/CRtu.h>
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using host::DriverPlugin;
+using host::HostRuntime;
+using testing::HasSubstr;
+
+TEST(DriverPlugin, IsLoadedByItsMetadataAndUnloaded) {
+    DriverPlugin plugin;
+    EXPECT_EQ(plugin.load(PLUGIN_FILE), "");
+    ASSERT_NE(plugin.driver(), nullptr);
+    EXPECT_EQ(plugin.driver()->driverCode(), 11);
+    plugin.unload();
+    EXPECT_EQ(plugin.driver(), nullptr);
+    EXPECT_EQ(plugin.load(PLUGIN_FILE), "");
+}
+
+TEST(DriverPlugin, IsRefusedWhenItIsAnythingElse) {
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("SBusDriver.so"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("no library");
+    file.close();
+    DriverPlugin plugin;
+    EXPECT_THAT(plugin.load(path.toStdString()), HasSubstr("is no Qt plug-in"));
+    EXPECT_THAT(plugin.load("/no/such/SBusDriver.so"), HasSubstr("is not there"));
+    EXPECT_EQ(plugin.driver(), nullptr);
+}
+
+TEST(HostRuntime, StartsNothingWithoutAPlugin) {
+    const host::Site site = smallSite();
+    RecordingCore core;
+    HostRuntime runtime(site, core);
+    EXPECT_THAT(runtime.start("/no/such/SBusDriver.so"), HasSubstr("--plugin"));
+    EXPECT_TRUE(runtime.rtuFigures().empty());
+}
+
+TEST(HostRuntime, RunsTheSiteThroughThePlugin) {
+    const host::Site site = smallSite();
+    RecordingCore core;
+    HostRuntime runtime(site, core);
+    ASSERT_EQ(runtime.start(PLUGIN_FILE), "");
+    ASSERT_NE(runtime.findRtu(4, 7), nullptr);
+    EXPECT_EQ(runtime.findRtu(4, 8), nullptr);
+    EXPECT_EQ(runtime.findRtu(4, 7)->GetPointList()->GetAnalogPointList().size(), 2);
+    // Nobody answers: sooner or later a request has ended.
+    while (runtime.rtuFigures().at(0).status.requests == 0)
+        QThread::msleep(10);
+    EXPECT_EQ(runtime.rtuFigures()[0].status.answers, 0U);
+    runtime.stop();
+    EXPECT_TRUE(runtime.rtuFigures().empty());
+}
+
+TEST(HostRuntime, StopsWhileARequestWaitsForItsAnswer) {
+    host::Site site = smallSite();
+    site.channels[0].rtus[0].timeout = std::chrono::milliseconds(300);
+    RecordingCore core;
+    HostRuntime runtime(site, core);
+    ASSERT_EQ(runtime.start(PLUGIN_FILE), "");
+    QThread::msleep(100);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    runtime.stop();
+    EXPECT_LT(elapsed.elapsed(), 30'000); // ends at all; how soon depends on the machine's load
+}
+
+TEST(HostRuntime, StopsWhileALineCannotBeOpened) {
+    host::Site site = smallSite();
+    site.channels[0].type = host::LineType::Serial;
+    site.channels[0].primary = host::SerialEnd{"/no/such/device"};
+    RecordingCore core;
+    HostRuntime runtime(site, core);
+    ASSERT_EQ(runtime.start(PLUGIN_FILE), "");
+    while (runtime.channelStatus(site.channels[0]).failedOpens == 0)
+        QThread::msleep(10);
+    runtime.stop();
+    EXPECT_EQ(runtime.findRtu(4, 7), nullptr);
+}

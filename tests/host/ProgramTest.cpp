@@ -1,0 +1,147 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+// The program as its users meet it.
+
+using testing::HasSubstr;
+
+namespace {
+
+constexpr int patienceMs = 60'000;
+
+struct Ending {
+    int status = -1;
+    std::string output;
+    std::string errors;
+};
+
+Ending endOf(QProcess& program) {
+    EXPECT_TRUE(program.waitForFinished(patienceMs));
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+    return {program.exitCode(), program.readAllStandardOutput().toStdString(),
+            program.readAllStandardError().toStdString()};
+}
+
+Ending run(const QStringList& arguments) {
+    QProcess program;
+    program.start(QStringLiteral(HOST_PROGRAM), arguments);
+    return endOf(program);
+}
+
+class Program : public testing::Test {
+protected:
+    QString writeSite(const char* text) {
+        const QString path = directory.filePath(QStringLiteral("site.toml"));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        return path;
+    }
+
+    // One RTU that nobody plays.
+    QString silentSite() {
+        return writeSite(
+            "[[channel]]\nid = 1\ntype = \"SBus-Ethernet\"\nprimary = \"udp://127.0.0.1:9\"\n"
+            "[[channel.rtu]]\nid = 1\nname = \"tank\"\nstation = 1\ntimeout = \"100ms\"\n"
+            "[[channel.rtu.point]]\nid = 1\nname = \"LEVEL\"\nkind = \"analog\"\naddress = \"R1\"\n");
+    }
+
+    const QTemporaryDir directory;
+};
+
+} // namespace
+
+TEST_F(Program, ChecksTheDemoSite) {
+    const Ending ending = run({QStringLiteral("check"), QStringLiteral(DEMO_SITE)});
+    EXPECT_EQ(ending.status, 0);
+    EXPECT_EQ(ending.errors, "");
+    EXPECT_THAT(ending.output, HasSubstr("the scan periods fit"));
+}
+
+TEST_F(Program, StartsNothingOfABadSite) {
+    const QString site =
+        writeSite("[[channel]]\nid = 1\ntype = \"SBus-Ethernet\"\nprimary = \"udp://\"\nx = 1\n");
+    for (const char* const command : {"check", "run"}) {
+        const Ending ending = run({QString::fromLatin1(command), site});
+        EXPECT_EQ(ending.status, 2) << command;
+        EXPECT_THAT(ending.errors, HasSubstr("site.toml:4:11: error: "));
+        EXPECT_THAT(ending.errors, HasSubstr("site.toml:5:1: error: unknown key \"x\""));
+        EXPECT_EQ(ending.output, "");
+    }
+}
+
+TEST_F(Program, EndsWithTwoOnWrongUsage) {
+    const QString site = silentSite();
+    EXPECT_EQ(run({}).status, 2);
+    EXPECT_EQ(run({QStringLiteral("fly")}).status, 2);
+    EXPECT_EQ(run({QStringLiteral("run")}).status, 2);
+    EXPECT_EQ(run({QStringLiteral("run"), site, QStringLiteral("--for"), QStringLiteral("10")}).status, 2);
+    EXPECT_EQ(run({QStringLiteral("run"), site, QStringLiteral("--format"), QStringLiteral("xml")}).status,
+              2);
+    EXPECT_EQ(
+        run({QStringLiteral("run"), site, QStringLiteral("--plugin"), QStringLiteral("/no/such.so")}).status,
+        2);
+    EXPECT_EQ(run({QStringLiteral("--help")}).status, 0);
+}
+
+TEST_F(Program, EndsWithOneWhenAControllerIsSilent) {
+    const Ending ending =
+        run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"), QStringLiteral("1s")});
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_THAT(ending.errors, HasSubstr("RTU 1 \"tank\" (station 1): no complete answer within 100 ms"));
+    EXPECT_THAT(ending.output, HasSubstr("never read"));
+}
+
+TEST_F(Program, KeepsTheSummaryOutOfMachineReadableOutput) {
+    const QString site = silentSite();
+    for (const char* const format : {"json", "csv"}) {
+        const Ending ending =
+            run({QStringLiteral("run"), site, QStringLiteral("--for"), QStringLiteral("200ms"),
+                 QStringLiteral("--format"), QString::fromLatin1(format)});
+        EXPECT_THAT(ending.errors, HasSubstr("requests"));
+        EXPECT_THAT(ending.output, testing::Not(HasSubstr("requests")));
+    }
+}
+
+TEST_F(Program, ShowsTheFramesThatItSends) {
+    const Ending ending = run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"),
+                               QStringLiteral("1s"), QStringLiteral("--frames")});
+    EXPECT_THAT(ending.errors,
+                HasSubstr("1/1 << Send frame\n    00 00 00 10 01 00 00 00 00 01 06 00 00 01 "));
+}
+
+TEST_F(Program, EndsInOrderOnATerminationSignal) {
+    QProcess program;
+    program.start(QStringLiteral(HOST_PROGRAM), {QStringLiteral("run"), silentSite()});
+    program.setReadChannel(QProcess::StandardError);
+    ASSERT_TRUE(program.waitForReadyRead(patienceMs)); // it runs: the first failure is told
+    program.terminate();
+    const Ending ending = endOf(program);
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_THAT(ending.output, HasSubstr("tank"));
+}
+
+TEST_F(Program, EndsWhenNobodyReadsItsOutput) {
+    QProcess program;
+    QProcess reader;
+    program.setStandardOutputProcess(&reader);
+    program.start(QStringLiteral(HOST_PROGRAM),
+                  {QStringLiteral("run"), silentSite(), QStringLiteral("--format"), QStringLiteral("csv"),
+                   QStringLiteral("--for"), QStringLiteral("1s")});
+    reader.start(QStringLiteral("true"), QStringList());
+    EXPECT_TRUE(reader.waitForFinished(patienceMs));
+    EXPECT_TRUE(program.waitForFinished(patienceMs));
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+}
+
+TEST_F(Program, WritesLogFiles) {
+    const QString logs = directory.filePath(QStringLiteral("a/b"));
+    run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"), QStringLiteral("500ms"),
+         QStringLiteral("--log-dir"), logs});
+    EXPECT_FALSE(QDir(logs).entryList(QDir::Files).isEmpty());
+}

@@ -1,0 +1,92 @@
+#include "runtime/RunLog.h"
+#include "SmallSite.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using Halvex::LogLevel;
+using Halvex::PacketType;
+using host::RunLog;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+const QString sentHeader = QStringLiteral("<< Send frame ");
+const QString receivedHeader = QStringLiteral(">> Receive frame ");
+
+void writeResult(LogLevel level, const char* text) {
+    CLogger::GetInstance()->writeAll(4, 7, level, QString::fromLatin1(text));
+}
+
+void writeFrame(PacketType type, const QString& header, const char* hex) {
+    CLogger::GetInstance()->writeConPacket(4, 7, type, header, true);
+    CLogger::GetInstance()->writeConPacket(4, 7, type, QString::fromLatin1(hex), false);
+}
+
+host::Site serialSite() {
+    host::Site site = smallSite();
+    site.channels[0].type = host::LineType::Serial;
+    site.channels[0].primary = host::SerialEnd{"/dev/x"};
+    return site;
+}
+
+} // namespace
+
+TEST(RunLog, TellsFailuresAndTheirEndButNotSuccess) {
+    const host::Site site = smallSite();
+    RunLog log(site, false);
+    writeResult(LogLevel::Success, "Request result : Success");
+    EXPECT_THAT(log.takeMessages(), IsEmpty());
+    writeResult(LogLevel::RequestFailure, "Request result : Timeout");
+    writeResult(LogLevel::RequestFailure, "Request result : Timeout");
+    EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("no complete answer")));
+    writeResult(LogLevel::Success, "Request result : Success");
+    EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("answers again")));
+}
+
+TEST(RunLog, RemembersTheLastProtocolError) {
+    const host::Site site = smallSite();
+    RunLog log(site, false);
+    CLogger::GetInstance()->writeConPacket(4, 7, PacketType::ProtocolError, QStringLiteral("Ack Error: 1"),
+                                           true);
+    EXPECT_EQ(log.protocolError(4, 7), "Ack Error: 1");
+    EXPECT_EQ(log.protocolError(4, 8), "");
+}
+
+TEST(RunLog, KnowsARefusalThatTheDriverTakesForACutAnswer) {
+    const host::Site site = serialSite();
+    RunLog log(site, false);
+    writeFrame(PacketType::Received, receivedHeader, "B5 02 00 01 33 D5 00 00 ");
+    writeResult(LogLevel::RequestFailure, "Request result : Timeout");
+    EXPECT_EQ(log.protocolError(4, 7), "Nak Error");
+    EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("refused")));
+    // Silence afterwards is silence.
+    writeFrame(PacketType::Received, receivedHeader, "00 00 00 00 00 00 00 00 ");
+    writeResult(LogLevel::RequestFailure, "Request result : Timeout");
+    EXPECT_EQ(log.protocolError(4, 7), "");
+}
+
+TEST(RunLog, ShowsFramesWhenAskedTo) {
+    const host::Site site = smallSite();
+    RunLog log(site, true);
+    writeFrame(PacketType::Sent, sentHeader, "B5 00 05 ");
+    EXPECT_THAT(log.takeMessages(), ElementsAre("4/7 << Send frame", "    B5 00 05"));
+    RunLog quiet(site, false);
+    writeFrame(PacketType::Sent, sentHeader, "B5 00 05 ");
+    EXPECT_THAT(quiet.takeMessages(), IsEmpty());
+}
+
+TEST(RunLog, KnowsAnRtuThatHasFallenSilent) {
+    const host::Site site = smallSite();
+    RunLog log(site, false);
+    EXPECT_FALSE(log.isSilent(4, 7));
+    writeResult(LogLevel::RequestFailure, "Request result : Chennel Error");
+    EXPECT_TRUE(log.isSilent(4, 7));
+    CLogger::GetInstance()->writeAll(4, 0, LogLevel::Success,
+                                     QStringLiteral("Primary channel has connected"));
+    EXPECT_TRUE(log.isSilent(4, 7));
+    writeResult(LogLevel::Success, "Request result : Success");
+    EXPECT_FALSE(log.isSilent(4, 7));
+}

@@ -1,0 +1,217 @@
+#include "site/SiteFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+
+using host::LoadedSite;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using namespace std::chrono_literals;
+
+namespace {
+
+std::map<std::string, std::string> pointTables = {
+    {"sites/pump.csv", "id,name,kind,address\n1,RUN,status,O32\n"}};
+
+std::optional<std::string> openTable(const std::string& path) {
+    const auto found = pointTables.find(path);
+    return found == pointTables.end() ? std::nullopt : std::optional<std::string>(found->second);
+}
+
+LoadedSite read(const std::string& text) {
+    return host::readSite(text, "sites/site.toml", openTable);
+}
+
+std::vector<std::string> findings(const LoadedSite& loaded) {
+    std::vector<std::string> texts;
+    for (const host::Finding& finding : loaded.findings.all())
+        texts.push_back(toText(finding));
+    return texts;
+}
+
+std::vector<std::string> findings(const std::string& text) {
+    return findings(read(text));
+}
+
+const std::string ethernet = "[[channel]]\nid = 1\ntype = \"SBus-Ethernet\"\nprimary = \"udp://h:5050\"\n";
+const std::string serial = "[[channel]]\nid = 1\ntype = \"SBus-Serial\"\nprimary = \"serial:/dev/x\"\n";
+const std::string csvPoints = "points = \"pump.csv\"\n";
+
+std::string rtu(int id, const std::string& more) {
+    return "[[channel.rtu]]\nid = " + std::to_string(id) + "\nstation = 5\n" + more;
+}
+
+} // namespace
+
+TEST(SiteFile, IsReadWhole) {
+    const LoadedSite loaded = read(R"(
+[[channel]]
+id = 1
+name = "waterworks"
+type = "SBus-Serial"
+primary = "serial:/dev/ttyUSB0?baud=19200&parity=none&stop=1"
+secondary = "serial:/dev/ttyUSB1"
+
+[[channel.rtu]]
+id = 1
+name = "pump-house"
+station = 5
+timeout = "2s"
+transmit_type = "break"
+break_delay = 12
+scan = { integrity = "2m", status = "500ms", analog = "3s" }
+points = "pump.csv"
+
+[[channel.rtu]]
+id = 2
+enabled = false
+station = 6
+[[channel.rtu.point]]
+id = 4
+name = "FLOW"
+kind = "analog"
+address = "R007"
+format = "float"
+)");
+    EXPECT_THAT(findings(loaded), IsEmpty());
+    ASSERT_EQ(loaded.site.channels.size(), 1U);
+    const host::Channel& channel = loaded.site.channels[0];
+    EXPECT_EQ(channel.name, "waterworks");
+    EXPECT_EQ(channel.type, host::LineType::Serial);
+    EXPECT_EQ(std::get<host::SerialEnd>(channel.primary).baud, 19200U);
+    EXPECT_EQ(std::get<host::SerialEnd>(*channel.secondary).device, "/dev/ttyUSB1");
+    ASSERT_EQ(channel.rtus.size(), 2U);
+    EXPECT_EQ(channel.rtus[0].timeout, 2s);
+    EXPECT_EQ(channel.rtus[0].scan.integrity, 2min);
+    EXPECT_EQ(channel.rtus[0].scan.status, 500ms);
+    EXPECT_EQ(channel.rtus[0].scan.analog, 3s);
+    EXPECT_EQ(channel.rtus[0].points.at(0).name, "RUN");
+    EXPECT_FALSE(channel.rtus[1].enabled);
+    EXPECT_EQ(channel.rtus[1].name, "rtu-2");
+    EXPECT_EQ(toText(channel.rtus[1].points.at(0).address), "R7");
+    // What an RTU of a serial line leaves out, the others decide.
+    EXPECT_EQ(channel.rtus[1].transmitType, host::TransmitType::Break);
+    EXPECT_EQ(channel.rtus[1].breakDelayMs, 12U);
+}
+
+TEST(SiteFile, TellsAllFaultsInOneGo) {
+    EXPECT_THAT(
+        findings(R"([[channel]]
+id = 1
+type = "SBus-Token"
+primary = "udp:h"
+colour = "red"
+[[channel.rtu]]
+id = 1
+station = 256
+timeout = "1000"
+scan = { status = "0s", analog = 2 }
+points = "absent.csv"
+)"),
+        ElementsAre(HasSubstr("sites/site.toml:3:8: error: type \"SBus-Token\" is not known; write"),
+                    HasSubstr("sites/site.toml:4:11: error: \"udp:h\" is no line; write"),
+                    HasSubstr("sites/site.toml:5:1: error: unknown key \"colour\"; the keys here are"),
+                    HasSubstr("sites/site.toml:8:11: error: station 256 is out of range; give"),
+                    HasSubstr("sites/site.toml:9:11: error: timeout \"1000\" is no duration; write"),
+                    HasSubstr("sites/site.toml:10:19: error: status is 0; give"),
+                    HasSubstr("sites/site.toml:10:34: error: analog is a duration without a unit; write"),
+                    HasSubstr("sites/site.toml:11:10: error: point table \"sites/absent.csv\" cannot be")));
+}
+
+TEST(SiteFile, TellsUnknownKeysAtEveryLevel) {
+    EXPECT_THAT(findings("title = 1\n" + ethernet + "x = 1\n" +
+                         rtu(1, "y = 1\nscan = { z = \"1s\" }\n[[channel.rtu.point]]\nid = 1\nname = \"A\"\n"
+                                "kind = \"status\"\naddress = \"I1\"\nunit = \"m\"\n")),
+                ElementsAre(HasSubstr(":1:1: error: unknown key \"title\""),
+                            HasSubstr(":6:1: error: unknown key \"x\""),
+                            HasSubstr(":10:1: error: unknown key \"y\""),
+                            HasSubstr(":11:10: error: unknown key \"z\""),
+                            HasSubstr(":17:1: error: unknown key \"unit\"")));
+}
+
+TEST(SiteFile, TellsWhatIsMissing) {
+    EXPECT_THAT(findings(""), ElementsAre(HasSubstr("error: channel is missing")));
+    EXPECT_THAT(
+        findings("[[channel]]\n[[channel.rtu]]\n"),
+        ElementsAre(HasSubstr(":1:1: error: id is missing"), HasSubstr(":1:1: error: type is missing"),
+                    HasSubstr(":1:1: error: primary is missing"), HasSubstr(":2:1: error: id is missing"),
+                    HasSubstr(":2:1: error: station is missing")));
+}
+
+TEST(SiteFile, TellsIdsTakenTwice) {
+    const std::string point =
+        "[[channel.rtu.point]]\nid = 3\nname = \"A\"\nkind = \"status\"\naddress = \"I1\"\n";
+    const std::string other =
+        "[[channel.rtu.point]]\nid = 3\nname = \"B\"\nkind = \"analog\"\naddress = \"R1\"\n";
+    EXPECT_THAT(findings(ethernet + rtu(1, point + other) + rtu(1, csvPoints) + ethernet),
+                testing::UnorderedElementsAre(
+                    HasSubstr(":13:1: error: point id 3 is already taken by \"A\" in line 8"),
+                    HasSubstr(":19:6: error: RTU id 1 is already taken in line 6"),
+                    HasSubstr(":19:6: warning: RTU name \"rtu-1\" is already that of line 6"),
+                    HasSubstr(":23:6: error: channel id 1 is already taken in line 2")));
+}
+
+TEST(SiteFile, TellsALineThatDoesNotFitItsType) {
+    EXPECT_THAT(findings("[[channel]]\nid = 1\ntype = \"SBus-Serial\"\nprimary = \"udp://h:1\"\n" +
+                         rtu(1, csvPoints)),
+                ElementsAre(HasSubstr(":4:11: error: primary \"udp://h:1\" does not fit type SBus-Serial")));
+    EXPECT_THAT(
+        findings(ethernet + "secondary = \"serial:/dev/x\"\n" + rtu(1, csvPoints)),
+        ElementsAre(HasSubstr(":5:13: error: secondary \"serial:/dev/x\" does not fit type SBus-Ethernet")));
+}
+
+TEST(SiteFile, TellsRtusOfASerialLineThatDisagree) {
+    EXPECT_THAT(
+        findings(serial + rtu(2, "transmit_type = \"break\"\nbreak_delay = 8\n" + csvPoints) +
+                 rtu(1, "transmit_type = \"data\"\nbreak_delay = 9\n" + csvPoints)),
+        ElementsAre(
+            HasSubstr(":14:17: error: transmit_type differs from that of RTU 2 (line 6); one setting"),
+            HasSubstr(":15:15: error: break_delay differs from that of RTU 2 (line 6); one setting")));
+}
+
+TEST(SiteFile, TakesTransmitTypeOnEthernetWithoutEffect) {
+    EXPECT_THAT(findings(ethernet + rtu(1, "transmit_type = \"data\"\nbreak_delay = 10\n" + csvPoints) +
+                         rtu(2, "transmit_type = \"break\"\n" + csvPoints)),
+                IsEmpty());
+}
+
+TEST(SiteFile, TellsADeviceThatTwoLinesWant) {
+    const std::string second =
+        "[[channel]]\nid = 2\ntype = \"SBus-Serial\"\nprimary = \"serial:/dev/x?baud=1200\"\n";
+    EXPECT_THAT(findings(serial + rtu(1, csvPoints) + second + rtu(1, csvPoints)),
+                ElementsAre(HasSubstr(":10:6: error: device /dev/x is already the line of channel 1")));
+}
+
+TEST(SiteFile, TellsPointsGivenInBothWays) {
+    EXPECT_THAT(findings(ethernet + rtu(1, csvPoints + "[[channel.rtu.point]]\nid = 7\nname = \"A\"\n"
+                                                       "kind = \"status\"\naddress = \"I1\"\n")),
+                ElementsAre(HasSubstr(":8:10: error: points and [[channel.rtu.point]] tables in one RTU")));
+}
+
+TEST(SiteFile, TellsFaultsOfAPointTableWithItsName) {
+    pointTables["sites/bad.csv"] = "id,name,kind,address\n1,A,status\n2,B,status,R1\n";
+    EXPECT_THAT(findings(ethernet + rtu(1, "points = \"bad.csv\"\n")),
+                ElementsAre(HasSubstr("sites/bad.csv:2:11: error: row with 3 columns"),
+                            HasSubstr("sites/bad.csv:3:12: error: address R1 does not fit")));
+}
+
+TEST(SiteFile, TellsASyntaxErrorWithItsPlace) {
+    const std::vector<std::string> texts = findings("[[channel]]\nid = = 1\n");
+    ASSERT_EQ(texts.size(), 1U);
+    EXPECT_THAT(texts[0], HasSubstr("sites/site.toml:2:"));
+}
+
+TEST(SiteFile, WarnsOfWhatCannotBePolled) {
+    const LoadedSite loaded = read(ethernet + "[[channel.rtu]]\nid = 1\nstation = 255\n");
+    EXPECT_FALSE(loaded.findings.hasErrors());
+    EXPECT_THAT(findings(loaded), ElementsAre(HasSubstr("warning: RTU 1 has no points"),
+                                              HasSubstr("warning: station 255 is the broadcast address")));
+}
+
+TEST(SiteFile, TellsAFileThatIsNotThere) {
+    const LoadedSite loaded = host::loadSite("no/such/site.toml");
+    EXPECT_THAT(findings(loaded), ElementsAre(HasSubstr("no/such/site.toml: error: cannot be read")));
+}

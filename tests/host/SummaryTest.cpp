@@ -1,0 +1,77 @@
+#include "output/Summary.h"
+#include "SmallSite.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using host::ExitStatus;
+using host::RtuOutcome;
+using testing::HasSubstr;
+
+namespace {
+
+class Summary : public testing::Test {
+protected:
+    RtuOutcome outcome(bool connected, quint64 answers, const std::string& protocolError = "") {
+        RtuOutcome result;
+        result.figures.channel = &site.channels[0];
+        result.figures.rtu = &site.channels[0].rtus[0];
+        result.figures.status.connected = connected;
+        result.figures.status.answers = answers;
+        result.protocolError = protocolError;
+        return result;
+    }
+
+    host::Site site = smallSite();
+};
+
+} // namespace
+
+TEST_F(Summary, IsGoodWhenEveryRtuAnsweredAndIsConnected) {
+    EXPECT_EQ(host::judge({outcome(true, 3), outcome(true, 1)}), ExitStatus::Good);
+}
+
+TEST_F(Summary, HasFailedWhenAnRtuNeverAnsweredOrIsGone) {
+    EXPECT_EQ(host::judge({outcome(true, 3), outcome(true, 0)}), ExitStatus::CommunicationFailed);
+    EXPECT_EQ(host::judge({outcome(false, 3), outcome(true, 3)}), ExitStatus::CommunicationFailed);
+}
+
+TEST_F(Summary, IsRefusedWhenRefusalsAreAllThatCame) {
+    EXPECT_EQ(host::judge({outcome(true, 3), outcome(false, 0, "Ack Error: 1")}), ExitStatus::Refused);
+    EXPECT_EQ(host::judge({outcome(false, 0, "Nak Error")}), ExitStatus::Refused);
+    EXPECT_EQ(host::judge({outcome(false, 0, "CRC Error")}), ExitStatus::CommunicationFailed);
+    EXPECT_EQ(host::judge({outcome(true, 5, "Nak Error")}), ExitStatus::Good);
+    EXPECT_EQ(host::judge({outcome(false, 0, "Nak Error"), outcome(false, 0)}),
+              ExitStatus::CommunicationFailed);
+}
+
+TEST_F(Summary, LeavesRtusOutThatNobodyPolls) {
+    site.channels[0].rtus[0].enabled = false;
+    EXPECT_EQ(host::judge({outcome(false, 0)}), ExitStatus::Good);
+    site.channels[0].rtus[0].enabled = true;
+    site.channels[0].rtus[0].points.clear();
+    EXPECT_EQ(host::judge({outcome(false, 0)}), ExitStatus::Good);
+}
+
+TEST_F(Summary, CountsPointsByQuality) {
+    host::ValueStore store(site);
+    store.publishPoints(
+        4, 7,
+        {PointUpdate{false, 1, 1, {}, PointQuality::Good}, PointUpdate{true, 2, 1, {}, PointQuality::Bad}});
+    const auto outcomes = host::collectOutcomes({outcome(true, 1).figures}, store);
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_EQ(outcomes[0].goodPoints, 1U);
+    EXPECT_EQ(outcomes[0].badPoints, 1U);
+    EXPECT_EQ(outcomes[0].neverReadPoints, 1U);
+}
+
+TEST_F(Summary, ShowsALinePerRtu) {
+    RtuOutcome one = outcome(true, 3);
+    one.figures.status.requests = 4;
+    one.figures.status.timeOuts = 1;
+    one.figures.status.slowestRoundTrip = std::chrono::microseconds(12'340);
+    one.goodPoints = 3;
+    EXPECT_EQ(host::summaryText({one}),
+              "RTU         requests  answers  time-outs  errors     last   slowest  good  bad  never read\n"
+              "pump-house         4        3          1       0  0.00 ms  12.34 ms     3    0           0\n");
+}
