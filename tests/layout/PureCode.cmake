@@ -1,0 +1,13 @@
+file(GLOB files ${ROOT}/protocol/codec/*.h ${ROOT}/protocol/codec/*.cpp
+     ${ROOT}/rtu/mapping/*.h ${ROOT}/rtu/mapping/*.cpp)
+list(LENGTH files count)
+if(count LESS 10)
+    message(FATAL_ERROR "Only ${count} pure sources found under ${ROOT}")
+endif()
+set(impure "QObject|QThread|QMutex|QTime|QDateTime|QElapsedTimer|CLink|CLogger|CRtu|CChannel|chrono|thread|iostream|fstream")
+foreach(file IN LISTS files)
+    file(STRINGS ${file} includes REGEX "^#include <([A-Za-z]+/)?(${impure})(\\.h)?>")
+    if(includes)
+        message(SEND_ERROR "${file}: ${includes}")
+    endif()
+endforeach()
