@@ -5,12 +5,13 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <cstddef>
 
 namespace sbus {
 namespace {
 
 constexpr int bitsInByte = 8;
-constexpr int wordSize = 4;
+constexpr std::ptrdiff_t wordSize = 4;
 
 int payloadSize(const QByteArray& response) {
     return std::max(0, response.size() - checksumSize);
@@ -34,7 +35,7 @@ QList<quint8> decodeBits(const QByteArray& response, quint32 elements) {
 }
 
 QList<qint32> decodeWords(const QByteArray& response, quint32 elements) {
-    const int count = covered(elements, payloadSize(response) / wordSize);
+    const int count = covered(elements, payloadSize(response) / static_cast<int>(wordSize));
     QList<qint32> values;
     values.reserve(count);
     for (int i = 0; i < count; ++i)

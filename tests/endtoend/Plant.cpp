@@ -26,7 +26,7 @@ sim::Site siteOf(LineType type, const std::vector<int>& stations, const QString&
 
 } // namespace
 
-Plant::Plant(LineType lineType, std::vector<int> stations, const sim::Options& options)
+Plant::Plant(LineType lineType, const std::vector<int>& stations, const sim::Options& options)
     : type(lineType), simulator(siteOf(lineType, stations, folder.path()), options),
       loader(QStringLiteral(PLUGIN_FILE)) {
     core().clear();

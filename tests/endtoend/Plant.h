@@ -23,7 +23,7 @@ enum class LineType { Ethernet, SerialDataMode, SerialBreakMode };
 // of it that polls them. Station and RTU id are the same number.
 class Plant {
 public:
-    Plant(LineType type, std::vector<int> stations, const sim::Options& options = {});
+    Plant(LineType type, const std::vector<int>& stations, const sim::Options& options = {});
     ~Plant();
 
     // Before start().

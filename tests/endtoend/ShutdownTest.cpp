@@ -3,7 +3,6 @@
 #include <chrono>
 
 using Shutdown = EveryLine;
-using sim::Media;
 
 ON_EVERY_LINE(Shutdown);
 

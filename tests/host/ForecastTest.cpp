@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 using host::Channel;
-using host::ElementAddress;
 using host::LineForecast;
 using host::LineType;
 using host::Point;

@@ -36,7 +36,7 @@ Ending run(const QStringList& arguments) {
 class Program : public testing::Test {
 protected:
     QString writeSite(const char* text) {
-        const QString path = directory.filePath(QStringLiteral("site.toml"));
+        QString path = directory.filePath(QStringLiteral("site.toml"));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(text);

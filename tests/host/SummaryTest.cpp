@@ -6,7 +6,6 @@
 
 using host::ExitStatus;
 using host::RtuOutcome;
-using testing::HasSubstr;
 
 namespace {
 

@@ -274,6 +274,7 @@ TEST_F(DelayedQueueTest, SchedulingOnManyThreadsLosesNothing) {
     SBusDelayedQueue real;
     real.setProtocol(protocol);
     std::vector<std::thread> threads;
+    threads.reserve(producers);
     for (int producer = 0; producer < producers; ++producer)
         threads.emplace_back([&, producer] {
             for (int i = 0; i < requestsEach; ++i)

@@ -225,6 +225,7 @@ TEST_F(PendingTableTest, ProducersOnManyThreadsLoseNothing) {
     constexpr int requestsEach = 200;
     std::atomic<int> running{producers};
     std::vector<std::thread> threads;
+    threads.reserve(producers);
     for (int producer = 0; producer < producers; ++producer)
         threads.emplace_back([&, producer] {
             for (int i = 0; i < requestsEach; ++i) {

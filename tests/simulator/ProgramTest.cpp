@@ -21,6 +21,7 @@ protected:
     int run(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "sbus-sim");
         std::vector<const char*> pointers;
+        pointers.reserve(arguments.size());
         for (const std::string& argument : arguments)
             pointers.push_back(argument.c_str());
         return runProgram(static_cast<int>(pointers.size()), pointers.data(), out, err);
