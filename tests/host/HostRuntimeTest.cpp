@@ -64,6 +64,21 @@ TEST(HostRuntime, RunsTheSiteThroughThePlugin) {
     EXPECT_TRUE(runtime.rtuFigures().empty());
 }
 
+// The plug-in polls every RTU when its line connects, whether it is enabled or not.
+TEST(HostRuntime, LeavesADisabledRtuUnread) {
+    host::Site site = smallSite();
+    host::Rtu disabled = site.channels[0].rtus[0];
+    disabled.id = 8;
+    disabled.enabled = false;
+    site.channels[0].rtus.push_back(disabled);
+    RecordingCore core;
+    HostRuntime runtime(site, core);
+    ASSERT_EQ(runtime.start(PLUGIN_FILE), "");
+    while (runtime.rtuFigures().at(0).status.requests < 3)
+        QThread::msleep(10);
+    EXPECT_EQ(runtime.rtuFigures().at(1).status.requests, 0U);
+}
+
 TEST(HostRuntime, StopsWhileARequestWaitsForItsAnswer) {
     host::Site site = smallSite();
     site.channels[0].rtus[0].timeout = std::chrono::milliseconds(300);
