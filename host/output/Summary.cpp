@@ -1,10 +1,10 @@
 #include "Summary.h"
 
 #include "TableLayout.h"
+#include "ValueText.h"
 #include "runtime/FailureText.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace host {
 
@@ -27,12 +27,6 @@ ExitStatus judge(const RtuOutcome& outcome) {
     if (status.answers == 0 && isRefusal(outcome.protocolError))
         return ExitStatus::Refused;
     return status.answers == 0 || !status.connected ? ExitStatus::CommunicationFailed : ExitStatus::Good;
-}
-
-std::string millisecondsText(std::chrono::microseconds duration) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f ms", static_cast<double>(duration.count()) / 1000);
-    return text;
 }
 
 using Row = std::vector<std::string>;

@@ -105,7 +105,7 @@ private:
         return text + (status.connected ? "  connected" : "  NOT CONNECTED") + "  " +
                std::to_string(status.answers) + " answers  " + std::to_string(status.timeOuts) +
                " time-outs  " + std::to_string(status.errors) + " errors  " +
-               std::to_string(status.lastRoundTrip.count() / 1000) + " ms";
+               millisecondsText(status.lastRoundTrip);
     }
 
     TableLine pointLine(const PointRef& ref, const PointState& state) const {

@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 
 namespace host {
 
@@ -45,6 +46,12 @@ std::string utcTimeText(qint64 milliseconds) {
 std::string localTimeText(qint64 milliseconds) {
     const QString format = QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz");
     return QDateTime::fromMSecsSinceEpoch(milliseconds).toString(format).toStdString();
+}
+
+std::string millisecondsText(std::chrono::microseconds duration) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2f ms", static_cast<double>(duration.count()) / 1000);
+    return text;
 }
 
 } // namespace host
