@@ -29,7 +29,7 @@ protected:
 class AnsweringLink : public ScriptedLink {
 public:
     void exchange(std::chrono::milliseconds answerTime) {
-        noteSent(1);
+        noteSent(1, Clock::now());
         std::this_thread::sleep_for(answerTime);
         noteReceived(1);
     }

@@ -127,6 +127,20 @@ TEST_F(RxMessage, RoundTripEndsWithTheLastByte) {
     EXPECT_EQ(trips.slowest, trips.last);
 }
 
+// A telegram that the line takes only slowly is on its way before the send returns.
+TEST_F(RxMessage, RoundTripBeginsWithTheTelegram) {
+    constexpr int size = 20'000; // more than the line holds unread
+    std::thread controller([this] {
+        std::this_thread::sleep_for(milliseconds(60));
+        line.read(size);
+        line.write(hex("02"));
+    });
+    ASSERT_EQ(send(link, QByteArray(size, '\x01')), 0);
+    EXPECT_EQ(rxMessage(link, 1, longMs), came("02"));
+    controller.join();
+    EXPECT_GE(link.takeRoundTrips().last, milliseconds(60));
+}
+
 TEST_F(RxMessage, RoundTripsAreTakenOnceWithTheSlowest) {
     for (const int delay : {5, 60, 10}) {
         ASSERT_EQ(send(link, hex("01")), 0);

@@ -71,11 +71,11 @@ void CLink::noteOpened() {
     add(opens, 1);
 }
 
-void CLink::noteSent(int length) {
+void CLink::noteSent(int length, Clock::time_point begun) {
     closeRoundTrip();
     add(telegramsSent, 1);
     add(bytesSent, length);
-    sentAt = Clock::now();
+    sentAt = begun;
     awaitingAnswer = true;
 }
 

@@ -126,9 +126,10 @@ int CLinkSerial::send(const char* data, int length, int timeoutMs) {
         if (error || length <= 0)
             return error;
         const asio::const_buffer telegram(data, static_cast<std::size_t>(length));
-        error = port->write(device, telegram, Clock::now() + milliseconds(std::max(timeoutMs, 0)));
+        const Clock::time_point begun = Clock::now();
+        error = port->write(device, telegram, begun + milliseconds(std::max(timeoutMs, 0)));
         if (!error)
-            noteSent(length);
+            noteSent(length, begun);
         return error;
     });
 }

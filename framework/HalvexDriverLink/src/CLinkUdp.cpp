@@ -103,9 +103,11 @@ int CLinkUdp::send(const char* data, int length, int timeoutMs) {
         if (length <= 0)
             return {};
         const asio::const_buffer telegram(data, static_cast<std::size_t>(length));
-        const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(std::max(timeoutMs, 0));
+        Clock::time_point begun = Clock::now();
+        const Clock::time_point deadline = begun + std::chrono::milliseconds(std::max(timeoutMs, 0));
         WaitLoop::Outcome outcome;
         for (int i = 0; i < sendAttempts; ++i) {
+            begun = Clock::now();
             outcome = socket->send(end, telegram, deadline);
             if (!isAbsence(outcome.error))
                 break;
@@ -113,7 +115,7 @@ int CLinkUdp::send(const char* data, int length, int timeoutMs) {
         // A controller that is reported absent each time shows as silence, like any absent one.
         if (outcome.error && !isAbsence(outcome.error))
             return outcome.error;
-        noteSent(length);
+        noteSent(length, begun);
         return {};
     });
 }

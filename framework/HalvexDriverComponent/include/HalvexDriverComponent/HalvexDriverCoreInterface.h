@@ -27,7 +27,7 @@ struct RtuStatus {
     quint64 answers = 0;
     quint64 timeOuts = 0;
     quint64 errors = 0;
-    // From the end of a telegram to the last byte of its answer.
+    // From the start of a telegram to the last byte of its answer.
     std::chrono::microseconds lastRoundTrip{0};
     std::chrono::microseconds slowestRoundTrip{0};
 };

@@ -16,7 +16,7 @@ struct LinkFigures {
     std::uint64_t opens = 0;
 };
 
-// The time from the end of a send to the last byte received after it.
+// The time from the start of a send to the last byte received after it.
 struct RoundTrips {
     std::uint32_t count = 0;
     std::chrono::microseconds last{0};
@@ -77,7 +77,8 @@ protected:
     virtual void wake() = 0;
 
     void noteOpened();
-    void noteSent(int length);
+    // `begun`: just before the write; the answer may be there before the write returns.
+    void noteSent(int length, Clock::time_point begun);
     void noteReceived(int length);
     void noteDiscarded(int length);
 
