@@ -11,23 +11,29 @@
 
 namespace {
 
-sim::Site siteOf(LineType type, const std::vector<int>& stations, const QString& folder) {
-    const std::string device = (folder + QStringLiteral("/line")).toStdString();
+sim::LineSite lineOf(LineType type, const std::vector<int>& stations, const std::string& device) {
     switch (type) {
-    case LineType::Ethernet:
-        return {{sim::udpLine(Plant::lineId, stations)}};
     case LineType::SerialDataMode:
-        return {{sim::serialLine(Plant::lineId, stations, sim::Framing::DataMode, device)}};
+        return sim::serialLine(Plant::lineId, stations, sim::Framing::DataMode, device);
     case LineType::SerialBreakMode:
-        return {{sim::serialLine(Plant::lineId, stations, sim::Framing::BreakMode, device)}};
+        return sim::serialLine(Plant::lineId, stations, sim::Framing::BreakMode, device);
+    case LineType::Ethernet:
+        break;
     }
-    return {};
+    return sim::udpLine(Plant::lineId, stations);
+}
+
+sim::Site siteOf(LineType type, const std::vector<int>& stations, const QTemporaryDir& folder) {
+    sim::LineSite line = lineOf(type, stations, folder.filePath(QStringLiteral("line")).toStdString());
+    line.secondary = line.primary;
+    line.secondary->path = folder.filePath(QStringLiteral("secondary")).toStdString();
+    return {{line}};
 }
 
 } // namespace
 
 Plant::Plant(LineType lineType, const std::vector<int>& stations, const sim::Options& options)
-    : type(lineType), simulator(siteOf(lineType, stations, folder.path()), options),
+    : type(lineType), simulator(siteOf(lineType, stations, folder), options),
       loader(QStringLiteral(PLUGIN_FILE)) {
     core().clear();
     for (const int station : stations)
@@ -73,19 +79,15 @@ RemoteTerminalUnit Plant::rtuRecord(int station) const {
     return record;
 }
 
-std::unique_ptr<CLink> Plant::makeLink() {
+std::unique_ptr<CLink> Plant::makeLink(sim::End end) {
     if (type == LineType::Ethernet) {
         UdpSettings settings;
         settings.host = "127.0.0.1";
-        settings.port = simulator.port(lineId);
-        if (lineIsDead)
-            simulator.cut(lineId);
+        settings.port = simulator.port(lineId, end);
         return std::make_unique<CLinkUdp>(settings);
     }
     SerialSettings settings;
-    settings.device = simulator.device(lineId);
-    if (lineIsDead)
-        simulator.cut(lineId);
+    settings.device = simulator.device(lineId, end);
     return std::make_unique<CLinkSerial>(settings);
 }
 
@@ -96,7 +98,10 @@ void Plant::start() {
     ownChannel.reset(driver->createChannel(lineId));
     ownChannel->SetCommType(static_cast<int>(type == LineType::Ethernet ? Halvex::CommTypeCode::SBusEthernet
                                                                         : Halvex::CommTypeCode::SBusSerial));
-    ownChannel->SetLinks(makeLink());
+    ownChannel->SetLinks(makeLink(sim::End::Primary),
+                         hasSecondaryEnd ? makeLink(sim::End::Secondary) : nullptr);
+    if (lineIsDead)
+        simulator.cut(lineId);
     for (const auto& [station, points] : configured) {
         CRtu* const rtu = ownChannel->AddRtu(rtuRecord(station));
         for (const StatusPoint& point : points.status)

@@ -31,6 +31,8 @@ public:
     void setScanPeriods(const ScanPeriods& scanPeriods) { periods = scanPeriods; }
     // Gives the line no controllers to open: a device that is not there, a port that nobody serves.
     void leaveLineDead() { lineIsDead = true; }
+    // Gives the channel the line's other end as well.
+    void useSecondaryEnd() { hasSecondaryEnd = true; }
     void addStatusPoint(int station, unsigned number, const QString& address);
     void addAnalogPoint(int station, unsigned number, const QString& address,
                         Halvex::PointDataType type = Halvex::PointDataType::Integer);
@@ -61,7 +63,7 @@ private:
     };
 
     RemoteTerminalUnit rtuRecord(int station) const;
-    std::unique_ptr<CLink> makeLink();
+    std::unique_ptr<CLink> makeLink(sim::End end);
 
     const LineType type;
     QTemporaryDir folder; // of the serial device
@@ -71,5 +73,6 @@ private:
     ScanPeriods periods{1000, 100, 100};
     int sessionTimeOutMs = 500;
     bool lineIsDead = false;
+    bool hasSecondaryEnd = false;
     std::unique_ptr<CChannel> ownChannel;
 };

@@ -65,6 +65,28 @@ TEST_P(Recovery, ALineThatDropsTurnsBadAndReturns) {
     }
 }
 
+TEST_P(Recovery, ALineGoesOnOverItsOtherEndAndBack) {
+    using sim::End;
+    Plant plant(GetParam(), {5});
+    addOneRegister(plant, 5);
+    plant.useSecondaryEnd();
+    plant.start();
+    ASSERT_TRUE(Plant::eventually([&] { return isGoodWith(plant, 5, 11); }));
+    EXPECT_EQ(plant.channel().GetWhereLink(), 0);
+
+    plant.controllers().cut(Plant::lineId, End::Primary);
+    plant.memory(5).set(Media::Registers, 1, 41);
+    ASSERT_TRUE(Plant::eventually([&] { return isGoodWith(plant, 5, 41); }));
+    EXPECT_EQ(plant.channel().GetWhereLink(), 1);
+
+    ASSERT_EQ(plant.controllers().restore(Plant::lineId, End::Primary), "");
+    plant.controllers().cut(Plant::lineId, End::Secondary);
+    plant.memory(5).set(Media::Registers, 1, 42);
+    ASSERT_TRUE(Plant::eventually([&] { return isGoodWith(plant, 5, 42); }));
+    EXPECT_EQ(plant.channel().GetWhereLink(), 0);
+    EXPECT_EQ(plant.channel().GetChannelStatus().linkChanges, 2U);
+}
+
 TEST_P(Recovery, ALineThatComesLateIsOpenedThen) {
     Plant plant(GetParam(), {5});
     addOneRegister(plant, 5);
