@@ -65,6 +65,20 @@ TEST_P(Recovery, ALineThatDropsTurnsBadAndReturns) {
     }
 }
 
+// A serial line is drained for five seconds before it goes on.
+TEST_P(Recovery, ALineGoesOnAfterAWrongChecksum) {
+    sim::Options spoilt;
+    spoilt.faults.crc = 1;
+    Plant plant(GetParam(), {5}, spoilt);
+    addOneRegister(plant, 5);
+    plant.start();
+    ASSERT_TRUE(Plant::eventually([&] { return plant.controllers().counts(Plant::lineId).faults.crc > 0; }));
+    plant.controllers().setFaults(Plant::lineId, {});
+    EXPECT_EQ(plant.points(5)[1].quality, PointQuality::NeverRead);
+    ASSERT_TRUE(Plant::eventually([&] { return isGoodWith(plant, 5, 11); }));
+    EXPECT_GT(plant.rtu(5).GetRtuStatus().errors, 0U);
+}
+
 TEST_P(Recovery, ALineGoesOnOverItsOtherEndAndBack) {
     using sim::End;
     Plant plant(GetParam(), {5});
