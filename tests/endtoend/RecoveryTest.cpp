@@ -73,8 +73,8 @@ TEST_P(Recovery, ALineGoesOnAfterAWrongChecksum) {
     addOneRegister(plant, 5);
     plant.start();
     ASSERT_TRUE(Plant::eventually([&] { return plant.controllers().counts(Plant::lineId).faults.crc > 0; }));
-    plant.controllers().setFaults(Plant::lineId, {});
     EXPECT_EQ(plant.points(5)[1].quality, PointQuality::NeverRead);
+    plant.controllers().setFaults(Plant::lineId, {});
     ASSERT_TRUE(Plant::eventually([&] { return isGoodWith(plant, 5, 11); }));
     EXPECT_GT(plant.rtu(5).GetRtuStatus().errors, 0U);
 }
