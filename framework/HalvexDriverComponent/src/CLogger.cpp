@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <exception>
-#include <future>
 #include <mutex>
 #include <shared_mutex>
 #include <utility>
@@ -14,6 +13,10 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// How long the end of the process waits for the last lines: enough for a disk that works, and unnoticed by
+// whoever waits for the process.
+constexpr std::chrono::milliseconds lastLinesTime{100};
 
 std::string fileLine(const LogLine& line) {
     const bool isFrame = line.route == LogLine::Route::Packet;
@@ -25,8 +28,14 @@ std::string fileLine(const LogLine& line) {
 } // namespace
 
 struct CLogger::Backend {
+    Backend() = default;
+    Backend(const Backend&) = delete;
+    Backend& operator=(const Backend&) = delete;
+    ~Backend();
+
     void write(const LogLine& line);
-    void useFiles(std::unique_ptr<LogFiles> newFiles, bool traceFrames);
+    // Throws, with the files as they were, when the system has no thread or memory to give.
+    void useFiles(const LoggerSettings& settings);
     // Forgets file sets that are written out; false when one is not by the deadline.
     bool collectRetired(Clock::time_point deadline);
 
@@ -39,17 +48,12 @@ struct CLogger::Backend {
     // Guards the pointer, not the files: writers share it, configure takes it for itself for a moment. Nobody
     // keeps it while waiting for anything.
     mutable std::shared_mutex filesMutex;
-    std::unique_ptr<LogFiles> files;
+    std::shared_ptr<LogFiles> files;
     bool filesTrace = false;
 
-    // File sets of earlier settings whose last lines are on their way to the disk. The future comes after
-    // what it works on: its destructor waits.
-    struct Retired {
-        std::unique_ptr<LogFiles> files;
-        std::future<void> stopped;
-    };
+    // File sets of earlier settings whose last lines are on their way to the disk.
     mutable std::mutex retiredMutex; // changes of the list are under both mutexes
-    std::vector<Retired> retired;
+    std::vector<std::shared_ptr<LogFiles>> retired;
     std::uint64_t overrunsBefore = 0; // of file sets that are gone
 };
 
@@ -62,8 +66,16 @@ void CLogger::Backend::write(const LogLine& line) {
         files->write(line.channelId, line.rtuId, isFrame, fileLine(line));
 }
 
-void CLogger::Backend::useFiles(std::unique_ptr<LogFiles> newFiles, bool traceFrames) {
-    const bool trace = newFiles && traceFrames;
+void CLogger::Backend::useFiles(const LoggerSettings& settings) {
+    // Everything that can fail comes before the swap, the start of the threads last.
+    {
+        const std::lock_guard<std::mutex> lock(retiredMutex);
+        retired.reserve(retired.size() + 1);
+    }
+    std::shared_ptr<LogFiles> newFiles;
+    if (!settings.directory.empty())
+        newFiles = LogFiles::start(settings, counters);
+    const bool trace = newFiles && settings.traceFrames;
     {
         const std::unique_lock<std::shared_mutex> lock(filesMutex);
         watchers->addTraceViewers((trace ? 1 : 0) - (filesTrace ? 1 : 0));
@@ -72,20 +84,34 @@ void CLogger::Backend::useFiles(std::unique_ptr<LogFiles> newFiles, bool traceFr
     }
     if (!newFiles)
         return;
-    LogFiles* old = newFiles.get();
+    newFiles->end();
     const std::lock_guard<std::mutex> lock(retiredMutex);
-    retired.push_back({std::move(newFiles), std::async(std::launch::async, [old] { old->stop(); })});
+    retired.push_back(std::move(newFiles));
 }
 
 bool CLogger::Backend::collectRetired(Clock::time_point deadline) {
     while (!retired.empty()) {
-        if (retired.back().stopped.wait_until(deadline) != std::future_status::ready)
+        if (!retired.back()->waitForEnd(deadline))
             return false;
         const std::lock_guard<std::mutex> lock(retiredMutex);
-        overrunsBefore += retired.back().files->overruns();
+        overrunsBefore += retired.back()->overruns();
         retired.pop_back();
     }
     return true;
+}
+
+// The file sets that the disk keeps beyond the deadline live on until the process is gone.
+CLogger::Backend::~Backend() {
+    const auto deadline = Clock::now() + lastLinesTime;
+    if (files) {
+        files->flush(deadline);
+        files->end();
+        files->waitForEnd(deadline);
+        files->dropQueued();
+    }
+    collectRetired(deadline);
+    for (const auto& late : retired)
+        late->dropQueued();
 }
 
 CLogger::CLogger() : backend(std::make_unique<Backend>()) {}
@@ -135,12 +161,9 @@ void CLogger::configure(const LoggerSettings& settings) {
     const std::lock_guard<std::mutex> lock(backend->settingsMutex);
     backend->collectRetired(Clock::now());
     try {
-        std::unique_ptr<LogFiles> files;
-        if (!settings.directory.empty())
-            files = std::make_unique<LogFiles>(settings, backend->counters);
-        backend->useFiles(std::move(files), settings.traceFrames);
+        backend->useFiles(settings);
     } catch (const std::exception&) {
-        // The system has no thread to give: the files stay as they were, and the channels run on.
+        // The files stay as they were, and the channels run on.
         return;
     }
 }
@@ -163,7 +186,7 @@ LoggerFigures CLogger::figures() const {
         const std::lock_guard<std::mutex> lock(backend->retiredMutex);
         figures.dropped += backend->overrunsBefore;
         for (const auto& retired : backend->retired)
-            figures.dropped += retired.files->overruns();
+            figures.dropped += retired->overruns();
     }
     const std::shared_lock<std::shared_mutex> lock(backend->filesMutex);
     if (backend->files)

@@ -4,11 +4,11 @@
 
 #include <spdlog/async.h>
 #include <spdlog/async_logger.h>
-#include <spdlog/details/periodic_worker.h>
 #include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <exception>
 #include <thread>
 #include <utility>
@@ -28,7 +28,7 @@ std::string fileStem(int channelId) {
 
 } // namespace
 
-// The end of the queue. It runs on the queue's thread alone, and after that has ended in stop().
+// The end of the queue. It runs on the queue's thread alone, and after that has ended in close().
 class LogFiles::Sink final : public spdlog::sinks::base_sink<spdlog::details::null_mutex> {
 public:
     Sink(const LoggerSettings& loggerSettings, std::shared_ptr<LogCounters> sharedCounters)
@@ -41,6 +41,13 @@ public:
     void noteLost() {
         ++counters->refused;
         ++handledLines;
+    }
+
+    void dropFromNowOn() { dropping = true; }
+
+    void close() {
+        reportRepeats();
+        files.clear();
     }
 
     void reportRepeats() {
@@ -84,13 +91,12 @@ private:
     }
 
     bool put(const std::string& stem, File& file, const spdlog::details::log_msg& message) {
-        if (!file.sink && Clock::now() < file.retryAt)
+        if (dropping || (!file.sink && Clock::now() < file.retryAt))
             return false;
         try {
             if (!file.sink)
                 file.sink = open(stem);
             file.sink->log(message);
-            file.sink->flush();
             return true;
         } catch (const std::exception&) {
             file.sink.reset();
@@ -101,9 +107,15 @@ private:
 
     std::unique_ptr<spdlog::sinks::rotating_file_sink_st> open(const std::string& stem) const {
         const std::size_t rotatedFiles = std::max<std::size_t>(settings.filesPerChannel, 1) - 1;
+        // Every line goes to the disk at once. A buffer would only be one more thing to write when the
+        // process exits, which would then wait for a disk that hangs.
+        spdlog::file_event_handlers unbuffered;
+        unbuffered.after_open = [](const spdlog::filename_t&, std::FILE* file) {
+            std::setvbuf(file, nullptr, _IONBF, 0);
+        };
         auto opened = std::make_unique<spdlog::sinks::rotating_file_sink_st>(
             settings.directory + "/" + stem + ".log", std::max<std::size_t>(settings.fileBytes, 1),
-            rotatedFiles);
+            rotatedFiles, false, unbuffered);
         opened->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
         return opened;
     }
@@ -113,16 +125,24 @@ private:
     std::map<std::string, File> files;
     std::atomic<std::uint64_t> handledLines{0};
     std::atomic<std::uint64_t> handledFlushes{0};
+    std::atomic<bool> dropping{false};
 };
 
 LogFiles::LogFiles(const LoggerSettings& settings, std::shared_ptr<LogCounters> counters)
     : sink(std::make_shared<Sink>(settings, std::move(counters))),
-      pool(std::make_shared<spdlog::details::thread_pool>(std::max<std::size_t>(settings.queuedLines, 1), 1)),
-      reporter(std::make_unique<spdlog::details::periodic_worker>([this] { postFlush(); },
-                                                                  RepeatedLines::reportInterval)) {}
+      pool(std::make_shared<spdlog::details::thread_pool>(std::max<std::size_t>(settings.queuedLines, 1),
+                                                          1)) {}
 
-LogFiles::~LogFiles() {
-    stop();
+LogFiles::~LogFiles() = default;
+
+std::shared_ptr<LogFiles> LogFiles::start(const LoggerSettings& settings,
+                                          std::shared_ptr<LogCounters> counters) {
+    const std::shared_ptr<LogFiles> files(new LogFiles(settings, std::move(counters)));
+    std::thread([files] {
+        files->reportRepeatsUntilEnd();
+        files->closeFiles();
+    }).detach();
+    return files;
 }
 
 void LogFiles::write(int channelId, int rtuId, bool isFrame, const std::string& line) {
@@ -143,25 +163,46 @@ bool LogFiles::flush(Clock::time_point deadline) {
     return true;
 }
 
-void LogFiles::stop() {
-    reporter.reset();
+void LogFiles::end() {
+    const std::lock_guard<std::mutex> lock(endMutex);
+    endAsked = true;
+    endChanged.notify_all();
+}
+
+bool LogFiles::waitForEnd(Clock::time_point deadline) {
+    std::unique_lock<std::mutex> lock(endMutex);
+    return endChanged.wait_until(lock, deadline, [this] { return ended; });
+}
+
+void LogFiles::dropQueued() {
+    sink->dropFromNowOn();
+}
+
+void LogFiles::reportRepeatsUntilEnd() {
+    std::unique_lock<std::mutex> lock(endMutex);
+    while (!endChanged.wait_for(lock, RepeatedLines::reportInterval, [this] { return endAsked; }))
+        postFlush();
+}
+
+void LogFiles::closeFiles() {
     std::shared_ptr<spdlog::details::thread_pool> ending;
     {
         const std::uint64_t lost = overruns();
-        const std::lock_guard<std::mutex> lock(stopMutex);
-        overrunsAtStop = lost;
+        const std::lock_guard<std::mutex> lock(poolMutex);
+        overrunsAtEnd = lost;
         ending.swap(pool);
     }
-    if (!ending)
-        return;
-    ending.reset();
-    sink->reportRepeats();
+    ending.reset(); // waits for the disk until nothing is queued
+    sink->close();
+    const std::lock_guard<std::mutex> lock(endMutex);
+    ended = true;
+    endChanged.notify_all();
 }
 
 std::uint64_t LogFiles::overruns() const {
-    const std::lock_guard<std::mutex> lock(stopMutex);
+    const std::lock_guard<std::mutex> lock(poolMutex);
     if (!pool)
-        return overrunsAtStop;
+        return overrunsAtEnd;
     // The queue's counter includes flushes that were lost, which are those neither handled nor waiting.
     const std::uint64_t lost = pool->overrun_counter();
     const std::uint64_t flushes = postedFlushes - sink->flushes();
