@@ -3,8 +3,11 @@
 
 #include <QDir>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <thread>
 
@@ -13,6 +16,17 @@ namespace {
 class CLoggerBadDisk : public LogDirectory {
 protected:
     std::string logPath() const { return pathOf(QStringLiteral("channel-1.log")).toStdString(); }
+};
+
+// The end of a process is tried in a child, which is made before any test has started threads.
+class CLoggerBadDiskDeathTest : public CLoggerBadDisk {
+protected:
+    [[noreturn]] void logAndExit() {
+        alarm(10); // seconds; a process that does not end by itself is killed
+        configure();
+        writeNumbered(5000);
+        std::exit(0);
+    }
 };
 
 } // namespace
@@ -97,4 +111,38 @@ TEST_F(CLoggerBadDisk, DiskThatHangsDelaysNobodyAndLosesTheOldestLines) {
     EXPECT_TRUE(arrived.contains("line 4999\n"));
     EXPECT_EQ(static_cast<std::uint64_t>(arrived.count('\n')), figures().written);
     EXPECT_EQ(figures().written + figures().dropped, 5000U);
+}
+
+TEST_F(CLoggerBadDiskDeathTest, ProcessExitsWhileTheFileCannotBeOpened) {
+    ASSERT_EQ(mkfifo(logPath().c_str(), 0600), 0);
+    EXPECT_EXIT(logAndExit(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(CLoggerBadDiskDeathTest, ProcessExitsWhileFilesOfEarlierSettingsCannotBeOpened) {
+    ASSERT_EQ(mkfifo(logPath().c_str(), 0600), 0);
+    EXPECT_EXIT(
+        {
+            configure();
+            writeNumbered(1);
+            logAndExit();
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST_F(CLoggerBadDiskDeathTest, ProcessExitsWhileALineCannotBeWritten) {
+    // A pipe that is open at both ends and never read: it takes some 64 KiB, then writing waits.
+    ASSERT_EQ(mkfifo(logPath().c_str(), 0600), 0);
+    const int pipe = open(logPath().c_str(), O_RDWR);
+    ASSERT_GE(pipe, 0);
+    EXPECT_EXIT(logAndExit(), testing::ExitedWithCode(0), "");
+    close(pipe);
+}
+
+TEST_F(CLoggerBadDiskDeathTest, ExitWritesTheLastLinesToADiskThatWorks) {
+    // The exit waits for a moment only, in which a busy machine may not get round to the disk.
+    for (int attempt = 0; lines(QStringLiteral("channel-1.log")).size() < 5000 && attempt < 20; ++attempt) {
+        std::filesystem::remove(logPath());
+        EXPECT_EXIT(logAndExit(), testing::ExitedWithCode(0), "");
+    }
+    EXPECT_EQ(lines(QStringLiteral("channel-1.log")).size(), 5000);
 }
