@@ -4,9 +4,9 @@
 #include "SiteChecks.h"
 #include "TomlTable.h"
 
+#include <array>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace host {
 
@@ -19,10 +19,15 @@ constexpr int highestId = 0x7FFF'FFFF;
 
 std::optional<std::string> readWholeFile(const std::string& path) {
     std::ifstream stream(std::filesystem::u8path(path), std::ios::binary);
-    std::ostringstream contents;
-    if (!stream || !(contents << stream.rdbuf()))
+    if (!stream)
         return std::nullopt;
-    return contents.str();
+    std::string contents;
+    std::array<char, 65'536> block;
+    while (stream.read(block.data(), block.size()) || stream.gcount() > 0)
+        contents.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+    if (stream.bad()) // a directory opens like a file; its first read fails
+        return std::nullopt;
+    return contents;
 }
 
 class SiteReader {

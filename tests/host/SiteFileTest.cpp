@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QFile>
+#include <QTemporaryDir>
+
 #include <map>
 
 using host::LoadedSite;
@@ -39,6 +42,14 @@ std::vector<std::string> findings(const std::string& text) {
 const std::string ethernet = "[[channel]]\nid = 1\ntype = \"SBus-Ethernet\"\nprimary = \"udp://h:5050\"\n";
 const std::string serial = "[[channel]]\nid = 1\ntype = \"SBus-Serial\"\nprimary = \"serial:/dev/x\"\n";
 const std::string csvPoints = "points = \"pump.csv\"\n";
+
+// Its path.
+std::string writeFile(const QTemporaryDir& directory, const char* name, const std::string& text) {
+    QFile file(directory.filePath(QString::fromLatin1(name)));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text.data(), static_cast<qint64>(text.size()));
+    return file.fileName().toStdString();
+}
 
 std::string rtu(int id, const std::string& more) {
     return "[[channel.rtu]]\nid = " + std::to_string(id) + "\nstation = 5\n" + more;
@@ -209,6 +220,27 @@ TEST(SiteFile, WarnsOfWhatCannotBePolled) {
     EXPECT_FALSE(loaded.findings.hasErrors());
     EXPECT_THAT(findings(loaded), ElementsAre(HasSubstr("warning: RTU 1 has no points"),
                                               HasSubstr("warning: station 255 is the broadcast address")));
+}
+
+TEST(SiteFile, TellsAnEmptySiteFileByWhatIsMissing) {
+    const QTemporaryDir directory;
+    const std::string path = writeFile(directory, "site.toml", "");
+    EXPECT_THAT(findings(host::loadSite(path)),
+                ElementsAre(HasSubstr("site.toml:1:1: error: channel is missing")));
+}
+
+TEST(SiteFile, TellsAnEmptyPointTableAsEmpty) {
+    const QTemporaryDir directory;
+    writeFile(directory, "empty.csv", "");
+    const std::string path = writeFile(directory, "site.toml", ethernet + rtu(1, "points = \"empty.csv\"\n"));
+    EXPECT_THAT(findings(host::loadSite(path)),
+                ElementsAre(HasSubstr("empty.csv:1:1: error: empty point table")));
+}
+
+TEST(SiteFile, TellsADirectoryAsUnreadable) {
+    const QTemporaryDir directory;
+    EXPECT_THAT(findings(host::loadSite(directory.path().toStdString())),
+                ElementsAre(HasSubstr("error: cannot be read")));
 }
 
 TEST(SiteFile, TellsAFileThatIsNotThere) {
