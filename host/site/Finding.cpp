@@ -14,11 +14,16 @@ std::string toText(const Finding& finding) {
 }
 
 void Findings::error(const Place& place, const std::string& what, const std::string& remedy) {
-    list.push_back({Severity::Error, place, what, remedy});
+    add({Severity::Error, place, what, remedy});
 }
 
 void Findings::warning(const Place& place, const std::string& what, const std::string& remedy) {
-    list.push_back({Severity::Warning, place, what, remedy});
+    add({Severity::Warning, place, what, remedy});
+}
+
+void Findings::add(const Finding& finding) {
+    if (texts.insert(toText(finding)).second)
+        list.push_back(finding);
 }
 
 bool Findings::hasErrors() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,8 @@ struct Finding {
 // "file:line:column: error: what; remedy"
 std::string toText(const Finding& finding);
 
-// Everything that was found while a site was read, so that all of it can be told in one go.
+// Everything that was found while a site was read, so that all of it can be told in one go. The same finding
+// counts once, however often its file is read.
 class Findings {
 public:
     void error(const Place& place, const std::string& what, const std::string& remedy);
@@ -36,7 +38,10 @@ public:
     void sort();
 
 private:
+    void add(const Finding& finding);
+
     std::vector<Finding> list;
+    std::set<std::string> texts; // of the list
 };
 
 } // namespace host

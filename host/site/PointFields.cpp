@@ -12,6 +12,15 @@ namespace {
 constexpr unsigned highestPointId = 0x7FFF'FFFF; // above lie the numbers of hidden points
 constexpr unsigned longestPulseMs = 24 * 3'600'000;
 
+std::optional<unsigned> parseNumber(const std::string& text, unsigned lowest, unsigned highest) {
+    unsigned value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, failure] = std::from_chars(text.data(), end, value);
+    if (failure != std::errc() || rest != end || value < lowest || value > highest)
+        return std::nullopt;
+    return value;
+}
+
 // Reads the fields of one point. `good` turns false with the first finding.
 class PointReader {
 public:
@@ -54,10 +63,8 @@ private:
         const Field* const field = find(name);
         if (field == nullptr)
             return std::nullopt;
-        unsigned value = 0;
-        const char* const end = field->text.data() + field->text.size();
-        const auto [rest, failure] = std::from_chars(field->text.data(), end, value);
-        if (failure == std::errc() && rest == end && value >= lowest && value <= highest)
+        const std::optional<unsigned> value = parseNumber(field->text, lowest, highest);
+        if (value)
             return value;
         refuse(field->place, name + " \"" + field->text + "\" is out of range or no number",
                "give a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest));
@@ -156,17 +163,23 @@ std::optional<Point> readPoint(const PointFields& fields, const Place& place, Fi
     return PointReader(fields, place, findings).read();
 }
 
-void findDuplicatePoints(const std::vector<Point>& points, Findings& findings) {
-    std::map<unsigned, const Point*> firstWithId;
-    for (const Point& point : points) {
-        const auto [first, isNew] = firstWithId.try_emplace(point.id, &point);
-        if (!isNew)
-            findings.error(point.place,
-                           "point id " + std::to_string(point.id) + " is already taken by \"" +
-                               first->second->name + "\" in line " +
-                               std::to_string(first->second->place.line),
-                           "give each point of an RTU an id of its own");
-    }
+void PointIds::take(const PointFields& fields, const Place& place, Findings& findings) {
+    const auto field = fields.find("id");
+    const std::optional<unsigned> id =
+        field == fields.end() ? std::nullopt : parseNumber(field->second.text, 0, highestPointId);
+    if (!id)
+        return;
+    const auto name = fields.find("name");
+    const auto [first, isNew] =
+        takers.try_emplace(*id, Taker{name == fields.end() ? "" : name->second.text, place.line});
+    if (isNew)
+        return;
+    const Taker& taker = first->second;
+    findings.error(place,
+                   "point id " + std::to_string(*id) + " is already taken " +
+                       (taker.name.empty() ? "" : "by \"" + taker.name + "\" ") + "in line " +
+                       std::to_string(taker.line),
+                   "give each point of an RTU an id of its own");
 }
 
 } // namespace host

@@ -21,7 +21,20 @@ constexpr std::size_t neededPointFields = 4;
 // An empty field counts as left out. `place` is where the point begins.
 std::optional<Point> readPoint(const PointFields& fields, const Place& place, Findings& findings);
 
-// Two points with one number cannot be told apart: tells each but the first.
-void findDuplicatePoints(const std::vector<Point>& points, Findings& findings);
+// The ids of an RTU's points. Two points with one id cannot be told apart. Asks for the id alone, so that a
+// point with other faults takes part too.
+class PointIds {
+public:
+    // Tells when a point before has the id.
+    void take(const PointFields& fields, const Place& place, Findings& findings);
+
+private:
+    struct Taker {
+        std::string name; // empty when it has none
+        unsigned line = 0;
+    };
+
+    std::map<unsigned, Taker> takers;
+};
 
 } // namespace host

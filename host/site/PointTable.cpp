@@ -43,6 +43,15 @@ bool hasNeededColumns(const std::vector<std::string>& names) {
     return std::all_of(pointFieldNames.begin(), pointFieldNames.begin() + neededPointFields, isPresent);
 }
 
+void refuseLength(const CsvRow& row, std::size_t columns, Findings& findings) {
+    const bool tooFew = row.cells.size() < columns;
+    findings.error(tooFew ? row.end : row.cells[columns].place,
+                   "row with " + std::to_string(row.cells.size()) + " columns, where the first row names " +
+                       std::to_string(columns),
+                   tooFew ? "add what is missing; an empty cell still needs its comma"
+                          : "take out what is too much; a comma inside a cell needs quotes around it");
+}
+
 } // namespace
 
 std::vector<Point> readPointTable(const std::string& text, const std::string& file, Findings& findings) {
@@ -57,21 +66,15 @@ std::vector<Point> readPointTable(const std::string& text, const std::string& fi
     if (!hasNeededColumns(names))
         return points; // every row would be told as wrong for the header's fault
 
+    PointIds ids;
     for (auto row = rows.begin() + 1; row != rows.end(); ++row) {
-        if (row->cells.size() != names.size()) {
-            const bool tooFew = row->cells.size() < names.size();
-            findings.error(tooFew ? row->end : row->cells[names.size()].place,
-                           "row with " + std::to_string(row->cells.size()) +
-                               " columns, where the first row names " + std::to_string(names.size()),
-                           tooFew
-                               ? "add what is missing; an empty cell still needs its comma"
-                               : "take out what is too much; a comma inside a cell needs quotes around it");
-            continue;
-        }
         PointFields fields;
-        for (std::size_t i = 0; i < names.size(); ++i)
+        for (std::size_t i = 0; i < std::min(names.size(), row->cells.size()); ++i)
             fields.emplace(names[i], row->cells[i]);
-        if (std::optional<Point> point = readPoint(fields, row->start, findings))
+        ids.take(fields, row->start, findings);
+        if (row->cells.size() != names.size())
+            refuseLength(*row, names.size(), findings);
+        else if (std::optional<Point> point = readPoint(fields, row->start, findings))
             points.push_back(std::move(*point));
     }
     return points;

@@ -5,8 +5,8 @@
 namespace host {
 
 // The points of a table of comma-separated values whose first row names the columns. Whatever is wrong is
-// told with its line and column; the rows without a fault are returned all the same, so that the checks
-// that come later see them.
+// told with its line and column, ids taken twice included; the rows without a fault are returned all the
+// same, so that the checks that come later see them.
 std::vector<Point> readPointTable(const std::string& text, const std::string& file, Findings& findings);
 
 } // namespace host

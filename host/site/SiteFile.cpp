@@ -179,9 +179,9 @@ private:
                                   "keep one of the two");
         if (csv)
             readCsvPoints(*csv, rtu);
+        PointIds ids;
         for (const toml::table* const one : table.tables("point"))
-            readInlinePoint(*one, rtu);
-        findDuplicatePoints(rtu.points, loaded.findings);
+            readInlinePoint(*one, rtu, ids);
     }
 
     void readCsvPoints(const Field& csv, Rtu& rtu) {
@@ -194,13 +194,14 @@ private:
                                   "name a file that is there and readable, relative to the site file");
     }
 
-    void readInlinePoint(const toml::table& source, Rtu& rtu) {
+    void readInlinePoint(const toml::table& source, Rtu& rtu, PointIds& ids) {
         TomlTable table(source, file, loaded.findings);
         PointFields fields;
         for (const std::string& name : pointFieldNames)
             if (std::optional<Field> field = table.textOrInteger(name))
                 fields.emplace(name, std::move(*field));
         table.rejectUnknownKeys();
+        ids.take(fields, table.place(), loaded.findings);
         if (std::optional<Point> point = readPoint(fields, table.place(), loaded.findings))
             rtu.points.push_back(std::move(*point));
     }

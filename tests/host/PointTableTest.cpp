@@ -104,6 +104,19 @@ TEST(PointTable, TellsEveryFaultOfARow) {
     EXPECT_TRUE(table.points.empty());
 }
 
+TEST(PointTable, TellsAnIdTakenTwiceWhateverElseIsWrongWithItsRows) {
+    EXPECT_THAT(read("id,name,kind,address\n3,A,status,X5\n3,B,status,F5\n").findings,
+                ElementsAre(HasSubstr("p.csv:2:12: error: address \"X5\" fits no media"),
+                            HasSubstr("p.csv:3:1: error: point id 3 is already taken by \"A\" in line 2")));
+    EXPECT_THAT(read("id,name,kind,address\n3,,status,F1\n3,B,status\n").findings,
+                ElementsAre(HasSubstr("p.csv:2:3: error: point without name"),
+                            HasSubstr("p.csv:3:1: error: point id 3 is already taken in line 2"),
+                            HasSubstr("p.csv:3:11: error: row with 3 columns")));
+    EXPECT_THAT(
+        read("id,name,kind,address\nx,A,status,F1\nx,B,status,F2\n").findings,
+        ElementsAre(HasSubstr("p.csv:2:1: error: id \"x\""), HasSubstr("p.csv:3:1: error: id \"x\"")));
+}
+
 TEST(PointTable, LeavesTheNumbersOfHiddenPointsFree) {
     EXPECT_TRUE(read("id,name,kind,address\n2147483647,A,status,I1\n").findings.empty());
     EXPECT_EQ(read("id,name,kind,address\n2147483648,A,status,I1\n").findings.size(), 1U);

@@ -209,6 +209,14 @@ TEST(SiteFile, TellsFaultsOfAPointTableWithItsName) {
                             HasSubstr("sites/bad.csv:3:12: error: address R1 does not fit")));
 }
 
+TEST(SiteFile, TellsFaultsOfAPointTableOnceThoughTwoRtusUseIt) {
+    pointTables["sites/shared.csv"] = "id,name,kind,address\n1,A,status\n2,B,status,R1\n";
+    const std::string points = "points = \"shared.csv\"\n";
+    EXPECT_THAT(findings(ethernet + rtu(1, points) + rtu(2, points)),
+                ElementsAre(HasSubstr("sites/shared.csv:2:11: error: row with 3 columns"),
+                            HasSubstr("sites/shared.csv:3:12: error: address R1 does not fit")));
+}
+
 TEST(SiteFile, TellsASyntaxErrorWithItsPlace) {
     const std::vector<std::string> texts = findings("[[channel]]\nid = = 1\n");
     ASSERT_EQ(texts.size(), 1U);
