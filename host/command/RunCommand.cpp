@@ -73,7 +73,7 @@ std::vector<RtuFigures> figuresOf(const HostRuntime& runtime, const RunLog& log)
 std::vector<RtuOutcome> outcomesOf(const HostRuntime& runtime, const ValueStore& store, const RunLog& log) {
     std::vector<RtuOutcome> outcomes = collectOutcomes(figuresOf(runtime, log), store);
     for (RtuOutcome& outcome : outcomes)
-        outcome.protocolError = log.protocolError(outcome.figures.channel->id, outcome.figures.rtu->id);
+        outcome.wasRefused = log.wasRefused(outcome.figures.channel->id, outcome.figures.rtu->id);
     return outcomes;
 }
 

@@ -2,7 +2,6 @@
 
 #include "TableLayout.h"
 #include "ValueText.h"
-#include "runtime/FailureText.h"
 
 #include <algorithm>
 
@@ -24,7 +23,7 @@ ExitStatus judge(const RtuOutcome& outcome) {
     const RtuStatus& status = outcome.figures.status;
     if (!rtu.enabled || rtu.points.empty())
         return ExitStatus::Good; // nobody asks it
-    if (status.answers == 0 && isRefusal(outcome.protocolError))
+    if (outcome.wasRefused && outcome.badPoints + outcome.neverReadPoints > 0)
         return ExitStatus::Refused;
     return status.answers == 0 || !status.connected ? ExitStatus::CommunicationFailed : ExitStatus::Good;
 }

@@ -8,7 +8,7 @@ namespace host {
 // How the run went for one RTU.
 struct RtuOutcome {
     RtuFigures figures;
-    std::string protocolError; // the last one; empty when there was none
+    bool wasRefused = false; // the last of its requests that failed
     std::size_t goodPoints = 0;
     std::size_t badPoints = 0;
     std::size_t neverReadPoints = 0;
@@ -18,8 +18,9 @@ enum class ExitStatus { Good = 0, CommunicationFailed = 1, Configuration = 2, Re
 
 std::vector<RtuOutcome> collectOutcomes(const std::vector<RtuFigures>& figures, const ValueStore& store);
 
-// Communication has failed when an enabled RTU that has points gave no answer or is not connected at the end;
-// an RTU without an answer whose last failure was a refusal counts as refused instead.
+// Communication has failed when an enabled RTU that has points gave no answer or is not connected at the end.
+// An RTU with points that are bad or were never read, whose last failure was a refusal, counts as refused
+// instead.
 ExitStatus judge(const std::vector<RtuOutcome>& outcomes);
 
 // A line per RTU under a heading.

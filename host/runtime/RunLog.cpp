@@ -26,8 +26,11 @@ void RunLog::take(const LogLine& line) {
 }
 
 void RunLog::takeFrameLine(const LogLine& line) {
+    const Source source{line.channelId, line.rtuId};
     if (line.packetType == Halvex::PacketType::ProtocolError)
-        protocolErrors[{line.channelId, line.rtuId}] = line.text.toStdString();
+        protocolErrors[source] = line.text.toStdString();
+    else if (line.packetType == Halvex::PacketType::Sent)
+        protocolErrors[source].clear(); // silence that follows is no refusal
     noteAnswerBytes(line);
     if (!tellFrames)
         return;
@@ -49,8 +52,8 @@ void RunLog::noteHiddenRefusal(const LogLine& line, const Channel& channel, cons
     if (rtu == nullptr || channel.type != LineType::Serial || !line.text.contains(QStringLiteral("Timeout")))
         return;
     const Source source{line.channelId, line.rtuId};
-    const bool refused = isRefusedRead(rtu->transmitType, answerBytes[source]);
-    protocolErrors[source] = refused ? "Nak Error" : "";
+    const bool isRefused = isRefusedRead(rtu->transmitType, answerBytes[source]);
+    protocolErrors[source] = isRefused ? "Nak Error" : "";
 }
 
 void RunLog::noteSilence(const LogLine& line) {
@@ -63,6 +66,17 @@ void RunLog::noteSilence(const LogLine& line) {
         silent.erase(source);
 }
 
+void RunLog::noteRefusal(const LogLine& line) {
+    const Source source{line.channelId, line.rtuId};
+    if (line.level == Halvex::LogLevel::Success)
+        return;
+    const bool isChannelError = line.text.contains(QStringLiteral("Chennel Error"));
+    if (!isChannelError && isRefusal(protocolErrors[source]))
+        refused.insert(source);
+    else
+        refused.erase(source);
+}
+
 void RunLog::takeLogLine(const LogLine& line) {
     const Source source{line.channelId, line.rtuId};
     const Channel* const channel = findChannel(line.channelId);
@@ -71,6 +85,7 @@ void RunLog::takeLogLine(const LogLine& line) {
     const Rtu* const rtu = findRtu(line.channelId, line.rtuId);
     noteHiddenRefusal(line, *channel, rtu);
     noteSilence(line);
+    noteRefusal(line);
     std::optional<std::string> message;
     if (line.level == Halvex::LogLevel::Success)
         message = collapser.succeeded(source, nameOf(*channel, rtu));
@@ -100,10 +115,9 @@ std::vector<std::string> RunLog::takeMessages() {
     return taken;
 }
 
-std::string RunLog::protocolError(int channelId, int rtuId) const {
+bool RunLog::wasRefused(int channelId, int rtuId) const {
     const std::lock_guard<std::mutex> lock(mutex);
-    const auto found = protocolErrors.find({channelId, rtuId});
-    return found == protocolErrors.end() ? std::string() : found->second;
+    return refused.count({channelId, rtuId}) > 0;
 }
 
 bool RunLog::isSilent(int channelId, int rtuId) const {

@@ -14,7 +14,7 @@
 namespace host {
 
 // Follows the log of a running site: makes messages of its failures, frames of its trace if they are wanted,
-// and remembers how each RTU last refused or garbled an answer. Lines arrive on the channels' threads; the
+// and remembers how the last requests of each RTU failed. Lines arrive on the channels' threads; the
 // rest is for any thread. The site outlives it.
 class RunLog {
 public:
@@ -22,8 +22,9 @@ public:
 
     // What is to be told since the last call.
     std::vector<std::string> takeMessages();
-    // The last protocol error of an RTU; empty when it has had none.
-    std::string protocolError(int channelId, int rtuId) const;
+    // Whether the last request of an RTU that failed was refused by the controller. Answers to other requests
+    // do not change that: one kind of poll may be refused for ever while the others are answered.
+    bool wasRefused(int channelId, int rtuId) const;
     // Whether the last request of an RTU found no answer. The RTU's own connected flag does not tell: each
     // time the line is opened anew it is set before anything has answered.
     bool isSilent(int channelId, int rtuId) const;
@@ -37,6 +38,7 @@ private:
     void noteHiddenRefusal(const LogLine& line, const Channel& channel, const Rtu* rtu);
     void takeLogLine(const LogLine& line);
     void noteSilence(const LogLine& line);
+    void noteRefusal(const LogLine& line);
     void tell(const std::string& message);
     const Channel* findChannel(int channelId) const;
     const Rtu* findRtu(int channelId, int rtuId) const;
@@ -46,9 +48,10 @@ private:
 
     mutable std::mutex mutex; // guards what follows
     FailureCollapser collapser;
-    std::map<Source, std::string> protocolErrors;
-    std::map<Source, std::string> answerBytes; // the first line of the last answer's hex dump
+    std::map<Source, std::string> protocolErrors; // of the last telegram; empty when it had none
+    std::map<Source, std::string> answerBytes;    // the first line of the last answer's hex dump
     std::set<Source> silent;
+    std::set<Source> refused;
     std::vector<std::string> messages;
     std::size_t lostMessages = 0;
 

@@ -25,6 +25,13 @@ void writeFrame(PacketType type, const QString& header, const char* hex) {
     CLogger::GetInstance()->writeConPacket(4, 7, type, QString::fromLatin1(hex), false);
 }
 
+void writeRefusal() {
+    writeFrame(PacketType::Sent, sentHeader, "B5 00 05 ");
+    CLogger::GetInstance()->writeConPacket(4, 7, PacketType::ProtocolError, QStringLiteral("Ack Error: 1"),
+                                           true);
+    writeResult(LogLevel::RequestFailure, "Request result : Bad Data");
+}
+
 host::Site serialSite() {
     host::Site site = smallSite();
     site.channels[0].type = host::LineType::Serial;
@@ -46,13 +53,30 @@ TEST(RunLog, TellsFailuresAndTheirEndButNotSuccess) {
     EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("answers again")));
 }
 
-TEST(RunLog, RemembersTheLastProtocolError) {
+TEST(RunLog, RemembersARefusalThroughAnswersToOtherPolls) {
     const host::Site site = smallSite();
     RunLog log(site, false);
-    CLogger::GetInstance()->writeConPacket(4, 7, PacketType::ProtocolError, QStringLiteral("Ack Error: 1"),
-                                           true);
-    EXPECT_EQ(log.protocolError(4, 7), "Ack Error: 1");
-    EXPECT_EQ(log.protocolError(4, 8), "");
+    writeRefusal();
+    EXPECT_TRUE(log.wasRefused(4, 7));
+    EXPECT_FALSE(log.wasRefused(4, 8));
+    writeFrame(PacketType::Sent, sentHeader, "B5 00 05 ");
+    EXPECT_TRUE(log.wasRefused(4, 7));
+    writeResult(LogLevel::Success, "Request result : Success");
+    EXPECT_TRUE(log.wasRefused(4, 7));
+}
+
+TEST(RunLog, TellsSilenceAfterARefusalAsSilence) {
+    const host::Site site = smallSite();
+    for (const char* const result : {"Request result : Timeout", "Request result : Chennel Error"}) {
+        RunLog log(site, false);
+        writeRefusal();
+        log.takeMessages();
+        writeFrame(PacketType::Sent, sentHeader, "B5 00 05 ");
+        writeResult(LogLevel::RequestFailure, result);
+        EXPECT_FALSE(log.wasRefused(4, 7)) << result;
+        EXPECT_TRUE(log.isSilent(4, 7)) << result;
+        EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("no complete answer"))) << result;
+    }
 }
 
 TEST(RunLog, KnowsARefusalThatTheDriverTakesForACutAnswer) {
@@ -60,12 +84,12 @@ TEST(RunLog, KnowsARefusalThatTheDriverTakesForACutAnswer) {
     RunLog log(site, false);
     writeFrame(PacketType::Received, receivedHeader, "B5 02 00 01 33 D5 00 00 ");
     writeResult(LogLevel::RequestFailure, "Request result : Timeout");
-    EXPECT_EQ(log.protocolError(4, 7), "Nak Error");
+    EXPECT_TRUE(log.wasRefused(4, 7));
     EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("refused")));
     // Silence afterwards is silence.
     writeFrame(PacketType::Received, receivedHeader, "00 00 00 00 00 00 00 00 ");
     writeResult(LogLevel::RequestFailure, "Request result : Timeout");
-    EXPECT_EQ(log.protocolError(4, 7), "");
+    EXPECT_FALSE(log.wasRefused(4, 7));
 }
 
 TEST(RunLog, ShowsFramesWhenAskedTo) {

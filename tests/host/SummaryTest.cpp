@@ -11,13 +11,19 @@ namespace {
 
 class Summary : public testing::Test {
 protected:
-    RtuOutcome outcome(bool connected, quint64 answers, const std::string& protocolError = "") {
+    RtuOutcome outcome(bool connected, quint64 answers) {
         RtuOutcome result;
         result.figures.channel = &site.channels[0];
         result.figures.rtu = &site.channels[0].rtus[0];
         result.figures.status.connected = connected;
         result.figures.status.answers = answers;
-        result.protocolError = protocolError;
+        return result;
+    }
+
+    RtuOutcome refused(bool connected, quint64 answers) {
+        RtuOutcome result = outcome(connected, answers);
+        result.wasRefused = true;
+        result.neverReadPoints = 1;
         return result;
     }
 
@@ -36,12 +42,24 @@ TEST_F(Summary, HasFailedWhenAnRtuNeverAnsweredOrIsGone) {
 }
 
 TEST_F(Summary, IsRefusedWhenRefusalsAreAllThatCame) {
-    EXPECT_EQ(host::judge({outcome(true, 3), outcome(false, 0, "Ack Error: 1")}), ExitStatus::Refused);
-    EXPECT_EQ(host::judge({outcome(false, 0, "Nak Error")}), ExitStatus::Refused);
-    EXPECT_EQ(host::judge({outcome(false, 0, "CRC Error")}), ExitStatus::CommunicationFailed);
-    EXPECT_EQ(host::judge({outcome(true, 5, "Nak Error")}), ExitStatus::Good);
-    EXPECT_EQ(host::judge({outcome(false, 0, "Nak Error"), outcome(false, 0)}),
-              ExitStatus::CommunicationFailed);
+    EXPECT_EQ(host::judge({outcome(true, 3), refused(false, 0)}), ExitStatus::Refused);
+    EXPECT_EQ(host::judge({refused(false, 0), outcome(false, 0)}), ExitStatus::CommunicationFailed);
+}
+
+TEST_F(Summary, IsRefusedWhenOneKindOfPollIsAnsweredAndAnotherRefused) {
+    RtuOutcome partly = refused(true, 5);
+    EXPECT_EQ(host::judge({partly}), ExitStatus::Refused);
+    partly.figures.status.connected = false; // the refusal came last
+    EXPECT_EQ(host::judge({partly}), ExitStatus::Refused);
+    partly.neverReadPoints = 0;
+    partly.badPoints = 1;
+    EXPECT_EQ(host::judge({partly}), ExitStatus::Refused);
+}
+
+TEST_F(Summary, IsGoodWhenEveryPointWasReadAfterARefusal) {
+    RtuOutcome recovered = refused(true, 5);
+    recovered.neverReadPoints = 0;
+    EXPECT_EQ(host::judge({recovered}), ExitStatus::Good);
 }
 
 TEST_F(Summary, LeavesRtusOutThatNobodyPolls) {
