@@ -5,17 +5,22 @@
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
 
-#include <map>
+#include <string>
+#include <vector>
 
 namespace {
 
 using host::ExitStatus;
 using host::OutputFormat;
 
-const std::map<std::string, OutputFormat> formats = {{"table", OutputFormat::Table},
-                                                     {"lines", OutputFormat::Lines},
-                                                     {"json", OutputFormat::Json},
-                                                     {"csv", OutputFormat::Csv}};
+const std::vector<std::string> formatNames = {"table", "lines", "json", "csv"};
+
+OutputFormat formatNamed(const std::string& name) {
+    return name == "table"  ? OutputFormat::Table
+           : name == "json" ? OutputFormat::Json
+           : name == "csv"  ? OutputFormat::Csv
+                            : OutputFormat::Lines;
+}
 
 const char* const exitStatusHelp =
     "Exit status: 0 good, 1 communication failed, 2 usage or configuration, 4 the "
@@ -38,7 +43,7 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
     struct Given {
         host::RunOptions options;
         std::string duration;
-        OutputFormat format = OutputFormat::Lines;
+        std::string format;
     };
     CLI::App* const command =
         program.add_subcommand("run", "Poll the controllers of a site and show their values");
@@ -46,21 +51,21 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
     command->add_option("SITE", given->options.sitePath, "Site file")->required();
     command->add_option("--for", given->duration, "End after this time, such as 10s; without it at Ctrl-C")
         ->check(durationFault);
-    const CLI::Option* const format =
-        command
-            ->add_option("--format", given->format, "table (on a terminal), lines (elsewhere), json or csv")
-            ->transform(CLI::CheckedTransformer(formats))
-            ->type_name("FORMAT");
+    command
+        ->add_option("--format", given->format,
+                     "How values are shown; without it table on a terminal, lines elsewhere")
+        ->check(CLI::IsMember(formatNames))
+        ->type_name("FORMAT");
     command->add_flag("--frames", given->options.frames, "Show every telegram as hex on standard error");
     command->add_option("--log-dir", given->options.logDirectory,
                         "Write a log file per channel into this directory");
     command->add_option("--plugin", given->options.pluginPath,
                         "Driver plug-in; without it SBusDriver beside this program");
-    command->callback([given, format, &status] {
+    command->callback([given, &status] {
         if (!given->duration.empty())
             given->options.duration = host::parseDuration(given->duration);
-        if (format->count() > 0)
-            given->options.format = given->format;
+        if (!given->format.empty())
+            given->options.format = formatNamed(given->format);
         status = host::runSite(given->options);
     });
 }

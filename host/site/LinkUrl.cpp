@@ -48,7 +48,7 @@ ParsedLink parseUdp(const std::string& rest) {
     if (!port.empty()) {
         const std::optional<unsigned> number = parseNumber(port.substr(1), 1, 65535);
         if (port[0] != ':' || !number)
-            return refuse("\"" + port + "\" is no port", udpExample);
+            return refuse("\"" + port + "\" is no port from 1 to 65535", udpExample);
         end.port = *number;
     }
     return {end, {}, {}};

@@ -49,6 +49,10 @@ TEST(LinkUrl, IsRefusedWithWhatWouldBeRight) {
     }
 }
 
+TEST(LinkUrl, TellsTheRangeOfPorts) {
+    EXPECT_EQ(parseLinkUrl("udp://1.2.3.4:99999").what, "\":99999\" is no port from 1 to 65535");
+}
+
 TEST(LinkUrl, SurvivesTheWayThroughItsText) {
     for (const char* const url :
          {"udp://10.0.0.1:5050", "udp://[::1]:5050", "serial:/dev/x?baud=1200&parity=odd&stop=2"})

@@ -81,12 +81,21 @@ TEST_F(Program, EndsWithTwoOnWrongUsage) {
     EXPECT_EQ(run({QStringLiteral("fly")}).status, 2);
     EXPECT_EQ(run({QStringLiteral("run")}).status, 2);
     EXPECT_EQ(run({QStringLiteral("run"), site, QStringLiteral("--for"), QStringLiteral("10")}).status, 2);
-    EXPECT_EQ(run({QStringLiteral("run"), site, QStringLiteral("--format"), QStringLiteral("xml")}).status,
-              2);
+    for (const char* const format : {"xml", "0", ""})
+        EXPECT_EQ(run({QStringLiteral("run"), site, QStringLiteral("--format"), QString::fromLatin1(format)})
+                      .status,
+                  2)
+            << format;
     EXPECT_EQ(
         run({QStringLiteral("run"), site, QStringLiteral("--plugin"), QStringLiteral("/no/such.so")}).status,
         2);
     EXPECT_EQ(run({QStringLiteral("--help")}).status, 0);
+}
+
+TEST_F(Program, NamesTheFormatsInItsHelp) {
+    const Ending ending = run({QStringLiteral("run"), QStringLiteral("--help")});
+    EXPECT_EQ(ending.status, 0);
+    EXPECT_THAT(ending.output, HasSubstr("{table,lines,json,csv}"));
 }
 
 TEST_F(Program, EndsWithOneWhenAControllerIsSilent) {
