@@ -62,16 +62,16 @@ void showUntilDone(const RunOptions& options, Output& output, RunLog& log) {
     }
 }
 
-std::vector<RtuFigures> figuresOf(const HostRuntime& runtime, const RunLog& log) {
-    std::vector<RtuFigures> figures = runtime.rtuFigures();
-    for (RtuFigures& one : figures)
+SiteFigures figuresOf(const HostRuntime& runtime, const RunLog& log) {
+    SiteFigures figures{runtime.channelFigures(), runtime.rtuFigures()};
+    for (RtuFigures& one : figures.rtus)
         if (log.isSilent(one.channel->id, one.rtu->id))
             one.status.connected = false;
     return figures;
 }
 
 std::vector<RtuOutcome> outcomesOf(const HostRuntime& runtime, const ValueStore& store, const RunLog& log) {
-    std::vector<RtuOutcome> outcomes = collectOutcomes(figuresOf(runtime, log), store);
+    std::vector<RtuOutcome> outcomes = collectOutcomes(figuresOf(runtime, log).rtus, store);
     for (RtuOutcome& outcome : outcomes)
         outcome.wasRefused = log.wasRefused(outcome.figures.channel->id, outcome.figures.rtu->id);
     return outcomes;
@@ -94,11 +94,12 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     // What counts is how things stood at the end of the run, not what closing the lines makes of it.
     store.freeze();
     const std::vector<RtuOutcome> outcomes = outcomesOf(runtime, store, log);
+    const std::vector<ChannelFigures> channels = runtime.channelFigures();
     output->tell(log.takeMessages());
     output->finish();
     runtime.stop();
     CLogger::GetInstance()->flush(logFlushMs);
-    (isForReading(format) ? std::cout : std::cerr) << summaryText(outcomes) << std::flush;
+    (isForReading(format) ? std::cout : std::cerr) << summaryText(outcomes, channels) << std::flush;
     if (store.lostChanges() > 0)
         std::cerr << store.lostChanges() << " changes were lost: they came faster than the output was read\n";
     return judge(outcomes);

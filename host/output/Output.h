@@ -8,7 +8,7 @@
 namespace host {
 
 class ValueStore;
-struct RtuFigures;
+struct SiteFigures;
 
 enum class OutputFormat { Table, Lines, Json, Csv };
 
@@ -27,8 +27,8 @@ public:
     virtual void finish() = 0;
 };
 
-// Tells how the RTUs stand.
-using FiguresSource = std::function<std::vector<RtuFigures>()>;
+// Tells how channels and RTUs stand.
+using FiguresSource = std::function<SiteFigures()>;
 
 // The store outlives the output. `title` heads the table.
 std::unique_ptr<Output> makeOutput(OutputFormat format, const std::string& title, ValueStore& store,

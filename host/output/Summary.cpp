@@ -1,5 +1,6 @@
 #include "Summary.h"
 
+#include "ChannelText.h"
 #include "TableLayout.h"
 #include "ValueText.h"
 
@@ -77,7 +78,8 @@ ExitStatus judge(const std::vector<RtuOutcome>& outcomes) {
     return worst;
 }
 
-std::string summaryText(const std::vector<RtuOutcome>& outcomes) {
+std::string summaryText(const std::vector<RtuOutcome>& outcomes,
+                        const std::vector<ChannelFigures>& channels) {
     std::vector<Row> rows{{"RTU", "requests", "answers", "time-outs", "errors", "last", "slowest", "good",
                            "bad", "never read"}};
     for (const RtuOutcome& outcome : outcomes)
@@ -91,6 +93,11 @@ std::string summaryText(const std::vector<RtuOutcome>& outcomes) {
         for (std::size_t i = 0; i < row.size(); ++i)
             text += (i == 0 ? "" : "  ") + fitText(row[i], widths[i], i > 0);
         text += '\n';
+    }
+    for (const ChannelFigures& one : channels) {
+        const std::string trouble = troubleText(one.status);
+        if (!trouble.empty())
+            text += one.channel->name + "  " + endInUseText(one) + trouble + '\n';
     }
     return text;
 }

@@ -23,7 +23,7 @@ std::vector<RtuOutcome> collectOutcomes(const std::vector<RtuFigures>& figures, 
 // instead.
 ExitStatus judge(const std::vector<RtuOutcome>& outcomes);
 
-// A line per RTU under a heading.
-std::string summaryText(const std::vector<RtuOutcome>& outcomes);
+// A line per RTU under a heading, then one per channel on whose line something has gone wrong.
+std::string summaryText(const std::vector<RtuOutcome>& outcomes, const std::vector<ChannelFigures>& channels);
 
 } // namespace host

@@ -1,5 +1,6 @@
 #include "TableLayout.h"
 
+#include "ChannelText.h"
 #include "ValueText.h"
 
 #include <algorithm>
@@ -89,17 +90,22 @@ private:
         return headings;
     }
 
-    static std::string channelHeading(const Channel& channel) {
-        return channel.name + "  " + toText(channel.type) + "  " + toText(channel.primary);
+    std::string channelHeading(const Channel& channel) const {
+        ChannelFigures figures{&channel, {}};
+        for (const ChannelFigures& one : contents.figures.channels)
+            if (one.channel == &channel)
+                figures = one;
+        return channel.name + "  " + toText(channel.type) + "  " + endInUseText(figures) +
+               troubleText(figures.status);
     }
 
     std::string rtuHeading(const Rtu& rtu) const {
         std::string text = " " + rtu.name + "  station " + std::to_string(rtu.station);
         if (!rtu.enabled)
             return text + "  disabled";
-        const auto figures = std::find_if(contents.figures.begin(), contents.figures.end(),
+        const auto figures = std::find_if(contents.figures.rtus.begin(), contents.figures.rtus.end(),
                                           [&rtu](const RtuFigures& one) { return one.rtu == &rtu; });
-        if (figures == contents.figures.end())
+        if (figures == contents.figures.rtus.end())
             return text;
         const RtuStatus& status = figures->status;
         return text + (status.connected ? "  connected" : "  NOT CONNECTED") + "  " +

@@ -12,7 +12,7 @@ struct TableContents {
     qint64 nowMs = 0; // since 1970: what ages are counted from
     const std::vector<PointRef>* points = nullptr;
     std::vector<PointState> states; // of the points
-    std::vector<RtuFigures> figures;
+    SiteFigures figures;
     std::vector<std::string> messages; // the newest last; as many as find room
 };
 

@@ -17,14 +17,15 @@ std::string cannotOpen(const Channel& channel) {
                 : "; check the host name and the network");
 }
 
-std::string noAnswer(const Channel& channel, const Rtu& rtu) {
+std::string noAnswer(const Channel& channel, const Rtu& rtu, bool onSecondary) {
+    const LinkEnd& end = onSecondary && channel.secondary ? *channel.secondary : channel.primary;
     std::string text = "no complete answer within " + std::to_string(rtu.timeout.count()) +
                        " ms; check that the controller is on and has station number " +
                        std::to_string(rtu.station);
     if (channel.type == LineType::Ethernet)
-        return text + ", and that " + toText(channel.primary) + " is its address";
-    const SerialEnd* const serial = std::get_if<SerialEnd>(&channel.primary);
-    return text + ", the cable, and that it is set to " +
+        return text + ", and that " + toText(end) + " is its address";
+    const SerialEnd* const serial = std::get_if<SerialEnd>(&end);
+    return text + ", the cable at " + (serial == nullptr ? "" : serial->device) + ", and that it is set to " +
            std::to_string(serial == nullptr ? 0 : serial->baud) + " baud and transmit type " +
            toText(rtu.transmitType);
 }
@@ -44,14 +45,14 @@ std::string badAnswer(const Channel& channel, const std::string& protocolError) 
 }
 
 std::string whatHappened(const Channel& channel, const Rtu* rtu, const std::string& logText,
-                         const std::string& protocolError) {
+                         const std::string& protocolError, bool onSecondary) {
     if (contains(logText, "Error opening channel"))
         return cannotOpen(channel);
     if (rtu != nullptr && contains(logText, "Timeout") && !isRefusal(protocolError))
-        return noAnswer(channel, *rtu);
+        return noAnswer(channel, *rtu, onSecondary);
     if (rtu != nullptr && contains(logText, "Chennel Error"))
         return channel.type == LineType::Ethernet
-                   ? noAnswer(channel, *rtu)
+                   ? noAnswer(channel, *rtu, onSecondary)
                    : "the line failed; check that device and cable are still plugged in";
     if (contains(logText, "Bad Data") || contains(logText, "Timeout"))
         return badAnswer(channel, protocolError);
@@ -80,8 +81,8 @@ std::string nameOf(const Channel& channel, const Rtu* rtu) {
 }
 
 std::string failureText(const Channel& channel, const Rtu* rtu, const std::string& logText,
-                        const std::string& protocolError) {
-    return nameOf(channel, rtu) + ": " + whatHappened(channel, rtu, logText, protocolError);
+                        const std::string& protocolError, bool onSecondary) {
+    return nameOf(channel, rtu) + ": " + whatHappened(channel, rtu, logText, protocolError, onSecondary);
 }
 
 } // namespace host

@@ -13,9 +13,10 @@ bool isRefusal(const std::string& protocolError);
 bool isRefusedRead(TransmitType type, const std::string& hexBytes);
 
 // A failure in the driver's log, told so that somebody can act on it: channel, RTU, what happened, what to
-// check. `rtu` is null for the channel itself; `protocolError` is the last one of the RTU in the frame trace.
+// check. `rtu` is null for the channel itself; `protocolError` is the last one of the RTU in the frame trace;
+// `onSecondary` tells that the secondary end is the one in use.
 std::string failureText(const Channel& channel, const Rtu* rtu, const std::string& logText,
-                        const std::string& protocolError);
+                        const std::string& protocolError, bool onSecondary = false);
 
 // "channel 1 "waterworks", RTU 2 "tank" (station 5)"
 std::string nameOf(const Channel& channel, const Rtu* rtu);

@@ -108,6 +108,13 @@ std::vector<RtuFigures> HostRuntime::rtuFigures() const {
     return figures;
 }
 
+std::vector<ChannelFigures> HostRuntime::channelFigures() const {
+    std::vector<ChannelFigures> figures;
+    for (const RunningChannel& running : channels)
+        figures.push_back({running.configured, running.channel->GetChannelStatus()});
+    return figures;
+}
+
 ChannelStatus HostRuntime::channelStatus(const Channel& channel) const {
     const RunningChannel* const running = find(channel.id);
     return running == nullptr ? ChannelStatus() : running->channel->GetChannelStatus();

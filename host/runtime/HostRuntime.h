@@ -24,6 +24,17 @@ struct RtuFigures {
     RtuStatus status;
 };
 
+// How a channel of the site stands.
+struct ChannelFigures {
+    const Channel* channel = nullptr;
+    ChannelStatus status;
+};
+
+struct SiteFigures {
+    std::vector<ChannelFigures> channels;
+    std::vector<RtuFigures> rtus;
+};
+
 // A site at work: the plug-in, a channel per line, their threads. Main thread alone.
 // States: made, running (after start), stopped (after stop, for good). Site and core outlive it.
 class HostRuntime {
@@ -40,6 +51,7 @@ public:
     void stop();
 
     std::vector<RtuFigures> rtuFigures() const;
+    std::vector<ChannelFigures> channelFigures() const;
     ChannelStatus channelStatus(const Channel& channel) const;
     // Null when there is none.
     CRtu* findRtu(int channelId, int rtuId) const;

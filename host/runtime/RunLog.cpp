@@ -66,6 +66,15 @@ void RunLog::noteSilence(const LogLine& line) {
         silent.erase(source);
 }
 
+void RunLog::noteEndInUse(const LogLine& line) {
+    if (line.rtuId != 0 || line.level != Halvex::LogLevel::Success)
+        return;
+    if (line.text.startsWith(QStringLiteral("Secondary")))
+        onSecondary.insert(line.channelId);
+    else
+        onSecondary.erase(line.channelId);
+}
+
 void RunLog::noteRefusal(const LogLine& line) {
     const Source source{line.channelId, line.rtuId};
     if (line.level == Halvex::LogLevel::Success)
@@ -84,15 +93,17 @@ void RunLog::takeLogLine(const LogLine& line) {
         return;
     const Rtu* const rtu = findRtu(line.channelId, line.rtuId);
     noteHiddenRefusal(line, *channel, rtu);
+    noteEndInUse(line);
     noteSilence(line);
     noteRefusal(line);
     std::optional<std::string> message;
     if (line.level == Halvex::LogLevel::Success)
         message = collapser.succeeded(source, nameOf(*channel, rtu));
     else
-        message = collapser.failed(
-            source, failureText(*channel, rtu, line.text.toStdString(), protocolErrors[source]),
-            std::chrono::steady_clock::now());
+        message = collapser.failed(source,
+                                   failureText(*channel, rtu, line.text.toStdString(), protocolErrors[source],
+                                               onSecondary.count(line.channelId) > 0),
+                                   std::chrono::steady_clock::now());
     if (message)
         tell(*message);
 }

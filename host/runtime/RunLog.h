@@ -38,6 +38,7 @@ private:
     void noteHiddenRefusal(const LogLine& line, const Channel& channel, const Rtu* rtu);
     void takeLogLine(const LogLine& line);
     void noteSilence(const LogLine& line);
+    void noteEndInUse(const LogLine& line);
     void noteRefusal(const LogLine& line);
     void tell(const std::string& message);
     const Channel* findChannel(int channelId) const;
@@ -52,6 +53,7 @@ private:
     std::map<Source, std::string> answerBytes;    // the first line of the last answer's hex dump
     std::set<Source> silent;
     std::set<Source> refused;
+    std::set<int> onSecondary; // channels whose secondary end connected last
     std::vector<std::string> messages;
     std::size_t lostMessages = 0;
 

@@ -92,6 +92,21 @@ TEST(RunLog, KnowsARefusalThatTheDriverTakesForACutAnswer) {
     EXPECT_FALSE(log.wasRefused(4, 7));
 }
 
+TEST(RunLog, NamesTheEndInUseWhenNobodyAnswers) {
+    host::Site site = smallSite();
+    site.channels[0].secondary = host::UdpEnd{"127.0.0.2", 9};
+    RunLog log(site, false);
+    const auto connect = [](const char* text) {
+        CLogger::GetInstance()->writeAll(4, 0, LogLevel::Success, QString::fromLatin1(text));
+    };
+    connect("Secondary channel has connected");
+    writeResult(LogLevel::RequestFailure, "Request result : Timeout");
+    EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("udp://127.0.0.2:9")));
+    connect("Primary channel has connected");
+    writeResult(LogLevel::RequestFailure, "Request result : Timeout");
+    EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("udp://127.0.0.1:9")));
+}
+
 TEST(RunLog, ShowsFramesWhenAskedTo) {
     const host::Site site = smallSite();
     RunLog log(site, true);

@@ -88,7 +88,15 @@ TEST_F(Summary, ShowsALinePerRtu) {
     one.figures.status.timeOuts = 1;
     one.figures.status.slowestRoundTrip = std::chrono::microseconds(12'340);
     one.goodPoints = 3;
-    EXPECT_EQ(host::summaryText({one}),
+    EXPECT_EQ(host::summaryText({one}, {{&site.channels[0], {}}}),
               "RTU         requests  answers  time-outs  errors     last   slowest  good  bad  never read\n"
               "pump-house         4        3          1       0  0.00 ms  12.34 ms     3    0           0\n");
+}
+
+TEST_F(Summary, ShowsALineForAChannelInTrouble) {
+    ChannelStatus status;
+    status.failedOpens = 2;
+    status.scanOverruns = 1;
+    EXPECT_THAT(host::summaryText({}, {{&site.channels[0], status}}),
+                testing::EndsWith("\nwaterworks  udp://127.0.0.1:9  2 failed opens  1 scan overruns\n"));
 }

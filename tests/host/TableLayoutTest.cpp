@@ -29,7 +29,8 @@ protected:
         contents.points = &store->points();
         if (contents.states.empty())
             contents.states = store->states();
-        contents.figures = {{&site.channels[0], &site.channels[0].rtus[0], status}};
+        contents.figures.channels = {{&site.channels[0], channelStatus}};
+        contents.figures.rtus = {{&site.channels[0], &site.channels[0].rtus[0], status}};
         return layOutTable(contents, {columns, rows}, page);
     }
 
@@ -37,6 +38,7 @@ protected:
     std::unique_ptr<host::ValueStore> store;
     TableContents contents;
     RtuStatus status;
+    ChannelStatus channelStatus;
 };
 
 std::size_t widest(const TablePage& page) {
@@ -66,6 +68,14 @@ TEST_F(TableLayout, ShowsHeadingsValuesQualitiesAndAges) {
 
 TEST_F(TableLayout, TellsAnRtuThatIsNotConnected) {
     EXPECT_THAT(layOut(100, 24).lines[2].text, HasSubstr("NOT CONNECTED"));
+}
+
+TEST_F(TableLayout, ShowsTheEndInUseAndWhatWentWrongOnTheLine) {
+    site.channels[0].secondary = host::UdpEnd{"127.0.0.2", 9};
+    channelStatus.whereLink = 1;
+    channelStatus.channelErrors = 3;
+    EXPECT_EQ(layOut(100, 24).lines[1].text,
+              "waterworks  SBus-Ethernet  udp://127.0.0.2:9  secondary  3 channel errors");
 }
 
 TEST_F(TableLayout, FitsEveryTerminal) {
