@@ -20,7 +20,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds updatePeriod{50}; // how soon a change shows, and a signal is seen
-constexpr int logFlushMs = 500;
+constexpr int logFlushMs = 100;
 
 OutputFormat chooseFormat(const RunOptions& options) {
     if (options.format)
