@@ -55,7 +55,7 @@ std::vector<RtuOutcome> collectOutcomes(const std::vector<RtuFigures>& figures, 
         positions.emplace(one.rtu, outcomes.size());
         RtuOutcome outcome;
         outcome.figures = one;
-        outcomes.push_back(std::move(outcome));
+        outcomes.push_back(outcome);
     }
     const std::vector<PointState> states = store.states();
     for (std::size_t i = 0; i < states.size(); ++i) {

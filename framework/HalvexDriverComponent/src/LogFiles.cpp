@@ -137,7 +137,7 @@ LogFiles::~LogFiles() = default;
 
 std::shared_ptr<LogFiles> LogFiles::start(const LoggerSettings& settings,
                                           std::shared_ptr<LogCounters> counters) {
-    const std::shared_ptr<LogFiles> files(new LogFiles(settings, std::move(counters)));
+    std::shared_ptr<LogFiles> files(new LogFiles(settings, std::move(counters)));
     std::thread([files] {
         files->reportRepeatsUntilEnd();
         files->closeFiles();
