@@ -105,9 +105,9 @@ void SBusRtu::buildPollTable() {
         return;
     const QList<SBusRequestItem> analogItems = buildAnalogItems(analogPoints);
     const QList<SBusRequestItem> statusItems = buildStatusItems(statusPoints);
-    analogPoll = pollOf(QStringLiteral("analog poll"), analogItems);
-    statusPoll = pollOf(QStringLiteral("status poll"), statusItems);
-    integrityPoll = pollOf(QStringLiteral("Integrity poll"), statusItems + analogItems);
+    analogPoll = requestOf(QStringLiteral("analog poll"), analogItems);
+    statusPoll = requestOf(QStringLiteral("status poll"), statusItems);
+    integrityPoll = requestOf(QStringLiteral("Integrity poll"), statusItems + analogItems);
     pollsBuilt = true;
 }
 
@@ -134,10 +134,10 @@ QList<SBusRequestItem> SBusRtu::buildStatusItems(const QList<StatusPoint*>& stat
     return readItemsOf(media);
 }
 
-SBusRequest SBusRtu::pollOf(const QString& name, const QList<SBusRequestItem>& items) {
-    SBusRequest poll;
-    poll.rtu = this;
-    poll.name = name;
-    poll.items = items;
-    return poll;
+SBusRequest SBusRtu::requestOf(const QString& name, const QList<SBusRequestItem>& items) {
+    SBusRequest request;
+    request.rtu = this;
+    request.name = name;
+    request.items = items;
+    return request;
 }

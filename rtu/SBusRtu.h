@@ -11,10 +11,11 @@ class SBusDelayedQueue;
 class SBusProtocolBase;
 
 // One Saia PCD station. Keeps the three polls ready, hands copies of them to the channel's engine when the
-// host asks, and puts the values that come back into the host's points.
+// host asks, puts the values that come back into the host's points, and makes requests of its commands.
 //
 // States: polls not built, built. They are built from the host's points at InitRtu, or at the first poll.
-// Threads: once the polls are built, RequestPoll on any; it builds a request and hands it over. The
+// Threads: once the polls are built, RequestPoll and the commands on any; they build a request and hand it
+// over. The
 // publishers run on the channel's thread and read the point indexes without a lock: nothing may build them
 // meanwhile. Ownership: the host owns the RTU; channel, protocol object and delayed queue are the channel's.
 class SBusRtu final : public CRtu, public SBusValuePublisher {
@@ -28,6 +29,13 @@ public:
     void StopRtu() override;
     int RequestPoll(int kind, CReply* reply) override;
     int RequestHistory(int kind, CReply* reply) override;
+    // 0 off, 1 on. A pulse output that was switched on is released when its width is over.
+    int statusWrite(unsigned pointId, signed char command, CReply* reply) override;
+    int analogWrite(unsigned pointId, double value, CReply* reply) override;
+    // By point number; consecutive elements share a telegram.
+    int analogWriteList(const QMap<unsigned, double>& setPoints, CReply* reply) override;
+    // The computer's local time. Without a reply it waits its turn behind the polls.
+    int timeSync(CReply* reply) override;
     int readParameter(unsigned parameter, CReply* reply) override;
     int writeParameter(unsigned parameter, double value, CReply* reply) override;
     int resetDevice(CReply* reply) override;
@@ -43,7 +51,9 @@ private:
 
     QList<SBusRequestItem> buildAnalogItems(const QList<AnalogPoint*>& analogPoints);
     QList<SBusRequestItem> buildStatusItems(const QList<StatusPoint*>& statusPoints);
-    SBusRequest pollOf(const QString& name, const QList<SBusRequestItem>& items);
+    SBusRequest requestOf(const QString& name, const QList<SBusRequestItem>& items);
+    void submitCommand(const QString& name, const QList<SBusRequestItem>& items, CReply* reply);
+    void schedulePulseRelease(const StatusPoint& point, const SBusRequestItem& switchOn);
     // Null for a kind that is no poll. A poll that was never built has no RTU.
     const SBusRequest* preparedPollOf(int kind) const;
 
