@@ -1,11 +1,22 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
-<TS version="2.1" language="de_DE">
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name>CRtu</name>
+    <message>
+        <source>Time Sync Command</source>
+        <translation>Uhr stellen</translation>
+    </message>
+    <message>
+        <source>Analog Write List</source>
+        <translation>Analogwerte schreiben (Liste)</translation>
+    </message>
+</context>
 <context>
     <name>SBusDriver</name>
     <message>
         <source>SAIA S-BUS Driver</source>
-        <translation>SAIA S-BUS Treiber</translation>
+        <translation>Treiber für SAIA S-BUS</translation>
     </message>
     <message>
         <source>SAIA S-BUS</source>
@@ -18,11 +29,11 @@ address A(M) - Input address number
                 example) I200 -&gt; 200th Input
                 example) O200 -&gt; 200th Output 
 </source>
-        <translation>Saia S-BUS Adressbeschreibung
+        <translation>Saia-S-BUS-Adressen
 Adresse A(M) - Nummer der Eingangsadresse
                besteht aus &apos;Variable&apos;+&apos;Adresse&apos;
-                z. B.) I200 -&gt; 200. Eingang
-                z. B.) O200 -&gt; 200. Ausgang
+               z. B. I200 -&gt; Eingang 200
+               z. B. O200 -&gt; Ausgang 200
 </translation>
     </message>
     <message>
@@ -32,11 +43,11 @@ address A(M) - Output address number
                 example) O200 -&gt; 200th Output
                 example) F200 -&gt; 200th Flag
 </source>
-        <translation>Saia S-BUS Adressbeschreibung
+        <translation>Saia-S-BUS-Adressen
 Adresse A(M) - Nummer der Ausgangsadresse
                besteht aus &apos;Variable&apos;+&apos;Adresse&apos;
-                z. B.) O200 -&gt; 200. Ausgang
-                z. B.) F200 -&gt; 200. Merker
+               z. B. O200 -&gt; Ausgang 200
+               z. B. F200 -&gt; Merker 200
 </translation>
     </message>
     <message>
@@ -46,11 +57,11 @@ address A(M) - Output address number
                example) R200 -&gt; 200th register
                example) T200 -&gt; 200th Timer
 </source>
-        <translation>Saia S-BUS Adressbeschreibung
+        <translation>Saia-S-BUS-Adressen
 Adresse A(M) - Nummer der Ausgangsadresse
                besteht aus &apos;Variable&apos;+&apos;Adresse&apos;
-               z. B.) R200 -&gt; 200. Register
-               z. B.) T200 -&gt; 200. Timer
+               z. B. R200 -&gt; Register 200
+               z. B. T200 -&gt; Timer 200
 </translation>
     </message>
     <message>
@@ -60,11 +71,11 @@ address A(M) - Input address number
                example) R200  -&gt; 200th register
                example) T200 -&gt;  200th Timer
 </source>
-        <translation>Saia S-BUS Adressbeschreibung
+        <translation>Saia-S-BUS-Adressen
 Adresse A(M) - Nummer der Eingangsadresse
                besteht aus &apos;Variable&apos;+&apos;Adresse&apos;
-               z. B.) R200 -&gt; 200. Register
-               z. B.) T200 -&gt; 200. Timer
+               z. B. R200 -&gt; Register 200
+               z. B. T200 -&gt; Timer 200
 </translation>
     </message>
 </context>
@@ -80,7 +91,7 @@ Adresse A(M) - Nummer der Eingangsadresse
     </message>
     <message>
         <source>Comm. Board Station No.:</source>
-        <translation>Stationsnummer der Schnittstelle:</translation>
+        <translation>Stationsnr. Komm.-Karte:</translation>
     </message>
     <message>
         <source>S-Bus Protocol :</source>
@@ -88,15 +99,15 @@ Adresse A(M) - Nummer der Eingangsadresse
     </message>
     <message>
         <source>Data Mode</source>
-        <translation>Data Mode</translation>
+        <translation>Data-Modus</translation>
     </message>
     <message>
         <source>Break Mode</source>
-        <translation>Break Mode</translation>
+        <translation>Break-Modus</translation>
     </message>
     <message>
         <source>Break Delay Time :</source>
-        <translation>Dauer des Break:</translation>
+        <translation>Break-Dauer:</translation>
     </message>
     <message>
         <source>(msec)</source>

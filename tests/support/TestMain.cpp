@@ -9,6 +9,7 @@ int main(int argc, char** argv) {
     if (testing::FLAGS_gtest_list_tests)
         return RUN_ALL_TESTS();
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("LC_ALL", "C.UTF-8"); // English texts, whatever the language of the developer's system
     QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }
