@@ -1,6 +1,7 @@
 #include "RunCommand.h"
 
 #include "StopSignal.h"
+#include "output/StreamWriter.h"
 #include "output/Terminal.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/RunLog.h"
@@ -9,6 +10,7 @@
 
 #include <HalvexDriverComponent/CLogger.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <thread>
@@ -21,6 +23,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds updatePeriod{50}; // how soon a change shows, and a signal is seen
 constexpr int logFlushMs = 100;
+// For a reader that is slow to take the last lines after a signal.
+constexpr std::chrono::milliseconds lastRead{25};
 
 OutputFormat chooseFormat(const RunOptions& options) {
     if (options.format)
@@ -50,15 +54,27 @@ std::string configureLogFiles(const RunOptions& options) {
     return {};
 }
 
-void showUntilDone(const RunOptions& options, Output& output, RunLog& log) {
+void showUntilDone(const RunOptions& options, const Console& console, Output& output, RunLog& log) {
     const Clock::time_point start = Clock::now();
     for (;;) {
-        output.tell(log.takeMessages());
+        if (console.error.isIdle())
+            output.tell(log.takeMessages());
         const bool isRead = output.update();
         const bool isOver = options.duration && Clock::now() - start >= *options.duration;
         if (!isRead || isOver || stopsignal::isRequested())
             return;
         std::this_thread::sleep_for(updatePeriod);
+    }
+}
+
+// Whether all that was written has been read. A reader may take its time, until the user ends the program.
+bool isReadToTheEnd(const Console& console) {
+    for (;;) {
+        const bool isEnding = stopsignal::isRequested();
+        if (console.out.waitUntilIdle(lastRead) && console.error.waitUntilIdle(lastRead))
+            return true;
+        if (isEnding)
+            return false;
     }
 }
 
@@ -77,7 +93,7 @@ std::vector<RtuOutcome> outcomesOf(const HostRuntime& runtime, const ValueStore&
     return outcomes;
 }
 
-ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputFormat format) {
+ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputFormat format, Console& console) {
     using Changes = ValueStore::Changes;
     ValueStore store(site, format == OutputFormat::Table ? Changes::Ignore : Changes::Keep);
     RunLog log(site, options.frames);
@@ -87,9 +103,10 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
         std::cerr << "sbus-host: " << fault << '\n';
         return ExitStatus::Configuration;
     }
-    const std::unique_ptr<Output> output = makeOutput(format, "sbus-host  " + options.sitePath, store,
-                                                      [&runtime, &log] { return figuresOf(runtime, log); });
-    showUntilDone(options, *output, log);
+    const std::unique_ptr<Output> output =
+        makeOutput(format, console, "sbus-host  " + options.sitePath, store,
+                   [&runtime, &log] { return figuresOf(runtime, log); });
+    showUntilDone(options, console, *output, log);
 
     // What counts is how things stood at the end of the run, not what closing the lines makes of it.
     store.freeze();
@@ -99,9 +116,10 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     output->finish();
     runtime.stop();
     CLogger::GetInstance()->flush(logFlushMs);
-    (isForReading(format) ? std::cout : std::cerr) << summaryText(outcomes, channels) << std::flush;
+    (isForReading(format) ? console.out : console.error).write(summaryText(outcomes, channels));
     if (store.lostChanges() > 0)
-        std::cerr << store.lostChanges() << " changes were lost: they came faster than the output was read\n";
+        console.error.write(std::to_string(store.lostChanges()) +
+                            " changes were lost: they came faster than the output was read\n");
     return judge(outcomes);
 }
 
@@ -126,7 +144,12 @@ ExitStatus runSite(const RunOptions& options) {
     }
     terminal::survivePipeEnd();
     stopsignal::install();
-    return runLoadedSite(loaded.site, options, format);
+    Console console;
+    const ExitStatus status = runLoadedSite(loaded.site, options, format, console);
+    // A thread that waits for a reader for ever would hold up the program's orderly end.
+    if (!isReadToTheEnd(console))
+        std::_Exit(static_cast<int>(status));
+    return status;
 }
 
 } // namespace host

@@ -6,19 +6,19 @@
 
 namespace host {
 
-std::unique_ptr<Output> makeOutput(OutputFormat format, const std::string& title, ValueStore& store,
-                                   FiguresSource figures) {
+std::unique_ptr<Output> makeOutput(OutputFormat format, Console& console, const std::string& title,
+                                   ValueStore& store, FiguresSource figures) {
     switch (format) {
     case OutputFormat::Table:
-        return std::make_unique<TableOutput>(title, store, std::move(figures));
+        return std::make_unique<TableOutput>(console, title, store, std::move(figures));
     case OutputFormat::Json:
-        return std::make_unique<StreamOutput>(store, changeAsJson, "");
+        return std::make_unique<StreamOutput>(console, store, changeAsJson, "");
     case OutputFormat::Csv:
-        return std::make_unique<StreamOutput>(store, changeAsCsv, changeCsvHeader);
+        return std::make_unique<StreamOutput>(console, store, changeAsCsv, changeCsvHeader);
     case OutputFormat::Lines:
         break;
     }
-    return std::make_unique<StreamOutput>(store, changeAsLine, "");
+    return std::make_unique<StreamOutput>(console, store, changeAsLine, "");
 }
 
 } // namespace host

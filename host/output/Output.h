@@ -8,6 +8,7 @@
 namespace host {
 
 class ValueStore;
+struct Console;
 struct SiteFigures;
 
 enum class OutputFormat { Table, Lines, Json, Csv };
@@ -23,15 +24,15 @@ public:
     // Shows what is new. False when nobody reads the output any more.
     virtual bool update() = 0;
     virtual void tell(const std::vector<std::string>& messages) = 0;
-    // Leaves the terminal as it was found.
+    // Shows what is left, and leaves the terminal as it was found.
     virtual void finish() = 0;
 };
 
 // Tells how channels and RTUs stand.
 using FiguresSource = std::function<SiteFigures()>;
 
-// The store outlives the output. `title` heads the table.
-std::unique_ptr<Output> makeOutput(OutputFormat format, const std::string& title, ValueStore& store,
-                                   FiguresSource figures);
+// Console and store outlive the output. `title` heads the table.
+std::unique_ptr<Output> makeOutput(OutputFormat format, Console& console, const std::string& title,
+                                   ValueStore& store, FiguresSource figures);
 
 } // namespace host

@@ -1,32 +1,38 @@
 #include "StreamOutput.h"
 
+#include "StreamWriter.h"
 #include "runtime/ValueStore.h"
-
-#include <iostream>
 
 namespace host {
 
-StreamOutput::StreamOutput(ValueStore& valueStore, Formatter changeFormatter, const std::string& header)
-    : store(valueStore), format(changeFormatter) {
+StreamOutput::StreamOutput(Console& console, ValueStore& valueStore, Formatter changeFormatter,
+                           const std::string& header)
+    : out(console.out), error(console.error), store(valueStore), format(changeFormatter) {
     if (!header.empty())
-        std::cout << header << std::endl;
+        out.write(header + '\n');
 }
 
 bool StreamOutput::update() {
-    for (const PointChange& change : store.takeChanges())
-        std::cout << format(store.points()[change.index], change.state) << '\n';
-    std::cout.flush();
-    return std::cout.good();
+    if (out.isIdle())
+        writeChanges();
+    return out.isGood();
 }
 
 void StreamOutput::tell(const std::vector<std::string>& messages) {
     for (const std::string& message : messages)
-        std::cerr << message << '\n';
-    std::cerr.flush();
+        error.write(message + '\n');
 }
 
 void StreamOutput::finish() {
-    update();
+    writeChanges();
+}
+
+void StreamOutput::writeChanges() {
+    std::string lines;
+    for (const PointChange& change : store.takeChanges())
+        lines += format(store.points()[change.index], change.state) + '\n';
+    if (!lines.empty())
+        out.write(lines);
 }
 
 } // namespace host

@@ -1,11 +1,10 @@
 #include "TableOutput.h"
 
+#include "StreamWriter.h"
 #include "TableLayout.h"
 #include "TerminalSequences.h"
 
 #include <QDateTime>
-
-#include <iostream>
 
 namespace host {
 
@@ -31,10 +30,12 @@ const char* sequenceFor(TableLine::Style style) {
 
 } // namespace
 
-TableOutput::TableOutput(const std::string& tableTitle, ValueStore& valueStore, FiguresSource figuresSource)
-    : title(tableTitle), store(valueStore), figures(std::move(figuresSource)) {
+TableOutput::TableOutput(Console& console, const std::string& tableTitle, ValueStore& valueStore,
+                         FiguresSource figuresSource)
+    : out(console.out), error(console.error), title(tableTitle), store(valueStore),
+      figures(std::move(figuresSource)) {
     terminal::prepare();
-    std::cout << terminal::enterScreen << std::flush;
+    out.write(terminal::enterScreen);
     ownsTerminal = true;
 }
 
@@ -44,8 +45,8 @@ TableOutput::~TableOutput() {
 
 bool TableOutput::update() {
     const Clock::time_point now = Clock::now();
-    if (now - drawnAt < redrawPeriod)
-        return std::cout.good();
+    if (now - drawnAt < redrawPeriod || !out.isIdle())
+        return out.isGood();
     drawnAt = now;
     const TableContents contents{title,           QDateTime::currentMSecsSinceEpoch(),
                                  &store.points(), store.states(),
@@ -57,8 +58,8 @@ bool TableOutput::update() {
         screen += &line == &laidOut.lines.front() ? "" : "\r\n";
         screen += sequenceFor(line.style) + line.text + terminal::plain + terminal::clearLineEnd;
     }
-    std::cout << screen << terminal::clearBelow << std::flush;
-    return std::cout.good();
+    out.write(screen + terminal::clearBelow);
+    return out.isGood();
 }
 
 void TableOutput::tell(const std::vector<std::string>& messages) {
@@ -67,12 +68,12 @@ void TableOutput::tell(const std::vector<std::string>& messages) {
         newestMessages.erase(newestMessages.begin(), newestMessages.end() - keptMessages);
     if (!terminal::isErrorTerminal())
         for (const std::string& message : messages)
-            std::cerr << message << '\n';
+            error.write(message + '\n');
 }
 
 void TableOutput::finish() {
     if (ownsTerminal)
-        std::cout << terminal::leaveScreen << std::flush;
+        out.write(terminal::leaveScreen);
     ownsTerminal = false;
 }
 

@@ -6,11 +6,15 @@
 
 namespace host {
 
+class StreamWriter;
+struct Console;
+
 // A table on the terminal that redraws itself. Takes the terminal over until finish(). Pages that do not fit
 // take turns. Messages appear below the table, and on standard error too where that is another place.
 class TableOutput : public Output {
 public:
-    TableOutput(const std::string& tableTitle, ValueStore& valueStore, FiguresSource figuresSource);
+    TableOutput(Console& console, const std::string& tableTitle, ValueStore& valueStore,
+                FiguresSource figuresSource);
     ~TableOutput() override;
 
     bool update() override;
@@ -20,6 +24,8 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    StreamWriter& out;
+    StreamWriter& error;
     const std::string title;
     ValueStore& store;
     const FiguresSource figures;
