@@ -32,7 +32,9 @@ double Faults::*findShare(std::string_view name) {
 
 bool parseFaults(const std::string& text, Faults& faults, std::string& error) {
     std::string_view rest = text;
+    bool isFollowed = false;
     do {
+        isFollowed = rest.find(',') != std::string_view::npos;
         std::string_view part = takeUntil(rest, ',');
         const std::string_view name = takeUntil(part, '=');
         double Faults::*share = findShare(name);
@@ -47,7 +49,7 @@ bool parseFaults(const std::string& text, Faults& faults, std::string& error) {
             return false;
         }
         faults.*share = *value;
-    } while (!rest.empty());
+    } while (isFollowed);
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "FloatWord.h"
 #include "Units.h"
 
+#include <cctype>
 #include <limits>
 
 namespace sim {
@@ -39,7 +40,10 @@ bool parseStation(std::string_view text, Setting& setting) {
 }
 
 bool parseElement(std::string_view text, Setting& setting) {
-    const auto media = text.empty() ? std::nullopt : mediaOf(text.front());
+    if (text.empty())
+        return false;
+    const int letter = std::toupper(static_cast<unsigned char>(text.front()));
+    const auto media = mediaOf(static_cast<char>(letter));
     if (!media)
         return false;
     const auto address = parseInteger(text.substr(1), 0, largestAddress);

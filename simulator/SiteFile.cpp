@@ -120,24 +120,25 @@ void Loader::readEnd(const toml::table& channel, const char* key, EndPoint& end)
 }
 
 void Loader::readRtus(const toml::table& channel, LineSite& line) {
+    if (!channel.contains("rtu"))
+        return; // a line whose controllers are still to come
     std::optional<std::int64_t> lastId;
-    forEachTable(channel, "rtu", "there must be at least one [[channel.rtu]] table",
-                 [&](const toml::table& rtu) {
-                     const auto id = require<std::int64_t>(rtu, "id", "must be a whole number");
-                     const char* stationRule = "must be a whole number from 0 to 255";
-                     const auto station = require<std::int64_t>(rtu, "station", stationRule);
-                     if (station && (*station < 0 || *station > broadcastStation))
-                         note(*rtu.get("station"), "station", stationRule);
-                     else if (station && *station != broadcastStation)
-                         line.stations.push_back(static_cast<int>(*station));
+    forEachTable(channel, "rtu", "must be [[channel.rtu]] tables", [&](const toml::table& rtu) {
+        const auto id = require<std::int64_t>(rtu, "id", "must be a whole number");
+        const char* stationRule = "must be a whole number from 0 to 255";
+        const auto station = require<std::int64_t>(rtu, "station", stationRule);
+        if (station && (*station < 0 || *station > broadcastStation))
+            note(*rtu.get("station"), "station", stationRule);
+        else if (station && *station != broadcastStation)
+            line.stations.push_back(static_cast<int>(*station));
 
-                     // As on the host's side, the RTU with the highest id decides for the whole line.
-                     const auto framing = readTransmitType(rtu);
-                     if (framing && line.framing != Framing::Ethernet && (!lastId || id >= lastId)) {
-                         line.framing = *framing;
-                         lastId = id;
-                     }
-                 });
+        // As on the host's side, the RTU with the highest id decides for the whole line.
+        const auto framing = readTransmitType(rtu);
+        if (framing && line.framing != Framing::Ethernet && (!lastId || id >= lastId)) {
+            line.framing = *framing;
+            lastId = id;
+        }
+    });
 }
 
 std::optional<Framing> Loader::readTransmitType(const toml::table& rtu) {

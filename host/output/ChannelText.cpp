@@ -9,13 +9,13 @@ std::string endInUseText(const ChannelFigures& figures) {
 }
 
 std::string troubleText(const ChannelStatus& status) {
-    const std::pair<quint64, const char*> figures[] = {{status.failedOpens, " failed opens"},
-                                                       {status.channelErrors, " channel errors"},
-                                                       {status.scanOverruns, " scan overruns"}};
+    const std::pair<quint64, const char*> figures[] = {{status.failedOpens, " failed open"},
+                                                       {status.channelErrors, " channel error"},
+                                                       {status.scanOverruns, " scan overrun"}};
     std::string text;
     for (const auto& [count, name] : figures)
         if (count > 0)
-            text += "  " + std::to_string(count) + name;
+            text += "  " + std::to_string(count) + name + (count == 1 ? "" : "s");
     return text;
 }
 

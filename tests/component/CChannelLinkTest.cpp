@@ -1,5 +1,5 @@
 #include "ScriptedLink.h"
-#include "TestChannel.h"
+#include "TaskChannel.h"
 
 #include <gtest/gtest.h>
 
@@ -34,7 +34,7 @@ protected:
         });
     }
 
-    TestChannel channel;
+    TaskChannel channel;
     ScriptedLink* primary;
     ScriptedLink* secondary;
 };
@@ -42,7 +42,7 @@ protected:
 } // namespace
 
 TEST(CChannel, HasNoLinkUntilOneIsSet) {
-    const TestChannel channel;
+    const TaskChannel channel;
     EXPECT_EQ(channel.GetLink(), nullptr);
     EXPECT_EQ(channel.GetWhereLink(), 0);
 }
@@ -139,7 +139,7 @@ TEST_F(CChannelLinks, ChangeStartsBothCountsAnew) {
 }
 
 TEST(CChannel, WithoutASecondaryStaysOnThePrimary) {
-    TestChannel channel;
+    TaskChannel channel;
     auto link = std::make_unique<ScriptedLink>();
     ScriptedLink* only = link.get();
     channel.SetLinks(std::move(link));
@@ -181,7 +181,7 @@ private:
 TEST(CChannel, InterruptReachesBothEnds) {
     int primaryWakes = 0;
     int secondaryWakes = 0;
-    TestChannel channel;
+    TaskChannel channel;
     channel.SetLinks(std::make_unique<WakeCountingLink>(&primaryWakes),
                      std::make_unique<WakeCountingLink>(&secondaryWakes));
     channel.InterruptLinks();
@@ -190,7 +190,7 @@ TEST(CChannel, InterruptReachesBothEnds) {
 }
 
 TEST(CChannel, InterruptWithoutLinksDoesNothing) {
-    TestChannel channel;
+    TaskChannel channel;
     channel.InterruptLinks();
     EXPECT_EQ(channel.GetLink(), nullptr);
 }

@@ -1,4 +1,4 @@
-#include "TestChannel.h"
+#include "TaskChannel.h"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ protected:
 
     static constexpr ScanPeriods periods{900, 900, 900};
     qint64 now = 0;
-    TestChannel channel;
+    TaskChannel channel;
 };
 
 } // namespace
@@ -100,7 +100,7 @@ TEST_F(CChannelScan, ReloadedScanStartsTheScheduleAnew) {
 }
 
 TEST(CChannelScanClock, RunsOnASteadyClockByItself) {
-    TestChannel channel;
+    TaskChannel channel;
     channel.SetConnect(true);
     TestRtu* rtu = channel.addRtu(1, {1, 0, 0});
     while (rtu->polls.size() < 3)

@@ -1,5 +1,5 @@
 #include "RecordingCore.h"
-#include "TestChannel.h"
+#include "TaskChannel.h"
 
 #include <HalvexDriverComponent/CReply.h>
 
@@ -36,7 +36,7 @@ PointQuality qualityOf(const TestRtu* rtu) {
 } // namespace
 
 TEST(CChannel, KeepsWhatTheHostConfigures) {
-    TestChannel channel(nullptr, 17);
+    TaskChannel channel(nullptr, 17);
     channel.SetCommType(94021);
     EXPECT_EQ(channel.channelId(), 17);
     EXPECT_EQ(channel.GetCommType(), 94021);
@@ -44,7 +44,7 @@ TEST(CChannel, KeepsWhatTheHostConfigures) {
 }
 
 TEST(CChannel, RtusAreMappedByTheirIds) {
-    TestChannel channel;
+    TaskChannel channel;
     TestRtu* second = channel.addRtu(2);
     TestRtu* first = channel.addRtu(1);
     EXPECT_EQ(channel.GetRtuMap().keys(), (QList<int>{1, 2}));
@@ -54,7 +54,7 @@ TEST(CChannel, RtusAreMappedByTheirIds) {
 }
 
 TEST(CChannel, RtuOfTheSameIdReplacesTheEarlier) {
-    TestChannel channel;
+    TaskChannel channel;
     bool destroyed = false;
     channel.addRtu(1)->onDestroyed = [&] { destroyed = true; };
     TestRtu* replacement = channel.addRtu(1);
@@ -66,7 +66,7 @@ TEST(CChannel, RtuOfTheSameIdReplacesTheEarlier) {
 TEST(CChannel, DestructionDestroysItsRtus) {
     int destroyed = 0;
     {
-        TestChannel channel;
+        TaskChannel channel;
         channel.addRtu(1)->onDestroyed = [&] { ++destroyed; };
         channel.addRtu(2)->onDestroyed = [&] { ++destroyed; };
     }
@@ -75,7 +75,7 @@ TEST(CChannel, DestructionDestroysItsRtus) {
 
 TEST(CChannel, HandsItsFiguresToTheHost) {
     StatusCore core;
-    TestChannel channel(&core, 5);
+    TaskChannel channel(&core, 5);
     channel.PutCommFailDuration();
     channel.SetConnect(true);
     channel.PutChannelStatus();
@@ -87,7 +87,7 @@ TEST(CChannel, HandsItsFiguresToTheHost) {
 }
 
 TEST(CChannel, FailedOpenStartsTheFailureTimeAndAConnectionEndsIt) {
-    TestChannel channel;
+    TaskChannel channel;
     EXPECT_EQ(channel.GetChannelStatus().failedMs, 0);
     channel.PutCommFailDuration();
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
@@ -101,7 +101,7 @@ TEST(CChannel, FailedOpenStartsTheFailureTimeAndAConnectionEndsIt) {
 }
 
 TEST(CChannel, FailuresAddUpOverTime) {
-    TestChannel channel;
+    TaskChannel channel;
     for (int failure = 0; failure < 2; ++failure) {
         channel.PutCommFailDuration();
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -111,7 +111,7 @@ TEST(CChannel, FailuresAddUpOverTime) {
 }
 
 TEST(CChannel, ClosedChannelDoesNotFail) {
-    TestChannel channel;
+    TaskChannel channel;
     channel.PutCommFailDuration();
     channel.SetConnect(false);
     const qint64 failedMs = channel.GetChannelStatus().failedMs;
@@ -120,7 +120,7 @@ TEST(CChannel, ClosedChannelDoesNotFail) {
 }
 
 TEST(CChannel, LineThatDoesNotOpenAgainDisconnectsEveryRtu) {
-    TestChannel channel;
+    TaskChannel channel;
     TestRtu* rtu = channel.addRtu(1);
     rtu->SetConnect(true, true);
     putStatusValue(rtu, 1);
@@ -131,7 +131,7 @@ TEST(CChannel, LineThatDoesNotOpenAgainDisconnectsEveryRtu) {
 }
 
 TEST(CChannel, LineThatIsOpenedAgainAtOnceKeepsTheOtherRtusConnected) {
-    TestChannel channel;
+    TaskChannel channel;
     TestRtu* rtu = channel.addRtu(1);
     rtu->SetConnect(true, true);
     putStatusValue(rtu, 1);
@@ -143,7 +143,7 @@ TEST(CChannel, LineThatIsOpenedAgainAtOnceKeepsTheOtherRtusConnected) {
 
 TEST(CChannel, ChannelThatTheHostClosesDisconnectsEveryRtu) {
     RecordingCore core;
-    TestChannel channel(&core);
+    TaskChannel channel(&core);
     TestRtu* rtu = channel.addRtu(1);
     rtu->SetConnect(true, true);
     putStatusValue(rtu, 1);
@@ -154,7 +154,7 @@ TEST(CChannel, ChannelThatTheHostClosesDisconnectsEveryRtu) {
 }
 
 TEST(CChannel, RunsWithoutAHost) {
-    TestChannel channel(nullptr);
+    TaskChannel channel(nullptr);
     TestRtu* rtu = channel.addRtu(1);
     rtu->SetConnect(true, true);
     putStatusValue(rtu, 1);

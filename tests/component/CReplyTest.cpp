@@ -1,4 +1,4 @@
-#include "TestChannel.h"
+#include "TaskChannel.h"
 
 #include <HalvexDriverComponent/CReply.h>
 
@@ -112,7 +112,7 @@ TEST_F(CReplies, FirstCompletionCounts) {
 
 TEST_F(CReplies, AbandonedReplyOfADroppedPollIsFreedWithItsChannel) {
     {
-        TestChannel channel;
+        TaskChannel channel;
         auto* reply = new CReply(&channel);
         reply->addRefer();
         reply->release();
@@ -122,7 +122,7 @@ TEST_F(CReplies, AbandonedReplyOfADroppedPollIsFreedWithItsChannel) {
 }
 
 TEST_F(CReplies, WhoeverWaitsWhenTheChannelGoesGetsChannelError) {
-    auto channel = std::make_unique<TestChannel>();
+    auto channel = std::make_unique<TaskChannel>();
     auto* reply = new CReply(channel.get());
     reply->addRefer();
     Result result;
@@ -133,7 +133,7 @@ TEST_F(CReplies, WhoeverWaitsWhenTheChannelGoesGetsChannelError) {
 }
 
 TEST_F(CReplies, WaitBegunAfterTheChannelWentGetsChannelError) {
-    auto channel = std::make_unique<TestChannel>();
+    auto channel = std::make_unique<TaskChannel>();
     auto* reply = new CReply(channel.get());
     reply->addRefer();
     channel.reset();
@@ -141,7 +141,7 @@ TEST_F(CReplies, WaitBegunAfterTheChannelWentGetsChannelError) {
 }
 
 TEST_F(CReplies, ResultThatCameBeforeTheChannelWentStays) {
-    auto channel = std::make_unique<TestChannel>();
+    auto channel = std::make_unique<TaskChannel>();
     auto* reply = new CReply(channel.get());
     reply->addRefer();
     finish(reply, DriverErrorResult::Success);
@@ -152,7 +152,7 @@ TEST_F(CReplies, ResultThatCameBeforeTheChannelWentStays) {
 TEST_F(CReplies, GivingUpAtTheMomentOfCompletionNeitherLeaksNorFreesTwice) {
     constexpr int batches = 1000;
     constexpr int batchSize = 100;
-    TestChannel channel;
+    TaskChannel channel;
     for (int batch = 0; batch < batches; ++batch) {
         std::vector<CReply*> replies;
         for (int index = 0; index < batchSize; ++index) {
@@ -183,7 +183,7 @@ TEST_F(CReplies, GivingUpAtTheMomentOfCompletionNeitherLeaksNorFreesTwice) {
 TEST_F(CReplies, GivingUpAtTheMomentTheChannelGoesNeitherLeaksNorFreesTwice) {
     constexpr int repliesPerChannel = 50;
     for (int round = 0; round < 200; ++round) {
-        auto channel = std::make_unique<TestChannel>();
+        auto channel = std::make_unique<TaskChannel>();
         std::vector<CReply*> replies;
         for (int index = 0; index < repliesPerChannel; ++index) {
             replies.push_back(new CReply(channel.get()));

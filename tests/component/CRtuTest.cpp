@@ -1,6 +1,6 @@
 #include "RecordingCore.h"
 #include "ScriptedLink.h"
-#include "TestChannel.h"
+#include "TaskChannel.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ protected:
     }
 
     RecordingCore core;
-    TestChannel channel{&core, 9};
+    TaskChannel channel{&core, 9};
     CRtu rtu{&core, &channel, configuration()};
 };
 

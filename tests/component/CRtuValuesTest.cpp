@@ -1,5 +1,5 @@
 #include "RecordingCore.h"
-#include "TestChannel.h"
+#include "TaskChannel.h"
 
 #include <gtest/gtest.h>
 
@@ -49,7 +49,7 @@ protected:
     }
 
     RecordingCore core;
-    TestChannel channel{&core, 9};
+    TaskChannel channel{&core, 9};
     CRtu rtu{&core, &channel, configuration()};
 };
 

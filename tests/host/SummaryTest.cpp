@@ -98,5 +98,5 @@ TEST_F(Summary, ShowsALineForAChannelInTrouble) {
     status.failedOpens = 2;
     status.scanOverruns = 1;
     EXPECT_THAT(host::summaryText({}, {{&site.channels[0], status}}),
-                testing::EndsWith("\nwaterworks  udp://127.0.0.1:9  2 failed opens  1 scan overruns\n"));
+                testing::EndsWith("\nwaterworks  udp://127.0.0.1:9  2 failed opens  1 scan overrun\n"));
 }

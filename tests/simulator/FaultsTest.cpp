@@ -159,6 +159,8 @@ TEST(Faults, UnknownNamesAndSharesAreErrors) {
     std::string error;
     EXPECT_FALSE(parseFaults("lost=5%", faults, error));
     EXPECT_EQ(error, "no fault is called 'lost': choose from drop, late, duplicate, crc, nak, short");
+    EXPECT_FALSE(parseFaults("drop=5%,", faults, error));
+    EXPECT_EQ(error, "no fault is called '': choose from drop, late, duplicate, crc, nak, short");
     for (const char* text : {"drop", "drop=5", "drop=101%", "drop=-1%", "drop=x%", "drop=nan%"}) {
         EXPECT_FALSE(parseFaults(text, faults, error)) << text;
         EXPECT_EQ(error, "drop needs a share from 0% to 100%, as in drop=5%");

@@ -111,6 +111,7 @@ transmit_type = "both"
 [[channel]]
 type = "Telepathy"
 primary = "serial:/tmp/line"
+rtu = 7
 )");
     EXPECT_THAT(errors,
                 ElementsAre(file + ":4: primary: needs a host and a port, as in udp://192.168.10.5:5050",
@@ -122,7 +123,15 @@ primary = "serial:/tmp/line"
                             file + ":15: transmit_type: must be \"data\" or \"break\"",
                             file + ":16: id: is missing; must be a whole number from 0 to 2147483647",
                             file + ":17: type: must be \"SBus-Ethernet\" or \"SBus-Serial\"",
-                            file + ":16: rtu: there must be at least one [[channel.rtu]] table"));
+                            file + ":19: rtu: must be [[channel.rtu]] tables"));
+}
+
+TEST_F(SiteFile, TakesALineWhoseControllersAreStillToCome) {
+    const Site site =
+        load("[[channel]]\nid = 1\ntype = \"SBus-Ethernet\"\nprimary = \"udp://127.0.0.1:5050\"\n");
+    EXPECT_THAT(errors, ElementsAre());
+    ASSERT_EQ(site.lines.size(), 1U);
+    EXPECT_TRUE(site.lines.front().stations.empty());
 }
 
 TEST_F(SiteFile, SaysWhereTheTextIsNoToml) {

@@ -75,6 +75,13 @@ TEST(Settings, MayNameTheLine) {
     EXPECT_EQ(setting.media, Media::Outputs);
 }
 
+TEST(Settings, TakeASmallMediaLetter) {
+    Setting setting;
+    std::string error;
+    ASSERT_TRUE(parseSetting("5/r7=1", setting, error)) << error;
+    EXPECT_EQ(setting.media, Media::Registers);
+}
+
 TEST(Settings, TakeNegativeHexadecimalAndFloatingPointValues) {
     Setting setting;
     std::string error;

@@ -33,9 +33,9 @@ public:
 };
 
 // A channel whose thread does what a test hands it.
-class TestChannel : public CChannel {
+class TaskChannel : public CChannel {
 public:
-    explicit TestChannel(HalvexDriverCoreInterface* hostCore = nullptr, int channelNumber = 1)
+    explicit TaskChannel(HalvexDriverCoreInterface* hostCore = nullptr, int channelNumber = 1)
         : CChannel(hostCore, channelNumber) {}
 
     bool InitChannel() override { return true; }
