@@ -8,6 +8,11 @@ namespace {
 const QString waitingPoll = QStringLiteral("waiting poll");
 constexpr int patience = 10'000; // milliseconds; replies here are complete before anybody waits
 
+SentRequest onlyOne(const QList<SentRequest>& sent) {
+    EXPECT_EQ(sent.size(), 1);
+    return sent.isEmpty() ? SentRequest{} : sent.first();
+}
+
 } // namespace
 
 CommandBench::CommandBench() {
@@ -40,15 +45,17 @@ QStringList CommandBench::namesSent() {
 }
 
 SentRequest CommandBench::sendOnlyRequest() {
-    const QList<SentRequest> sent = sendPending();
-    EXPECT_EQ(sent.size(), 1);
-    return sent.isEmpty() ? SentRequest{} : sent.first();
+    return onlyOne(sendPending());
 }
 
 QList<SentRequest> CommandBench::sendAfter(int milliseconds) {
     now += milliseconds;
     releases.dispatchDue();
     return sendPending();
+}
+
+SentRequest CommandBench::sendOnlyAfter(int milliseconds) {
+    return onlyOne(sendAfter(milliseconds));
 }
 
 void CommandBench::expectFileLines(const QStringList& texts) const {

@@ -40,6 +40,7 @@ protected:
     SentRequest sendOnlyRequest();
     // Releases what is due after `milliseconds` more, and sends what is pending then.
     QList<SentRequest> sendAfter(int milliseconds);
+    SentRequest sendOnlyAfter(int milliseconds);
 
     // The command ends with `result`, leaves nothing pending or scheduled, and its reply as it was. It logs
     // `texts` into the channel's file, as the channel's own lines.
