@@ -16,6 +16,8 @@ public:
     };
 
     using SBusProtocolBase::SBusProtocolBase;
+    // Whether an equal request is pending; only while no other thread uses the engine.
+    using SBusProtocolBase::containsRequest;
 
     unsigned checkResponse(const QByteArray& frame, const QByteArray& response, const SBusRequest& request,
                            const SBusRequestItem& item) override;

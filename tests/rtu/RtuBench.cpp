@@ -1,5 +1,7 @@
 #include "RtuBench.h"
 
+#include "Hex.h"
+
 namespace {
 
 RemoteTerminalUnit record(int id) {
@@ -13,8 +15,8 @@ RemoteTerminalUnit record(int id) {
 } // namespace
 
 void PrintTo(const SBusRequestItem& item, std::ostream* out) {
-    *out << "(command " << item.command << ", address " << item.address << ", count " << item.count << ", "
-         << item.data.size() << " data bytes)";
+    *out << "(command " << item.command << ", address " << item.address << ", count " << item.count
+         << ", data \"" << toHex(item.data).toStdString() << "\")";
 }
 
 CRtu* BenchChannel::CreateRtu(const RemoteTerminalUnit& info) {

@@ -3,6 +3,8 @@
 #include "Hex.h"
 
 #include <QByteArray>
+#include <QDateTime>
+#include <QString>
 
 // Telegrams as a controller would write them, worked out apart from the plug-in's own code, so that a
 // mistake there is not met by the same mistake here.
@@ -46,4 +48,14 @@ inline QByteArray ethernetBytes(quint16 sequence, quint8 attribute, const QByteA
 
 inline QByteArray ethernetTelegram(quint16 sequence, quint8 attribute, const QByteArray& body) {
     return withChecksum(ethernetBytes(sequence, attribute, body, 9 + body.size() + 2));
+}
+
+// What sets a clock to `time`. A byte in packed BCD reads in hex as its value does in decimal.
+inline QByteArray referenceClockBytes(const QDateTime& time) {
+    const QDate date = time.date();
+    QString text;
+    for (const int value : {date.weekNumber(), date.dayOfWeek(), date.year() % 100, date.month(), date.day(),
+                            time.time().hour(), time.time().minute(), time.time().second()})
+        text += QStringLiteral("%1 ").arg(value, 2, 10, QLatin1Char('0'));
+    return QByteArray::fromHex(text.toLatin1());
 }
