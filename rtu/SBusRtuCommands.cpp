@@ -150,11 +150,11 @@ int SBusRtu::analogWriteList(const QMap<unsigned, double>& setPoints, CReply* re
     if (!channel->IsConnect())
         return channelError;
     DataByCommand table;
-    for (auto value = setPoints.cbegin(); value != setPoints.cend(); ++value) {
-        const AnalogPoint* const point = GetPointList()->GetAnalogPoint(value.key());
+    for (const unsigned pointId : setPoints.keys()) {
+        const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointId);
         if (point == nullptr) {
             logFailure(channel->channelId(),
-                       QStringLiteral("AO command failed (Point=%1 is not found)").arg(value.key()));
+                       QStringLiteral("AO command failed (Point=%1 is not found)").arg(pointId));
             return pointNotFound;
         }
         if (!isListable(*point)) {
@@ -163,7 +163,8 @@ int SBusRtu::analogWriteList(const QMap<unsigned, double>& setPoints, CReply* re
                 QStringLiteral("AO command failed (Addr=%1 Unsupported Address Format)").arg(point->address));
             return unsupportedAddress;
         }
-        addListValue(table, *point, value.value());
+        // By the record's own number, should the host have filed it under another.
+        addListValue(table, *point, setPoints.value(point->number, 0.0));
     }
     submitCommand(CRtu::tr("Analog Write List"), writeItemsOf(table), reply);
     return success;
