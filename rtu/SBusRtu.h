@@ -2,6 +2,7 @@
 
 #include "SBusRequest.h"
 #include "SBusValuePublisher.h"
+#include "ValueStamp.h"
 
 #include <HalvexDriverComponent/CRtu.h>
 
@@ -65,5 +66,6 @@ private:
     SBusRequest integrityPoll;
     PointIndex analogIndex;
     PointIndex statusIndex;
+    ValueStamp stamp; // the channel's thread
     SBusDelayedQueue* delayedQueue = nullptr;
 };

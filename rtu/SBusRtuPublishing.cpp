@@ -4,16 +4,9 @@
 
 #include "SaiaFloat.h"
 
-#include <HalvexDriverComponent/CMidTime.h>
 #include <HalvexDriverComponent/Halvex.h>
 
-#include <QDateTime>
-
 namespace {
-
-CMidTime timestamp() {
-    return {QDateTime::currentDateTime(), 0};
-}
 
 double analogValue(int raw, const QString& media, const AnalogPoint& point) {
     const auto word = static_cast<quint32>(raw);
@@ -37,9 +30,9 @@ void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QLi
             if (point == nullptr)
                 continue;
             if (point->firstAddressNumber == number)
-                PutStatusPoint(false, pointNumber, value, 0, timestamp(), true);
+                PutStatusPoint(false, pointNumber, value, 0, stamp.now(), true);
             if (point->secondAddressNumber == number)
-                PutStatusPoint(false, pointNumber, value, 0, timestamp(), false);
+                PutStatusPoint(false, pointNumber, value, 0, stamp.now(), false);
         }
     }
 }
@@ -50,7 +43,7 @@ void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QLi
         for (const unsigned pointNumber : analogIndex.value(key)) {
             const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber);
             if (point != nullptr)
-                PutAnalogPoint(false, pointNumber, analogValue(words.at(i), media, *point), 0, timestamp());
+                PutAnalogPoint(false, pointNumber, analogValue(words.at(i), media, *point), 0, stamp.now());
         }
     }
 }
