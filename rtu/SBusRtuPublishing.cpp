@@ -25,7 +25,10 @@ void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QLi
     for (int i = 0; i < bits.size(); ++i) {
         const QString number = QString::number(start + static_cast<quint32>(i), 10);
         const auto value = static_cast<char>(bits.at(i));
-        for (const unsigned pointNumber : statusIndex.value(media + number)) {
+        const auto found = statusIndex.constFind(media + number);
+        if (found == statusIndex.cend())
+            continue;
+        for (const unsigned pointNumber : *found) {
             const StatusPoint* const point = GetPointList()->GetStatusPoint(pointNumber);
             if (point == nullptr)
                 continue;
@@ -40,7 +43,10 @@ void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QLi
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
     for (int i = 0; i < words.size(); ++i) {
         const QString key = media + QString::number(start + static_cast<quint32>(i), 10);
-        for (const unsigned pointNumber : analogIndex.value(key)) {
+        const auto found = analogIndex.constFind(key);
+        if (found == analogIndex.cend())
+            continue;
+        for (const unsigned pointNumber : *found) {
             const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber);
             if (point != nullptr)
                 PutAnalogPoint(false, pointNumber, analogValue(words.at(i), media, *point), 0, stamp.now());

@@ -9,13 +9,14 @@ QStringList hexDump(const char* bytes, int length) {
     QStringList lines;
     int at = 0;
     do {
-        QString line;
-        line.reserve(bytesInLine * charactersOfByte);
-        for (const int end = qMin(at + bytesInLine, length); at < end; ++at) {
+        const int end = qMin(at + bytesInLine, length);
+        QString line((end - at) * charactersOfByte, Qt::Uninitialized);
+        QChar* character = line.data(); // every telegram goes through here, whether or not somebody looks
+        for (; at < end; ++at) {
             const auto byte = static_cast<quint8>(bytes[at]);
-            line.append(QLatin1Char(digits[byte >> 4]));
-            line.append(QLatin1Char(digits[byte & 0x0F]));
-            line.append(QLatin1Char(' '));
+            *character++ = QLatin1Char(digits[byte >> 4]);
+            *character++ = QLatin1Char(digits[byte & 0x0F]);
+            *character++ = QLatin1Char(' ');
         }
         lines.append(line);
     } while (at < length);
