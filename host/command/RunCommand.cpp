@@ -3,6 +3,7 @@
 #include "StopSignal.h"
 #include "output/StreamWriter.h"
 #include "output/Terminal.h"
+#include "runtime/CommandService.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/RunLog.h"
 #include "runtime/ValueStore.h"
@@ -97,12 +98,16 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     using Changes = ValueStore::Changes;
     ValueStore store(site, format == OutputFormat::Table ? Changes::Ignore : Changes::Keep);
     RunLog log(site, options.frames);
-    HostRuntime runtime(site, store);
+    CoreFanOut core(store);
+    HostRuntime runtime(site, core);
     const std::string fault = runtime.start(options.pluginPath);
     if (!fault.empty()) {
         std::cerr << "sbus-host: " << fault << '\n';
         return ExitStatus::Configuration;
     }
+    CommandService commands(
+        site, core, [&runtime](int channelId, int rtuId) { return runtime.findRtu(channelId, rtuId); },
+        [&log](const std::string& message) { log.addMessage(message); });
     const std::unique_ptr<Output> output =
         makeOutput(format, console, "sbus-host  " + options.sitePath, store,
                    [&runtime, &log] { return figuresOf(runtime, log); });
@@ -110,6 +115,7 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
 
     // What counts is how things stood at the end of the run, not what closing the lines makes of it.
     store.freeze();
+    commands.stop();
     const std::vector<RtuOutcome> outcomes = outcomesOf(runtime, store, log);
     const std::vector<ChannelFigures> channels = runtime.channelFigures();
     output->tell(log.takeMessages());

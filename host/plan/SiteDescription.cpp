@@ -57,6 +57,8 @@ void describeRtu(std::ostream& out, const LineForecast& line, const RtuForecast&
     describePoll(out, line, "integrity poll", forecast.integrity, rtu.scan.integrity);
     describePoll(out, line, "status poll", forecast.status, rtu.scan.status);
     describePoll(out, line, "analog poll", forecast.analog, rtu.scan.analog);
+    if (rtu.timeSync)
+        out << "    clock set      every " << std::setw(6) << durationText(*rtu.timeSync) << '\n';
 }
 
 // The share counts the way of the bytes and the driver's rests, but not the controllers' own delays.

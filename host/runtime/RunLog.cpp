@@ -115,6 +115,11 @@ void RunLog::tell(const std::string& message) {
         ++lostMessages;
 }
 
+void RunLog::addMessage(const std::string& message) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    tell(message);
+}
+
 std::vector<std::string> RunLog::takeMessages() {
     const std::lock_guard<std::mutex> lock(mutex);
     std::vector<std::string> taken;

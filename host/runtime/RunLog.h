@@ -20,6 +20,8 @@ class RunLog {
 public:
     RunLog(const Site& loggedSite, bool withFrames);
 
+    // Adds a message of somebody else's.
+    void addMessage(const std::string& message);
     // What is to be told since the last call.
     std::vector<std::string> takeMessages();
     // Whether the last request of an RTU that failed was refused by the controller. Answers to other requests

@@ -14,6 +14,15 @@ bool hasPoints(const Rtu& rtu, PointKind kind) {
     return countPoints(rtu, kind) > 0;
 }
 
+bool isPulse(const Point& point) {
+    return point.pulseMs > 0;
+}
+
+// A second address is another element; a value of its own is what an off command writes as well.
+bool isOffCommandItsRelease(const Point& point) {
+    return !point.secondAddress && !point.value;
+}
+
 const char* toText(LineType type) {
     return type == LineType::Serial ? "SBus-Serial" : "SBus-Ethernet";
 }

@@ -45,7 +45,8 @@ struct Rtu {
     TransmitType transmitType = TransmitType::Data; // serial lines; the same for all RTUs of a line
     unsigned breakDelayMs = 10;                     // likewise
     ScanTimes scan;
-    std::vector<Point> points; // in the order of the file
+    std::optional<std::chrono::milliseconds> timeSync; // how often the clock is set; none: never
+    std::vector<Point> points;                         // in the order of the file
     Place place;
 };
 
@@ -67,6 +68,9 @@ struct Site {
 
 bool hasPoints(const Rtu& rtu, PointKind kind);
 std::size_t countPoints(const Rtu& rtu, PointKind kind);
+bool isPulse(const Point& point);
+// Whether an off command of this pulse point resets just what its on command has set.
+bool isOffCommandItsRelease(const Point& point);
 const char* toText(LineType type); // "SBus-Serial"
 const char* toText(TransmitType type);
 

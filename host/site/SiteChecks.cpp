@@ -77,6 +77,28 @@ void findSharedDevices(const Site& site, Findings& findings) {
     }
 }
 
+void findUnsupervisedPulses(const Rtu& rtu, Findings& findings) {
+    for (const Point& point : rtu.points)
+        if (isPulse(point) && !isOffCommandItsRelease(point))
+            findings.warning(point.place,
+                             "an off command does not reset what the pulse of \"" + point.name +
+                                 "\" sets, so the host cannot end a pulse whose release gets lost",
+                             "leave second_address and value out, or let the controller end the pulse");
+}
+
+void findClocksOutOfReach(const Channel& channel, const Rtu& rtu, Findings& findings) {
+    if (rtu.timeSync && channel.type == LineType::Ethernet)
+        findings.warning(rtu.place,
+                         "time_sync on an Ethernet line: the clock telegram goes out without its header and "
+                         "controllers ignore it",
+                         "leave time_sync out, or set the clock over a serial line");
+    if (rtu.timeSync && rtu.points.empty())
+        findings.warning(rtu.place,
+                         "time_sync without points: the clock is set when the RTU answers a poll, and it has "
+                         "none",
+                         "add a point");
+}
+
 void findIdleParts(const Site& site, Findings& findings) {
     constexpr unsigned broadcastStation = 255;
     for (const Channel& channel : site.channels) {
@@ -92,6 +114,8 @@ void findIdleParts(const Site& site, Findings& findings) {
                 findings.warning(rtu.place,
                                  "station 255 is the broadcast address, which no controller answers",
                                  "give the controller's own station number");
+            findUnsupervisedPulses(rtu, findings);
+            findClocksOutOfReach(channel, rtu, findings);
         }
     }
 }

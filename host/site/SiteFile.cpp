@@ -135,6 +135,7 @@ private:
         table.need("station", "give the controller's S-Bus station number, 0 to 255");
         rtu.station = static_cast<unsigned>(table.integer("station", 0, highestStation).value_or(0));
         rtu.timeout = table.duration("timeout").value_or(rtu.timeout);
+        rtu.timeSync = table.duration("time_sync");
         lineSettings.push_back(readLineSetting(table, rtu));
         readScan(table, rtu);
         readPoints(table, rtu);

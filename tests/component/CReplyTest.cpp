@@ -90,6 +90,88 @@ TEST_F(CReplies, CompletionAfterTheWaitingSideLeftFreesTheReply) {
     EXPECT_EQ(CReply::liveCount(), 0);
 }
 
+TEST_F(CReplies, NoticeIsGivenWhenAnotherThreadCompletes) {
+    auto* reply = new CReply;
+    reply->addRefer();
+    std::vector<DriverErrorResult> told;
+    reply->notify([&](DriverErrorResult result) { told.push_back(result); });
+    EXPECT_FALSE(reply->replyed());
+    EXPECT_TRUE(told.empty());
+    std::thread engine([reply] { finish(reply, DriverErrorResult::BadData); });
+    engine.join();
+    EXPECT_EQ(told, std::vector{DriverErrorResult::BadData});
+    EXPECT_EQ(CReply::liveCount(), 0);
+}
+
+TEST_F(CReplies, NoticeIsGivenAtOnceWhenTheResultIsThere) {
+    auto* reply = new CReply;
+    reply->addRefer();
+    finish(reply, DriverErrorResult::Success);
+    std::vector<DriverErrorResult> told;
+    reply->notify([&](DriverErrorResult result) { told.push_back(result); });
+    EXPECT_EQ(told, std::vector{DriverErrorResult::Success});
+}
+
+TEST_F(CReplies, NoticeIsGivenForTheFirstCompletionOnly) {
+    auto* reply = new CReply;
+    reply->addRefer();
+    reply->addRefer();
+    std::vector<DriverErrorResult> told;
+    reply->notify([&](DriverErrorResult result) { told.push_back(result); });
+    reply->setRefer(DriverErrorResult::TimeOut);
+    EXPECT_TRUE(reply->replyed());
+    EXPECT_EQ(CReply::liveCount(), 1);
+    reply->setRefer(DriverErrorResult::BadData);
+    EXPECT_EQ(told, std::vector{DriverErrorResult::TimeOut});
+}
+
+TEST_F(CReplies, NoticeIsGivenWhenTheChannelGoes) {
+    auto channel = std::make_unique<TestChannel>();
+    auto* reply = new CReply(channel.get());
+    reply->addRefer();
+    std::vector<DriverErrorResult> told;
+    reply->notify([&](DriverErrorResult result) { told.push_back(result); });
+    channel.reset();
+    EXPECT_EQ(told, std::vector{DriverErrorResult::ChannelError});
+}
+
+// It asks for the next reply of the same channel, whose lock all of them share.
+TEST_F(CReplies, NoticeMayMakeTheNextReplyOfTheChannel) {
+    TestChannel channel;
+    auto* reply = new CReply(&channel);
+    reply->addRefer();
+    reply->notify([&](DriverErrorResult) { (new CReply(&channel))->release(); });
+    reply->setRefer(DriverErrorResult::Success);
+    EXPECT_EQ(CReply::liveCount(), 0);
+}
+
+TEST_F(CReplies, NoticeAskedForAtTheMomentOfCompletionIsGivenOnce) {
+    constexpr int rounds = 100;
+    constexpr int batchSize = 100;
+    TestChannel channel;
+    for (int round = 0; round < rounds; ++round) {
+        std::vector<CReply*> replies;
+        for (int index = 0; index < batchSize; ++index) {
+            replies.push_back(new CReply(&channel));
+            replies.back()->addRefer();
+        }
+        std::atomic<bool> started{false};
+        std::atomic<int> told{0};
+        std::thread engine([&] {
+            started = true;
+            for (CReply* reply : replies)
+                finish(reply, DriverErrorResult::TimeOut);
+        });
+        while (!started)
+            std::this_thread::yield();
+        for (CReply* reply : replies)
+            reply->notify([&](DriverErrorResult result) { told += result == DriverErrorResult::TimeOut; });
+        engine.join();
+        ASSERT_EQ(told, batchSize);
+        ASSERT_EQ(CReply::liveCount(), 0);
+    }
+}
+
 TEST_F(CReplies, ReplyLivesUntilItsLastReferenceIsCompleted) {
     auto* reply = new CReply;
     reply->addRefer();

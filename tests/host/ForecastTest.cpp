@@ -105,6 +105,13 @@ TEST(Forecast, TellsWhetherThePeriodsFit) {
     EXPECT_THAT(describeSite(site), HasSubstr("the scan periods fit\n"));
 }
 
+TEST(Forecast, TellsHowOftenAClockIsSet) {
+    host::Rtu rtu = rtuWithNineFlagsAndTwoRegisters();
+    rtu.timeSync = std::chrono::hours(24);
+    const host::Site site{{lineWith(rtu, LineType::Serial)}};
+    EXPECT_THAT(describeSite(site), HasSubstr("    clock set      every   24 h\n"));
+}
+
 TEST(Forecast, TellsHiddenPointsAndRewrittenAddresses) {
     host::Rtu rtu;
     addPoints(rtu, 'R', 0, 128);

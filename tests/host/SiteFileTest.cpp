@@ -230,6 +230,33 @@ TEST(SiteFile, WarnsOfWhatCannotBePolled) {
                                               HasSubstr("warning: station 255 is the broadcast address")));
 }
 
+TEST(SiteFile, TakesAPeriodForTheClock) {
+    const LoadedSite loaded =
+        read(serial + rtu(1, csvPoints + "time_sync = \"24h\"\n") + rtu(2, "name = \"b\"\n" + csvPoints));
+    EXPECT_THAT(findings(loaded), IsEmpty());
+    EXPECT_EQ(loaded.site.channels[0].rtus[0].timeSync, 24h);
+    EXPECT_EQ(loaded.site.channels[0].rtus[1].timeSync, std::nullopt);
+}
+
+TEST(SiteFile, WarnsOfAClockThatIsOutOfReach) {
+    EXPECT_THAT(findings(ethernet + rtu(1, csvPoints + "time_sync = \"24h\"\n")),
+                ElementsAre(HasSubstr("site.toml:6:6: warning: time_sync on an Ethernet line")));
+    EXPECT_THAT(findings(serial + rtu(1, "time_sync = \"24h\"\n")),
+                ElementsAre(HasSubstr("has no points"), HasSubstr("time_sync without points")));
+}
+
+TEST(SiteFile, WarnsOfPulsesThatCannotBeSupervised) {
+    const std::string head = "id,name,kind,address,value,second_address,pulse_ms\n";
+    pointTables["sites/pulses.csv"] =
+        head +
+        "1,GOOD,status,O1,,,500\n2,TWO,status,O2,,O3,500\n3,OWN,status,O4,1,,500\n4,NONE,status,O5,1,,\n";
+    EXPECT_THAT(findings(ethernet + rtu(1, "points = \"pulses.csv\"\n")),
+                ElementsAre(HasSubstr("pulses.csv:3:1: warning: an off command does not reset what the pulse "
+                                      "of \"TWO\" sets"),
+                            HasSubstr("pulses.csv:4:1: warning: an off command does not reset what the pulse "
+                                      "of \"OWN\" sets")));
+}
+
 TEST(SiteFile, TellsAnEmptySiteFileByWhatIsMissing) {
     const QTemporaryDir directory;
     const std::string path = writeFile(directory, "site.toml", "");

@@ -47,12 +47,16 @@ bool CReply::replyed() const {
 void CReply::setRefer(Halvex::DriverErrorResult result) {
     const auto shared = state->shared;
     std::unique_lock<std::mutex> lock(shared->mutex);
-    state->complete(result == Halvex::DriverErrorResult::Success ? errorResult : result);
+    const Halvex::DriverErrorResult ended =
+        result == Halvex::DriverErrorResult::Success ? errorResult : result;
+    const State::Notice notice = state->complete(ended);
     state->driverReferences = std::max(0, state->driverReferences - 1);
     const bool unused = state->takeOutIfUnused(this);
     lock.unlock();
     if (unused)
         delete this;
+    if (notice)
+        notice(ended);
 }
 
 std::optional<Halvex::DriverErrorResult> CReply::wait(int timeoutMs) {
@@ -68,6 +72,22 @@ std::optional<Halvex::DriverErrorResult> CReply::wait(int timeoutMs) {
     if (unused)
         delete this;
     return result;
+}
+
+void CReply::notify(std::function<void(Halvex::DriverErrorResult)> notice) {
+    const auto shared = state->shared;
+    std::unique_lock<std::mutex> lock(shared->mutex);
+    if (!state->completed) {
+        state->notice = std::move(notice);
+        return;
+    }
+    const Halvex::DriverErrorResult result = state->result;
+    state->waitingSideGone = true;
+    const bool unused = state->takeOutIfUnused(this);
+    lock.unlock();
+    if (unused)
+        delete this;
+    notice(result);
 }
 
 void CReply::release() {

@@ -5,6 +5,7 @@
 #include <HalvexDriverComponent/CReply.h>
 
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -13,13 +14,19 @@ struct CReply::State {
     explicit State(std::shared_ptr<ReplyRegistry::Shared> sharedWithChannel)
         : shared(std::move(sharedWithChannel)) {}
 
-    void complete(Halvex::DriverErrorResult ended) {
+    using Notice = std::function<void(Halvex::DriverErrorResult)>;
+
+    // What is to be called with `ended` once the lock is given up: nothing unless notify() asked for it.
+    [[nodiscard]] Notice complete(Halvex::DriverErrorResult ended) {
         if (completed)
-            return;
+            return {};
         completed = true;
         result = ended;
         // Under the lock: the waiting side may free the reply as soon as it has the lock.
         answered.notify_all();
+        if (notice)
+            waitingSideGone = true;
+        return std::exchange(notice, Notice());
     }
 
     // True when both sides have ended their use: then the caller, and nobody else, deletes `reply` once it
@@ -33,6 +40,7 @@ struct CReply::State {
 
     const std::shared_ptr<ReplyRegistry::Shared> shared;
     std::condition_variable answered;
+    Notice notice;
     int driverReferences = 0;
     bool waitingSideGone = false;
     bool completed = false;

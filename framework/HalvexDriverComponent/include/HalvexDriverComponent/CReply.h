@@ -3,13 +3,14 @@
 #include <HalvexDriverComponent/Export.h>
 #include <HalvexDriverComponent/Halvex.h>
 
+#include <functional>
 #include <optional>
 
 class CChannel;
 
 // The answer that somebody waits for: made by the waiting side, completed once by the engine that carries
 // out the request. It is made with new and frees itself when both sides have ended their use:
-// - the waiting side ends it with wait() or release(), one call of one of them;
+// - the waiting side ends it with wait(), notify() or release(), one call of one of them;
 // - a driver that takes the reply over calls addRefer(); its use ends with setRefer(), or, when
 //   replyed() says that nobody waits any more, with delete.
 // A reply that its driver never completes is freed with the channel that it was made for, and whoever
@@ -36,6 +37,10 @@ public:
     // For the waiting side; the reply may be gone afterwards.
     // The result, or nothing when it did not come within `timeoutMs`.
     std::optional<Halvex::DriverErrorResult> wait(int timeoutMs);
+    // Calls `notice` with the result, once: here when it is there already, else on the thread that completes
+    // the reply, or on that which deletes the channel. No lock is held then. Until that moment somebody
+    // waits, as replyed() tells. Only for a reply that a driver has taken over: nobody completes another one.
+    void notify(std::function<void(Halvex::DriverErrorResult)> notice);
     // Ends the waiting side's use without waiting.
     void release();
 

@@ -1,0 +1,235 @@
+#include "CommandDispatcher.h"
+
+#include "CommandPlan.h"
+#include "FailureText.h"
+#include "plan/CommandTimeLimit.h"
+
+#include <HalvexDriverComponent/CReply.h>
+#include <HalvexDriverComponent/CRtu.h>
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+
+namespace host {
+
+namespace {
+
+int callDriver(CRtu& rtu, const CommandAction& action, CReply* reply) {
+    struct Caller {
+        CRtu& rtu;
+        CReply* reply;
+
+        int operator()(const SwitchPoint& one) const {
+            return rtu.statusWrite(one.point, one.on ? 1 : 0, reply);
+        }
+        int operator()(const SetPoint& one) const { return rtu.analogWrite(one.point, one.value, reply); }
+        int operator()(const SetPoints& list) const {
+            return rtu.analogWriteList(QMap<unsigned, double>(list.values), reply);
+        }
+        int operator()(const SynchroniseClock&) const { return rtu.timeSync(reply); }
+    };
+    return std::visit(Caller{rtu, reply}, action);
+}
+
+} // namespace
+
+struct CommandDispatcher::Mailbox {
+    void put(std::uint64_t call, Result result) {
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            endedCalls.emplace_back(call, result);
+        }
+        changed.notify_one();
+    }
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<std::pair<std::uint64_t, Result>> endedCalls;
+};
+
+CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu)
+    : CommandDispatcher(commandedSite, findRtu, commandTimeLimit) {}
+
+CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu,
+                                     const TimeLimit& timeLimit)
+    : mailbox(std::make_shared<Mailbox>()) {
+    addLines(commandedSite, findRtu, timeLimit);
+    thread = std::thread([this] { run(); });
+}
+
+CommandDispatcher::~CommandDispatcher() {
+    stop();
+}
+
+void CommandDispatcher::addLines(const Site& site, const FindRtu& findRtu, const TimeLimit& timeLimit) {
+    for (const Channel& channel : site.channels) {
+        Line& line = lines[channel.id];
+        line.timeLimit = timeLimit(channel);
+        for (const Rtu& rtu : channel.rtus) {
+            RtuLane& lane = lanes[{channel.id, rtu.id}];
+            lane.channel = &channel;
+            lane.configured = &rtu;
+            lane.rtu = findRtu(channel.id, rtu.id);
+            line.lanes.push_back(&lane);
+        }
+    }
+}
+
+std::string CommandDispatcher::submit(const Command& command, CommandDone done) {
+    std::string refused = refusal(command);
+    if (!refused.empty())
+        return refused;
+    RtuLane& lane = lanes.at({command.channelId, command.rtuId});
+    Job job{planDriverCalls(*lane.configured, command.action), 0, std::move(done)};
+    {
+        const std::lock_guard<std::mutex> lock(mailbox->mutex);
+        if (stopping)
+            return nameOf(*lane.channel, lane.configured) + ": the host is ending and takes no more commands";
+        if (lane.current && lane.waiting.size() >= mostWaiting)
+            return nameOf(*lane.channel, lane.configured) + ": " + std::to_string(mostWaiting) +
+                   " commands wait already; wait for their results, and check whether the controller answers";
+        if (lane.current)
+            lane.waiting.push_back(std::move(job));
+        else
+            lane.current = std::move(job);
+    }
+    mailbox->changed.notify_one();
+    return {};
+}
+
+std::string CommandDispatcher::refusal(const Command& command) const {
+    const auto line = lines.find(command.channelId);
+    if (line == lines.end())
+        return "there is no channel " + std::to_string(command.channelId) + "; check its id in the site file";
+    const auto found = lanes.find({command.channelId, command.rtuId});
+    if (found == lanes.end())
+        return "channel " + std::to_string(command.channelId) + " has no RTU " +
+               std::to_string(command.rtuId) + "; check its id in the site file";
+    const RtuLane& lane = found->second;
+    if (lane.rtu == nullptr)
+        return nameOf(*lane.channel, lane.configured) + " is not running; check the messages of its line";
+    return refusalOf(*lane.channel, *lane.configured, command.action);
+}
+
+void CommandDispatcher::stop() {
+    {
+        const std::lock_guard<std::mutex> lock(mailbox->mutex);
+        stopping = true;
+    }
+    mailbox->changed.notify_one();
+    if (thread.joinable())
+        thread.join();
+}
+
+void CommandDispatcher::run() {
+    std::unique_lock<std::mutex> lock(mailbox->mutex);
+    for (;;) {
+        const Work work = collectWork();
+        const bool isLast = stopping;
+        if (isLast || !work.results.empty() || !work.calls.empty()) {
+            lock.unlock();
+            for (const auto& [done, result] : work.results)
+                done(result);
+            for (const Call& call : work.calls)
+                makeCall(call);
+            if (isLast)
+                return;
+            lock.lock();
+        } else if (const std::optional<Clock::time_point> deadline = nextDeadline()) {
+            mailbox->changed.wait_until(lock, *deadline);
+        } else {
+            mailbox->changed.wait(lock);
+        }
+    }
+}
+
+CommandDispatcher::Work CommandDispatcher::collectWork() {
+    Work work;
+    takeEndedCalls(work);
+    endOverdueCalls(work);
+    if (stopping)
+        abandonAll(work);
+    else
+        for (auto& [channelId, line] : lines)
+            beginCall(line, work);
+    return work;
+}
+
+void CommandDispatcher::takeEndedCalls(Work& work) {
+    for (const auto& [number, result] : std::exchange(mailbox->endedCalls, {}))
+        for (auto& [channelId, line] : lines)
+            if (line.call && line.call->number == number)
+                endCall(line, result, work);
+}
+
+void CommandDispatcher::endOverdueCalls(Work& work) {
+    const Clock::time_point now = Clock::now();
+    for (auto& [channelId, line] : lines)
+        if (line.call && line.call->deadline <= now)
+            endCall(line, Result::TimeOut, work);
+}
+
+// Its job goes on to the next call, or ends.
+void CommandDispatcher::endCall(Line& line, Result result, Work& work) {
+    RtuLane& lane = *line.call->lane;
+    line.call.reset();
+    Job& job = *lane.current;
+    ++job.next;
+    if (result == Result::Success && job.next < job.calls.size())
+        return;
+    work.results.emplace_back(std::move(job.done), result);
+    lane.current.reset();
+    if (lane.waiting.empty())
+        return;
+    lane.current = std::move(lane.waiting.front());
+    lane.waiting.pop_front();
+}
+
+void CommandDispatcher::beginCall(Line& line, Work& work) {
+    if (line.call)
+        return;
+    for (std::size_t i = 0; i < line.lanes.size(); ++i) {
+        RtuLane& lane = *line.lanes[(line.turn + i) % line.lanes.size()];
+        if (!lane.current)
+            continue;
+        line.turn = (line.turn + i + 1) % line.lanes.size();
+        line.call = CallOnTheWay{++lastCall, &lane, Clock::now() + line.timeLimit};
+        work.calls.push_back({lastCall, lane.rtu, lane.current->calls[lane.current->next]});
+        return;
+    }
+}
+
+void CommandDispatcher::abandonAll(Work& work) {
+    for (auto& [ids, lane] : lanes) {
+        if (lane.current)
+            work.results.emplace_back(std::move(lane.current->done), Result::ChannelError);
+        lane.current.reset();
+        for (Job& job : lane.waiting)
+            work.results.emplace_back(std::move(job.done), Result::ChannelError);
+        lane.waiting.clear();
+    }
+    for (auto& [channelId, line] : lines)
+        line.call.reset();
+}
+
+std::optional<CommandDispatcher::Clock::time_point> CommandDispatcher::nextDeadline() const {
+    std::optional<Clock::time_point> next;
+    for (const auto& [channelId, line] : lines)
+        if (line.call && (!next || line.call->deadline < *next))
+            next = line.call->deadline;
+    return next;
+}
+
+void CommandDispatcher::makeCall(const Call& call) {
+    auto* const reply = new CReply(call.rtu->GetChannel());
+    const auto result = static_cast<Result>(callDriver(*call.rtu, call.action, reply));
+    if (result == Result::Success) {
+        reply->notify([box = mailbox, number = call.number](Result ended) { box->put(number, ended); });
+    } else {
+        reply->release();
+        mailbox->put(call.number, result);
+    }
+}
+
+} // namespace host

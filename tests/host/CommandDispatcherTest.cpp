@@ -1,0 +1,299 @@
+#include "runtime/CommandDispatcher.h"
+
+#include "CommandResults.h"
+#include "CommandedRtu.h"
+#include "SmallSite.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <map>
+#include <thread>
+
+using Halvex::DriverErrorResult;
+using host::Command;
+using host::CommandAction;
+using host::CommandDispatcher;
+using host::SetPoint;
+using host::SetPoints;
+using host::SwitchPoint;
+using host::SynchroniseClock;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Pair;
+
+namespace {
+
+constexpr auto success = DriverErrorResult::Success;
+constexpr auto timeOut = DriverErrorResult::TimeOut;
+constexpr auto channelError = DriverErrorResult::ChannelError;
+
+// The small site's RTU 7 and a second one, 8, of the same line.
+class Dispatching : public testing::Test {
+protected:
+    Dispatching() {
+        host::Rtu second = site.channels[0].rtus[0];
+        second.id = 8;
+        second.name = "tank";
+        site.channels[0].rtus.push_back(second);
+    }
+    ~Dispatching() override { EXPECT_EQ(CReply::liveCount(), 0); }
+
+    CommandDispatcher& dispatcher(std::chrono::milliseconds timeLimit = std::chrono::hours(1)) {
+        if (!made)
+            made = std::make_unique<CommandDispatcher>(
+                site, [this](int, int id) { return &rtus[id]; },
+                [timeLimit](const host::Channel&) { return timeLimit; });
+        return *made;
+    }
+
+    // The refusal; the result goes into `results` under the next number.
+    std::string submit(const CommandAction& action, int rtuId = 7, int channelId = 4) {
+        return dispatcher().submit({channelId, rtuId, action}, results.of(nextNumber++));
+    }
+
+    host::Site site = smallSite();
+    std::map<int, CommandedRtu> rtus;
+    CommandResults results; // outlives the dispatcher, which tells them
+    std::unique_ptr<CommandDispatcher> made;
+    int nextNumber = 0;
+};
+
+} // namespace
+
+TEST_F(Dispatching, EveryKindOfCommandReachesItsDriverCall) {
+    rtus[7].answerAtOnce(success);
+    EXPECT_EQ(submit(SwitchPoint{1, true}), "");
+    EXPECT_EQ(submit(SwitchPoint{1, false}), "");
+    EXPECT_EQ(submit(SetPoint{2, 1.5}), "");
+    EXPECT_EQ(submit(SynchroniseClock{}), "");
+    EXPECT_THAT(results.await(4),
+                ElementsAre(Pair(0, success), Pair(1, success), Pair(2, success), Pair(3, success)));
+    EXPECT_THAT(rtus[7].calls(), ElementsAre("switch 1 on", "switch 1 off", "set 2 1.5", "clock"));
+}
+
+TEST_F(Dispatching, TheNextCommandIsHandedOverOnlyWhenTheOneBeforeHasItsResult) {
+    submit(SwitchPoint{1, true});
+    submit(SwitchPoint{1, false});
+    EXPECT_THAT(rtus[7].awaitCalls(1), ElementsAre("switch 1 on"));
+    rtus[7].end(DriverErrorResult::BadData);
+    EXPECT_THAT(rtus[7].awaitCalls(2), ElementsAre("switch 1 on", "switch 1 off"));
+    EXPECT_THAT(results.all(), ElementsAre(Pair(0, DriverErrorResult::BadData)));
+    EXPECT_EQ(rtus[7].open(), 1U);
+    rtus[7].end(success);
+    EXPECT_THAT(results.await(2), ElementsAre(Pair(0, DriverErrorResult::BadData), Pair(1, success)));
+}
+
+// The driver would send the newest first: one RTU with much to do would keep the others waiting.
+TEST_F(Dispatching, TheRtusOfALineTakeTurns) {
+    for (int i = 0; i < 3; ++i)
+        submit(SetPoint{3, static_cast<double>(i)}, 7);
+    rtus[7].awaitCalls(1);
+    submit(SynchroniseClock{}, 8);
+    EXPECT_THAT(rtus[8].calls(), IsEmpty());
+    rtus[7].end(success);
+    EXPECT_THAT(rtus[8].awaitCalls(1), ElementsAre("clock"));
+    EXPECT_EQ(rtus[7].calls().size(), 1U);
+    rtus[8].end(success);
+    rtus[7].awaitCalls(2);
+    rtus[7].end(success);
+    rtus[7].awaitCalls(3);
+    rtus[7].end(success);
+    results.await(4);
+}
+
+TEST_F(Dispatching, ADriverRefusalIsTheResult) {
+    rtus[7].refuse(DriverErrorResult::UnsupportedAddress);
+    submit(SwitchPoint{1, true});
+    EXPECT_THAT(results.await(1), ElementsAre(Pair(0, DriverErrorResult::UnsupportedAddress)));
+}
+
+TEST_F(Dispatching, AListIsCarriedOutAsDriverCallsInTheirOrder) {
+    rtus[7].answerAtOnce(success);
+    submit(SetPoints{{{2, 1.5}, {3, 4}}});
+    EXPECT_THAT(results.await(1), ElementsAre(Pair(0, success)));
+    EXPECT_THAT(rtus[7].calls(), ElementsAre("set 2 1.5", "set 3 4"));
+}
+
+TEST_F(Dispatching, ConsecutiveIntegersOfAListTravelTogether) {
+    site.channels[0].rtus[0].points[1].isFloat = false;
+    rtus[7].answerAtOnce(success);
+    submit(SetPoints{{{2, 1}, {3, 4}}});
+    results.await(1);
+    EXPECT_THAT(rtus[7].calls(), ElementsAre("list 2=1 3=4"));
+}
+
+TEST_F(Dispatching, TheFirstFailureOfAListIsItsResultAndTheRestStaysUnsent) {
+    submit(SetPoints{{{2, 1.5}, {3, 4}}});
+    rtus[7].awaitCalls(1);
+    rtus[7].end(DriverErrorResult::BadData);
+    EXPECT_THAT(results.await(1), ElementsAre(Pair(0, DriverErrorResult::BadData)));
+    rtus[7].answerAtOnce(success);
+    submit(SynchroniseClock{});
+    results.await(2);
+    EXPECT_THAT(rtus[7].calls(), ElementsAre("set 2 1.5", "clock"));
+}
+
+TEST_F(Dispatching, OneCommandMoreThanTheQueueHoldsIsRefused) {
+    ASSERT_EQ(submit(SwitchPoint{1, true}), ""); // in progress
+    for (std::size_t i = 0; i < CommandDispatcher::mostWaiting; ++i)
+        ASSERT_EQ(submit(SetPoint{3, static_cast<double>(i)}), "");
+    EXPECT_EQ(submit(SwitchPoint{1, false}),
+              "channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5): 1000 commands wait already; wait "
+              "for their results, and check whether the controller answers");
+    EXPECT_EQ(submit(SynchroniseClock{}, 8), "");
+    rtus[7].awaitCalls(1);
+    rtus[7].answerAtOnce(success);
+    rtus[8].answerAtOnce(success);
+    rtus[7].end(success);
+    EXPECT_EQ(results.await(2 + CommandDispatcher::mostWaiting).size(), 2 + CommandDispatcher::mostWaiting);
+    EXPECT_EQ(submit(SwitchPoint{1, false}), "");
+    results.await(3 + CommandDispatcher::mostWaiting);
+}
+
+TEST_F(Dispatching, AResultThatDoesNotComeInTimeIsATimeOut) {
+    dispatcher(std::chrono::milliseconds(30));
+    submit(SwitchPoint{1, true});
+    EXPECT_THAT(results.await(1), ElementsAre(Pair(0, timeOut)));
+    // Its end comes late, while the next command is on its way.
+    submit(SwitchPoint{1, false});
+    rtus[7].awaitCalls(2);
+    rtus[7].end(success);
+    EXPECT_THAT(results.await(2), ElementsAre(Pair(0, timeOut), Pair(1, timeOut)));
+    rtus[7].end(success);
+    rtus[7].answerAtOnce(success);
+    submit(SynchroniseClock{});
+    EXPECT_THAT(results.await(3), ElementsAre(Pair(0, timeOut), Pair(1, timeOut), Pair(2, success)));
+}
+
+TEST_F(Dispatching, StoppingEndsWhatWaitsAndWhatIsInProgress) {
+    for (int i = 0; i < 5; ++i)
+        submit(SetPoint{3, static_cast<double>(i)});
+    submit(SynchroniseClock{}, 8);
+    rtus[7].awaitCalls(1);
+    dispatcher().stop();
+    EXPECT_THAT(results.all(),
+                ElementsAre(Pair(0, channelError), Pair(1, channelError), Pair(2, channelError),
+                            Pair(3, channelError), Pair(4, channelError), Pair(5, channelError)));
+    EXPECT_THAT(submit(SwitchPoint{1, true}), HasSubstr("the host is ending"));
+    rtus[7].end(success); // too late
+    EXPECT_EQ(results.all().size(), 6U);
+    dispatcher().stop();
+}
+
+TEST_F(Dispatching, AResultAtTheMomentOfTheStopIsToldOnce) {
+    for (int round = 0; round < 200; ++round) {
+        CommandResults told;
+        CommandedRtu rtu;
+        CommandDispatcher own(site, [&](int, int) { return &rtu; });
+        own.submit({4, 7, SwitchPoint{1, true}}, told.of(0));
+        own.submit({4, 7, SwitchPoint{1, false}}, told.of(1));
+        rtu.awaitCalls(1);
+        std::thread engine([&] { rtu.end(success); });
+        own.stop();
+        engine.join();
+        ASSERT_EQ(told.all().size(), 2U);
+        while (rtu.open() > 0)
+            rtu.end(success);
+        ASSERT_EQ(told.all().size(), 2U);
+    }
+}
+
+TEST_F(Dispatching, AResultMayBeAnsweredWithTheNextCommand) {
+    rtus[7].answerAtOnce(success);
+    std::function<void(int)> next = [&](int left) {
+        const auto done = [&next, left, told = results.of(left)](DriverErrorResult result) {
+            if (left > 0)
+                next(left - 1);
+            told(result);
+        };
+        EXPECT_EQ(dispatcher().submit({4, 7, SwitchPoint{1, true}}, done), "");
+    };
+    next(99);
+    EXPECT_EQ(results.await(100).size(), 100U);
+}
+
+TEST_F(Dispatching, TenThousandCommandsFromFourThreadsHaveTenThousandResults) {
+    constexpr int threads = 4;
+    constexpr int commandsOfEach = 2'500;
+    rtus[7].answerAtOnce(success);
+    dispatcher();
+    std::vector<std::thread> operators;
+    for (int thread = 0; thread < threads; ++thread)
+        operators.emplace_back([this, thread] {
+            for (int i = 0; i < commandsOfEach; ++i) {
+                const int number = thread * commandsOfEach + i;
+                const Command command{4, 7, SetPoint{3, static_cast<double>(number)}};
+                while (!made->submit(command, results.of(number)).empty())
+                    std::this_thread::yield(); // the queue is full
+            }
+        });
+    for (std::thread& one : operators)
+        one.join();
+    const CommandResults::List told = results.await(threads * commandsOfEach);
+    dispatcher().stop();
+    ASSERT_EQ(results.all().size(), std::size_t{threads} * commandsOfEach);
+
+    const std::vector<std::string> calls = rtus[7].calls();
+    ASSERT_EQ(calls.size(), told.size());
+    std::map<int, int> lastOfThread;
+    for (std::size_t i = 0; i < told.size(); ++i) {
+        const auto [number, result] = told[i];
+        ASSERT_EQ(result, success);
+        ASSERT_EQ(calls[i], "set 3 " + std::to_string(number)); // results come in the order of the calls
+        const int thread = number / commandsOfEach;
+        const auto [last, isFirst] = lastOfThread.emplace(thread, number);
+        ASSERT_TRUE(isFirst || number == last->second + 1) << number;
+        last->second = number;
+    }
+}
+
+TEST_F(Dispatching, WhatNoRtuCanDoIsRefusedWithItsReason) {
+    site.channels[0].rtus[0].points[0].address = {'I', 3};
+    const std::string who = "channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5)";
+    EXPECT_EQ(submit(SwitchPoint{1, true}, 7, 5), "there is no channel 5; check its id in the site file");
+    EXPECT_EQ(submit(SwitchPoint{1, true}, 9), "channel 4 has no RTU 9; check its id in the site file");
+    EXPECT_EQ(submit(SwitchPoint{99, true}),
+              who + ": there is no point 99; check its number in the point table");
+    EXPECT_EQ(submit(SwitchPoint{1, true}),
+              who +
+                  ", point 1 \"RUN\" (I3): is an input, which nobody can switch; command the output or flag "
+                  "that acts on it");
+    EXPECT_EQ(submit(SwitchPoint{3, true}), who + ", point 3 \"LEVEL\" (R101): is a register and cannot be "
+                                                  "switched; give it a value instead");
+    EXPECT_EQ(submit(SetPoint{1, 1}), who + ", point 1 \"RUN\" (I3): is no register, timer or counter and "
+                                            "takes no value; switch it on or off instead");
+    EXPECT_EQ(submit(SetPoints{{{3, 1}, {4, 1}}}),
+              who + ": there is no point 4; check its number in the point table");
+    EXPECT_EQ(submit(SetPoints{}), who + ": no values to set; give at least one");
+    EXPECT_THAT(results.all(), IsEmpty());
+    EXPECT_THAT(rtus[7].calls(), IsEmpty());
+}
+
+TEST_F(Dispatching, ValuesThatDoNotFitTheirElementAreRefused) {
+    rtus[7].answerAtOnce(success);
+    EXPECT_THAT(submit(SetPoint{3, 2147483648.0}), HasSubstr("give -2147483648 to 2147483647"));
+    EXPECT_EQ(submit(SetPoint{3, 2147483647.9}), ""); // the driver cuts it
+    EXPECT_EQ(submit(SetPoint{3, -2147483648.0}), "");
+    EXPECT_THAT(submit(SetPoint{2, 9.3e18}), HasSubstr("floating-point format"));
+    EXPECT_THAT(submit(SetPoint{2, -1e-30}), HasSubstr("floating-point format"));
+    EXPECT_EQ(submit(SetPoint{2, -9.2e18}), "");
+    EXPECT_THAT(submit(SetPoint{2, std::numeric_limits<double>::quiet_NaN()}), HasSubstr("is no number"));
+    EXPECT_EQ(results.await(3).size(), 3U);
+}
+
+TEST_F(Dispatching, TimersTakeValuesWithoutASign) {
+    site.channels[0].rtus[0].points[2].address = {'T', 3};
+    rtus[7].answerAtOnce(success);
+    EXPECT_EQ(submit(SetPoint{3, 4294967295.0}), "");
+    EXPECT_THAT(submit(SetPoint{3, -1}), HasSubstr("does not fit a timer; give 0 to 4294967295"));
+    results.await(1);
+}
+
+TEST_F(Dispatching, ADisabledRtuTakesNoCommands) {
+    site.channels[0].rtus[0].enabled = false;
+    EXPECT_EQ(submit(SynchroniseClock{}), "channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5) is "
+                                          "disabled; enable it in the site file and start anew");
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "runtime/Command.h"
+
+#include <deque>
+#include <string>
+#include <vector>
+
+// Takes commands and ends them when the test says so. One thread.
+class NotingTaker : public host::CommandTaker {
+public:
+    std::string submit(const host::Command& command, host::CommandDone done) override {
+        if (!refusal.empty())
+            return refusal;
+        texts.push_back(text(command));
+        waiting.push_back(std::move(done));
+        return {};
+    }
+
+    // Ends the oldest command.
+    void end(Halvex::DriverErrorResult result) {
+        const host::CommandDone done = std::move(waiting.front());
+        waiting.pop_front();
+        done(result);
+    }
+
+    std::string refusal;            // of all commands, unless it is empty
+    std::vector<std::string> texts; // "4/7 switch 1 on", "4/7 clock"
+
+private:
+    static std::string text(const host::Command& command) {
+        std::string text = std::to_string(command.channelId) + "/" + std::to_string(command.rtuId);
+        if (const auto* const one = std::get_if<host::SwitchPoint>(&command.action))
+            return text + " switch " + std::to_string(one->point) + (one->on ? " on" : " off");
+        return text + (std::holds_alternative<host::SynchroniseClock>(command.action) ? " clock" : " set");
+    }
+
+    std::deque<host::CommandDone> waiting;
+};
