@@ -31,7 +31,9 @@ ExitStatus synchroniseClock(const Controller& controller) {
                   << std::endl;
         return ExitStatus::Good;
     }
-    tellError(nameOf(line) + ", clock: " + ending.reason);
+    const bool isIgnored = type == LineType::Ethernet && ending.isSilent;
+    tellError(nameOf(line) + ", clock: " +
+              (isIgnored ? "no answer came, as was to be expected; take it for not set" : ending.reason));
     return ending.kind == CommandEnding::Kind::Refused ? ExitStatus::Refused
                                                        : ExitStatus::CommunicationFailed;
 }
