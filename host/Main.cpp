@@ -1,5 +1,6 @@
 #include "command/CheckCommand.h"
 #include "command/RunCommand.h"
+#include "oneshot/CommandLine.h"
 #include "site/Duration.h"
 
 #include <CLI/CLI.hpp>
@@ -23,8 +24,8 @@ OutputFormat formatNamed(const std::string& name) {
 }
 
 const char* const exitStatusHelp =
-    "Exit status: 0 good, 1 communication failed, 2 usage or configuration, 4 the "
-    "controller refused";
+    "Exit status: 0 good, 1 communication failed, 2 usage or configuration, 3 some elements but not all, "
+    "4 the controller refused";
 
 void addCheckCommand(CLI::App& program, ExitStatus& status) {
     CLI::App* const command =
@@ -72,12 +73,13 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
 
 int runProgram(int argc, char** argv) {
     QCoreApplication application(argc, argv);
-    CLI::App program("Polls S-Bus controllers through the SBusDriver plug-in", "sbus-host");
+    CLI::App program("Talks to S-Bus controllers through the SBusDriver plug-in", "sbus-host");
     program.require_subcommand(1);
     program.footer(exitStatusHelp);
     ExitStatus status = ExitStatus::Good;
     addRunCommand(program, status);
     addCheckCommand(program, status);
+    host::addOneShotCommands(program, status);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& ending) { // also the end of --help, whose number is 0

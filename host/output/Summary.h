@@ -14,7 +14,7 @@ struct RtuOutcome {
     std::size_t neverReadPoints = 0;
 };
 
-enum class ExitStatus { Good = 0, CommunicationFailed = 1, Configuration = 2, Refused = 4 };
+enum class ExitStatus { Good = 0, CommunicationFailed = 1, Configuration = 2, SomeElements = 3, Refused = 4 };
 
 std::vector<RtuOutcome> collectOutcomes(const std::vector<RtuFigures>& figures, const ValueStore& store);
 

@@ -75,7 +75,8 @@ std::vector<ReadTelegram> planTelegrams(char media, const std::set<unsigned>& el
 RtuReadPlan planReads(const Rtu& rtu) {
     std::map<char, std::set<unsigned>> elementsOfMedia; // in the driver's order of media
     for (const Point& point : rtu.points)
-        elementsOfMedia[point.address.media].insert(point.address.number);
+        if (point.isPolled)
+            elementsOfMedia[point.address.media].insert(point.address.number);
 
     RtuReadPlan plan;
     for (auto& [media, elements] : elementsOfMedia) {

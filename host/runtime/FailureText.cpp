@@ -44,21 +44,6 @@ std::string badAnswer(const Channel& channel, const std::string& protocolError) 
                                              : "; check for answers later than the time-out");
 }
 
-std::string whatHappened(const Channel& channel, const Rtu* rtu, const std::string& logText,
-                         const std::string& protocolError, bool onSecondary) {
-    if (contains(logText, "Error opening channel"))
-        return cannotOpen(channel);
-    if (rtu != nullptr && contains(logText, "Timeout") && !isRefusal(protocolError))
-        return noAnswer(channel, *rtu, onSecondary);
-    if (rtu != nullptr && contains(logText, "Chennel Error"))
-        return channel.type == LineType::Ethernet
-                   ? noAnswer(channel, *rtu, onSecondary)
-                   : "the line failed; check that device and cable are still plugged in";
-    if (contains(logText, "Bad Data") || contains(logText, "Timeout"))
-        return badAnswer(channel, protocolError);
-    return logText;
-}
-
 } // namespace
 
 bool isRefusal(const std::string& protocolError) {
@@ -72,6 +57,12 @@ bool isRefusedRead(TransmitType type, const std::string& hexBytes) {
     return hexBytes.compare(0, 2, "15") == 0 && hexBytes.find_first_not_of("0 ", 2) == std::string::npos;
 }
 
+bool isRefusedWrite(TransmitType type, const std::string& hexBytes) {
+    const std::string acknowledge = "B5 02 00 00";
+    return isRefusedRead(type, hexBytes) &&
+           (type == TransmitType::Break || hexBytes.compare(0, acknowledge.size(), acknowledge) != 0);
+}
+
 std::string nameOf(const Channel& channel, const Rtu* rtu) {
     std::string text = "channel " + std::to_string(channel.id) + " \"" + channel.name + "\"";
     if (rtu != nullptr)
@@ -80,9 +71,24 @@ std::string nameOf(const Channel& channel, const Rtu* rtu) {
     return text;
 }
 
+std::string failureReason(const Channel& channel, const Rtu* rtu, const std::string& logText,
+                          const std::string& protocolError, bool onSecondary) {
+    if (contains(logText, "Error opening channel"))
+        return cannotOpen(channel);
+    if (rtu != nullptr && contains(logText, "Timeout") && !isRefusal(protocolError))
+        return noAnswer(channel, *rtu, onSecondary);
+    if (rtu != nullptr && contains(logText, "Chennel Error"))
+        return channel.type == LineType::Ethernet
+                   ? noAnswer(channel, *rtu, onSecondary)
+                   : "the line failed; check that device and cable are still plugged in";
+    if (contains(logText, "Bad Data") || contains(logText, "Timeout"))
+        return badAnswer(channel, protocolError);
+    return logText;
+}
+
 std::string failureText(const Channel& channel, const Rtu* rtu, const std::string& logText,
                         const std::string& protocolError, bool onSecondary) {
-    return nameOf(channel, rtu) + ": " + whatHappened(channel, rtu, logText, protocolError, onSecondary);
+    return nameOf(channel, rtu) + ": " + failureReason(channel, rtu, logText, protocolError, onSecondary);
 }
 
 } // namespace host

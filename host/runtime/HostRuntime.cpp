@@ -22,7 +22,10 @@ int commTypeCode(LineType type) {
 } // namespace
 
 HostRuntime::HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore)
-    : site(hostSite), core(hostCore) {}
+    : HostRuntime(hostSite, hostCore, makeLink) {}
+
+HostRuntime::HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore, LinkFactory linkFactory)
+    : site(hostSite), core(hostCore), makeEnd(std::move(linkFactory)) {}
 
 HostRuntime::~HostRuntime() {
     stop();
@@ -53,8 +56,8 @@ std::string HostRuntime::makeChannel(const Channel& configured) {
         return who + ": the plug-in does not serve " + toText(configured.type);
     std::unique_ptr<CChannel> channel(plugin.driver()->createChannel(configured.id));
     channel->SetCommType(type);
-    channel->SetLinks(makeLink(configured.primary),
-                      configured.secondary ? makeLink(*configured.secondary) : nullptr);
+    channel->SetLinks(makeEnd(configured.primary),
+                      configured.secondary ? makeEnd(*configured.secondary) : nullptr);
     for (const Rtu& rtu : configured.rtus)
         addRtu(*channel, rtu);
     channels.push_back({&configured, std::move(channel)});

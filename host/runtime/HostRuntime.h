@@ -39,7 +39,11 @@ struct SiteFigures {
 // States: made, running (after start), stopped (after stop, for good). Site and core outlive it.
 class HostRuntime {
 public:
+    using LinkFactory = std::function<std::unique_ptr<CLink>(const LinkEnd&)>;
+
     HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore);
+    // With links of its own making.
+    HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore, LinkFactory linkFactory);
     HostRuntime(const HostRuntime&) = delete;
     HostRuntime& operator=(const HostRuntime&) = delete;
     ~HostRuntime();
@@ -69,6 +73,7 @@ private:
 
     const Site& site;
     HalvexDriverCoreInterface& core;
+    const LinkFactory makeEnd;
     DriverPlugin plugin; // outlives the channels, whose code is the plug-in's
     std::vector<RunningChannel> channels;
 };

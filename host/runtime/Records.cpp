@@ -32,10 +32,11 @@ StatusPoint statusPoint(const Point& point) {
     StatusPoint record;
     record.number = point.id;
     record.name = text(point.name);
-    record.firstAddress = text(point.address);
+    if (point.isPolled)
+        record.firstAddress = text(point.address);
     // An input has no output address: so a command to it is refused instead of going out as a read.
     if (isSwitchableMedia(point.address.media)) {
-        record.firstOutputAddress = record.firstAddress;
+        record.firstOutputAddress = text(point.address);
         record.firstOutputValue = text(point.value);
     }
     if (point.secondAddress) {

@@ -10,10 +10,12 @@ namespace {
 
 constexpr std::size_t mostMessages = 20'000; // for a reader that is slower than the frames
 
+const char* const nakError = "Nak Error"; // the driver's own word for a refusal on a serial line
+
 } // namespace
 
-RunLog::RunLog(const Site& loggedSite, bool withFrames)
-    : site(loggedSite), tellFrames(withFrames),
+RunLog::RunLog(const Site& loggedSite, bool withFrames, RequestListener resultListener)
+    : site(loggedSite), tellFrames(withFrames), listener(std::move(resultListener)),
       subscription(CLogger::GetInstance()->watchLinesAndFrames([this](const LogLine& line) { take(line); })) {
 }
 
@@ -32,6 +34,8 @@ void RunLog::takeFrameLine(const LogLine& line) {
     else if (line.packetType == Halvex::PacketType::Sent)
         protocolErrors[source].clear(); // silence that follows is no refusal
     noteAnswerBytes(line);
+    if (listener)
+        noteSentBytes(line);
     if (!tellFrames)
         return;
     const std::string who = std::to_string(line.channelId) + "/" + std::to_string(line.rtuId);
@@ -47,13 +51,30 @@ void RunLog::noteAnswerBytes(const LogLine& line) {
         answerBytes[source] = line.text.toStdString();
 }
 
+void RunLog::noteSentBytes(const LogLine& line) {
+    if (line.packetType != Halvex::PacketType::Sent)
+        return;
+    std::string& bytes = sentBytes[{line.channelId, line.rtuId}];
+    if (line.startsEntry)
+        bytes.clear();
+    else
+        bytes += line.text.toStdString();
+}
+
 // The driver tells a refusal as such only where the negative acknowledge is as long as the answer.
 void RunLog::noteHiddenRefusal(const LogLine& line, const Channel& channel, const Rtu* rtu) {
-    if (rtu == nullptr || channel.type != LineType::Serial || !line.text.contains(QStringLiteral("Timeout")))
+    if (rtu == nullptr || channel.type != LineType::Serial)
         return;
     const Source source{line.channelId, line.rtuId};
-    const bool isRefused = isRefusedRead(rtu->transmitType, answerBytes[source]);
-    protocolErrors[source] = isRefused ? "Nak Error" : "";
+    std::string& protocolError = protocolErrors[source];
+    const bool isNegative = isRefusedRead(rtu->transmitType, answerBytes[source]);
+    if (line.text.contains(QStringLiteral("Timeout")))
+        protocolError = isNegative ? nakError : "";
+    else if (isNegative && protocolError == "Control Error")
+        protocolError = nakError;
+    else if (line.level == Halvex::LogLevel::Success &&
+             isRefusedWrite(rtu->transmitType, answerBytes[source]))
+        protocolError = nakError;
 }
 
 void RunLog::noteSilence(const LogLine& line) {
@@ -77,7 +98,7 @@ void RunLog::noteEndInUse(const LogLine& line) {
 
 void RunLog::noteRefusal(const LogLine& line) {
     const Source source{line.channelId, line.rtuId};
-    if (line.level == Halvex::LogLevel::Success)
+    if (!isFailure(line))
         return;
     const bool isChannelError = line.text.contains(QStringLiteral("Chennel Error"));
     if (!isChannelError && isRefusal(protocolErrors[source]))
@@ -96,16 +117,60 @@ void RunLog::takeLogLine(const LogLine& line) {
     noteEndInUse(line);
     noteSilence(line);
     noteRefusal(line);
-    std::optional<std::string> message;
-    if (line.level == Halvex::LogLevel::Success)
-        message = collapser.succeeded(source, nameOf(*channel, rtu));
-    else
-        message = collapser.failed(source,
-                                   failureText(*channel, rtu, line.text.toStdString(), protocolErrors[source],
-                                               onSecondary.count(line.channelId) > 0),
-                                   std::chrono::steady_clock::now());
+    if (listener)
+        tellListener(line, *channel, rtu);
+    const std::optional<std::string> message =
+        isFailure(line)
+            ? collapser.failed(source, nameOf(*channel, rtu) + ": " + reasonOf(line, *channel, rtu),
+                               std::chrono::steady_clock::now())
+            : collapser.succeeded(source, nameOf(*channel, rtu));
     if (message)
         tell(*message);
+    // What the next request leaves unsaid must not be taken from this one.
+    protocolErrors.erase(source);
+    answerBytes.erase(source);
+    sentBytes.erase(source);
+}
+
+// A write that was refused in Data Mode is a success in the driver's log.
+bool RunLog::isFailure(const LogLine& line) const {
+    if (line.level != Halvex::LogLevel::Success)
+        return true;
+    const auto error = protocolErrors.find({line.channelId, line.rtuId});
+    return error != protocolErrors.end() && isRefusal(error->second);
+}
+
+std::string RunLog::reasonOf(const LogLine& line, const Channel& channel, const Rtu* rtu) const {
+    const auto error = protocolErrors.find({line.channelId, line.rtuId});
+    const std::string protocolError = error == protocolErrors.end() ? "" : error->second;
+    const std::string text =
+        line.level == Halvex::LogLevel::Success ? "Request result : Bad Data" : line.text.toStdString();
+    return failureReason(channel, rtu, text, protocolError, onSecondary.count(line.channelId) > 0);
+}
+
+RequestResult::Kind RunLog::kindOf(const LogLine& line) const {
+    using Kind = RequestResult::Kind;
+    const Source source{line.channelId, line.rtuId};
+    if (!isFailure(line))
+        return Kind::Answered;
+    if (silent.count(source) > 0)
+        return Kind::NoAnswer;
+    return refused.count(source) > 0 ? Kind::Refused : Kind::BadAnswer;
+}
+
+void RunLog::tellListener(const LogLine& line, const Channel& channel, const Rtu* rtu) const {
+    using Kind = RequestResult::Kind;
+    if (rtu == nullptr && line.level != Halvex::LogLevel::LinkFailure)
+        return;
+    const Source source{line.channelId, line.rtuId};
+    const auto find = [&source](const std::map<Source, std::string>& texts) {
+        const auto found = texts.find(source);
+        return found == texts.end() ? std::string() : found->second;
+    };
+    const Kind kind = rtu == nullptr ? Kind::LineClosed : kindOf(line);
+    listener({line.channelId, line.rtuId, kind,
+              kind == Kind::Answered ? std::string() : reasonOf(line, channel, rtu), find(protocolErrors),
+              find(sentBytes)});
 }
 
 void RunLog::tell(const std::string& message) {

@@ -1,7 +1,8 @@
 #include "LinkUrl.h"
 
+#include "Number.h"
+
 #include <algorithm>
-#include <charconv>
 
 namespace host {
 
@@ -15,15 +16,6 @@ const std::string serialExample =
 
 bool startsWith(const std::string& text, const std::string& start) {
     return text.compare(0, start.size(), start) == 0;
-}
-
-std::optional<unsigned> parseNumber(const std::string& text, unsigned lowest, unsigned highest) {
-    unsigned number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, failure] = std::from_chars(text.data(), end, number);
-    if (failure != std::errc() || rest != end || number < lowest || number > highest)
-        return std::nullopt;
-    return number;
 }
 
 ParsedLink refuse(const std::string& what, const std::string& remedy) {

@@ -1,6 +1,6 @@
 #include "PointFields.h"
 
-#include <charconv>
+#include "Number.h"
 
 namespace host {
 
@@ -11,15 +11,6 @@ namespace {
 
 constexpr unsigned highestPointId = 0x7FFF'FFFF; // above lie the numbers of hidden points
 constexpr unsigned longestPulseMs = 24 * 3'600'000;
-
-std::optional<unsigned> parseNumber(const std::string& text, unsigned lowest, unsigned highest) {
-    unsigned value = 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, failure] = std::from_chars(text.data(), end, value);
-    if (failure != std::errc() || rest != end || value < lowest || value > highest)
-        return std::nullopt;
-    return value;
-}
 
 // Reads the fields of one point. `good` turns false with the first finding.
 class PointReader {

@@ -25,6 +25,7 @@ struct Point {
     std::optional<unsigned> value;               // what goes to `address`
     std::optional<unsigned> secondValue;         // what goes to `secondAddress`
     unsigned pulseMs = 0;                        // 0: stays as commanded
+    bool isPolled = true;                        // of a status point; false: it is only commanded
     Place place;
 };
 

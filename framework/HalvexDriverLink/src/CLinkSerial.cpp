@@ -104,6 +104,8 @@ int CLinkSerial::open() {
         if (!error)
             device.open(settings.device, error);
         if (!error)
+            error = claimDevice(device.native_handle());
+        if (!error)
             error = configure(device, settings);
         if (!error)
             discardInput(device.native_handle());

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 
@@ -11,6 +12,12 @@ asio::error_code setBreak(SerialHandle handle, bool on, bool& supported) {
     const int error = errno;
     supported = error != ENOTTY && error != EINVAL && error != EOPNOTSUPP;
     return {supported ? error : 0, asio::error::get_system_category()};
+}
+
+asio::error_code claimDevice(SerialHandle handle) {
+    if (flock(handle, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+        return {}; // a device that knows no locks is anybody's
+    return {EBUSY, asio::error::get_system_category()};
 }
 
 void discardInput(SerialHandle handle) {

@@ -10,6 +10,10 @@ asio::error_code setBreak(SerialHandle handle, bool on, bool& supported) {
     return {supported ? static_cast<int>(error) : 0, asio::error::get_system_category()};
 }
 
+asio::error_code claimDevice(SerialHandle) {
+    return {}; // an open device is its opener's alone
+}
+
 void discardInput(SerialHandle handle) {
     PurgeComm(handle, PURGE_RXCLEAR);
 }

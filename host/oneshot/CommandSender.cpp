@@ -1,0 +1,152 @@
+#include "CommandSender.h"
+
+#include "command/StopSignal.h"
+
+#include <HalvexDriverComponent/CReply.h>
+#include <HalvexDriverComponent/CRtu.h>
+
+#include <algorithm>
+#include <future>
+#include <limits>
+#include <thread>
+
+namespace host {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Halvex::DriverErrorResult;
+
+constexpr std::chrono::milliseconds lookPeriod{20}; // how soon a signal is seen
+// Beyond the answer's time-out: a poll in progress, and 5 s each for a send and for a drain of the line.
+constexpr std::chrono::seconds patienceBeyondTimeOut{15};
+
+int give(CRtu& rtu, const CommandAction& action, CReply* reply) {
+    if (const auto* const bit = std::get_if<SwitchPoint>(&action))
+        return rtu.statusWrite(bit->point, bit->on ? 1 : 0, reply);
+    if (const auto* const word = std::get_if<SetPoint>(&action))
+        return rtu.analogWrite(word->point, word->value, reply);
+    if (const auto* const words = std::get_if<SetPoints>(&action)) {
+        QMap<unsigned, double> values;
+        for (const auto& [point, value] : words->values)
+            values.insert(point, value);
+        return rtu.analogWriteList(values, reply);
+    }
+    return rtu.timeSync(reply);
+}
+
+CommandEnding notSent(const std::string& reason) {
+    CommandEnding ending;
+    ending.reason = reason;
+    return ending;
+}
+
+} // namespace
+
+CommandSender::CommandSender(const ControllerLine& controllerLine, const Site& writeSite,
+                             HostRuntime::LinkFactory linkFactory)
+    : line(controllerLine), site(writeSite),
+      log(site, false, [this](const RequestResult& result) { noteResult(result); }),
+      runtime(site, *this, std::move(linkFactory)) {}
+
+CommandSender::~CommandSender() {
+    runtime.stop(); // while this object still is the core
+}
+
+std::string CommandSender::open(const std::string& pluginPath) {
+    return runtime.start(pluginPath);
+}
+
+// Polls of the same RTU end, too; only what has sent a write is the command's.
+void CommandSender::noteResult(const RequestResult& result) {
+    const Channel& channel = site.channels.front();
+    const bool isOfWrite = isWriteTelegram(bytesOfHexText(result.sentHex), channel.type, line.transmitType);
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (result.kind == RequestResult::Kind::LineClosed)
+        lineFault = result.reason + lineInUseHint(line);
+    else if (isOfWrite)
+        writeResult = result;
+}
+
+std::string CommandSender::awaitLine() {
+    for (;;) {
+        if (runtime.channelStatus(site.channels.front()).connected)
+            return {};
+        if (stopsignal::isRequested())
+            return "interrupted before it was sent";
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            if (!lineFault.empty())
+                return lineFault;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+CommandEnding CommandSender::send(const CommandAction& action) {
+    // The line may be closed and opened anew between the look at it and the command.
+    for (;;) {
+        const std::string fault = awaitLine();
+        if (!fault.empty())
+            return notSent(fault);
+        CRtu* const rtu = runtime.findRtu(oneShotChannelId, writeRtuId);
+        if (rtu == nullptr)
+            return notSent("interrupted before it was sent");
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            writeResult.reset();
+        }
+        auto* const reply = new CReply(rtu->GetChannel());
+        const auto answer = static_cast<DriverErrorResult>(give(*rtu, action, reply));
+        if (answer == DriverErrorResult::Success)
+            return endingOf(awaitReply(reply));
+        reply->release();
+        if (answer != DriverErrorResult::ChannelError)
+            return notSent("the driver does not take the command (" +
+                           std::to_string(static_cast<int>(answer)) + ")");
+    }
+}
+
+// The wait for a reply cannot be taken up again once it is over, so it is left to another thread while this
+// one looks for a signal. The end of the channel ends it, too.
+DriverErrorResult CommandSender::awaitReply(CReply* reply) {
+    const auto longest = 2 * line.timeout + std::chrono::milliseconds(patienceBeyondTimeOut);
+    const int patience =
+        static_cast<int>(std::min<long long>(longest.count(), std::numeric_limits<int>::max()));
+    std::future<std::optional<DriverErrorResult>> result =
+        std::async(std::launch::async, [reply, patience] { return reply->wait(patience); });
+    while (result.wait_for(lookPeriod) != std::future_status::ready) {
+        if (!stopsignal::isRequested())
+            continue;
+        runtime.stop();
+        break;
+    }
+    return result.get().value_or(DriverErrorResult::TimeOut);
+}
+
+CommandEnding CommandSender::endingOf(DriverErrorResult result) {
+    using Kind = RequestResult::Kind;
+    CommandEnding ending;
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (writeResult)
+        ending.telegram = bytesOfHexText(writeResult->sentHex);
+    if (writeResult ? writeResult->kind == Kind::Answered : result == DriverErrorResult::Success) {
+        ending.kind = CommandEnding::Kind::Done;
+    } else if (!writeResult) {
+        ending.kind = CommandEnding::Kind::Failed;
+        ending.reason = stopsignal::isRequested()
+                            ? "interrupted before it was answered; it may have been written or not"
+                            : "the line failed; check that device and cable are still plugged in";
+    } else if (writeResult->kind == Kind::Refused) {
+        ending.kind = CommandEnding::Kind::Refused;
+        ending.reason = "the controller refused the request (" + writeResult->protocolError +
+                        "); check that it has what is written, and lets it be written";
+    } else {
+        ending.kind = CommandEnding::Kind::Failed;
+        ending.reason = writeResult->reason + "; it may have been written or not";
+        ending.isSilent = writeResult->kind == Kind::NoAnswer;
+    }
+    return ending;
+}
+
+} // namespace host

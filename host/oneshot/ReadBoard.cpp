@@ -1,0 +1,70 @@
+#include "ReadBoard.h"
+
+#include <QDateTime>
+
+namespace host {
+
+ReadBoard::ReadBoard(std::size_t elements) : board(elements) {}
+
+void ReadBoard::begin() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    board.assign(board.size(), Reading());
+    elementsRead = 0;
+    results.clear();
+    hasNews = false;
+}
+
+void ReadBoard::publishPoints(int, int, const QVector<PointUpdate>& updates) {
+    const qint64 nowMs = QDateTime::currentMSecsSinceEpoch();
+    const std::lock_guard<std::mutex> lock(mutex);
+    for (const PointUpdate& one : updates) {
+        if (one.quality != PointQuality::Good || one.number >= board.size())
+            continue;
+        Reading& reading = board[one.number];
+        elementsRead += reading.isRead ? 0 : 1;
+        reading = {one.value, one.stamp.isNull() ? nowMs : one.stamp.toMSecsSinceEpoch(), true};
+    }
+    hasNews = true;
+    news.notify_all();
+}
+
+void ReadBoard::publishRtuStatus(int, int, const RtuStatus&) {}
+
+void ReadBoard::publishChannelStatus(int, const ChannelStatus&) {}
+
+void ReadBoard::noteResult(const RequestResult& result) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    results.push_back(result);
+    hasNews = true;
+    news.notify_all();
+}
+
+void ReadBoard::waitForNews(std::chrono::milliseconds longest) {
+    std::unique_lock<std::mutex> lock(mutex);
+    news.wait_for(lock, longest, [this] { return hasNews; });
+    hasNews = false;
+}
+
+std::vector<RequestResult> ReadBoard::takeResults() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    std::vector<RequestResult> taken;
+    taken.swap(results);
+    return taken;
+}
+
+std::vector<Reading> ReadBoard::readings() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return board;
+}
+
+std::size_t ReadBoard::readCount() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return elementsRead;
+}
+
+bool ReadBoard::isRead(std::size_t element) const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return board[element].isRead;
+}
+
+} // namespace host

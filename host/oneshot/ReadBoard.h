@@ -1,0 +1,53 @@
+#pragma once
+
+#include "runtime/RunLog.h"
+
+#include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <vector>
+
+namespace host {
+
+// What reading one element has given.
+struct Reading {
+    double value = 0;
+    qint64 timeMs = 0; // since 1970
+    bool isRead = false;
+};
+
+// Where the values and the results of one reading arrive, made of a site of makeReadSite: a point's number is
+// its element's place. A value that has been read stays so until begin(): that its RTU asks once more, or its
+// line breaks off behind it, takes nothing back. Any thread.
+class ReadBoard : public HalvexDriverCoreInterface {
+public:
+    explicit ReadBoard(std::size_t elements);
+
+    // A new reading: nothing is read yet, and no result is there.
+    void begin();
+
+    void publishPoints(int channelId, int rtuId, const QVector<PointUpdate>& updates) override;
+    void publishRtuStatus(int channelId, int rtuId, const RtuStatus& status) override;
+    void publishChannelStatus(int channelId, const ChannelStatus& status) override;
+    void noteResult(const RequestResult& result);
+
+    // Waits until something new is there, at most so long.
+    void waitForNews(std::chrono::milliseconds longest);
+    // The results since the last call.
+    std::vector<RequestResult> takeResults();
+    std::vector<Reading> readings() const;
+    std::size_t readCount() const;
+    bool isRead(std::size_t element) const;
+
+private:
+    mutable std::mutex mutex; // guards what follows
+    std::condition_variable news;
+    bool hasNews = false;
+    std::vector<Reading> board;
+    std::size_t elementsRead = 0;
+    std::vector<RequestResult> results;
+};
+
+} // namespace host

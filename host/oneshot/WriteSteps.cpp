@@ -1,0 +1,44 @@
+#include "WriteSteps.h"
+
+#include "plan/OneShotSite.h"
+
+namespace host {
+
+namespace {
+
+WriteStep stepOf(const WordCommand& command) {
+    WriteStep step;
+    SetPoints list;
+    for (const WordWrite& write : command) {
+        step.writes.push_back(write.point);
+        list.values[write.point] = write.value;
+    }
+    step.isFloat = command.front().isFloat;
+    if (command.size() == 1)
+        step.action = SetPoint{command.front().point, command.front().value};
+    else
+        step.action = list;
+    return step;
+}
+
+} // namespace
+
+std::vector<WriteStep> planWriteSteps(const std::vector<ElementWrite>& writes) {
+    std::vector<WordWrite> words;
+    std::vector<WriteStep> bits;
+    for (std::size_t place = 0; place < writes.size(); ++place) {
+        const ElementWrite& write = writes[place];
+        const auto point = static_cast<unsigned>(place);
+        if (isBitMedia(write.address.media))
+            bits.push_back({SwitchPoint{point, write.value != 0}, {place}, false});
+        else
+            words.push_back({point, write.address, goesAsFloat(write), write.value});
+    }
+    std::vector<WriteStep> steps;
+    for (const WordCommand& command : planWordWrites(words))
+        steps.push_back(stepOf(command));
+    steps.insert(steps.end(), bits.begin(), bits.end());
+    return steps;
+}
+
+} // namespace host

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "site/Site.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace host {
+
+using TelegramBytes = std::vector<std::uint8_t>;
+
+// A request telegram in words, as its bytes say: "write 2 registers from R10: 12, 13", "switch O200 on",
+// "set the clock to 2023-12-31 23:59:58, Sunday, week 52". `isFloat` tells whether the registers hold
+// floating-point words. A telegram that is none of these is told as unknown.
+std::string telegramText(const TelegramBytes& telegram, LineType line, TransmitType type, bool isFloat);
+
+bool isWriteTelegram(const TelegramBytes& telegram, LineType line, TransmitType type);
+
+// "B5 00 01 02", in one line.
+std::string hexText(const TelegramBytes& telegram);
+// The bytes of such a text, up to anything that is no pair of hex digits.
+TelegramBytes bytesOfHexText(const std::string& text);
+
+} // namespace host

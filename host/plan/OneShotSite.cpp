@@ -1,0 +1,118 @@
+#include "OneShotSite.h"
+
+#include "ReadPlan.h"
+
+#include <map>
+
+namespace host {
+
+namespace {
+
+// Nothing is read but what is asked for.
+constexpr ScanTimes noScans{std::chrono::milliseconds(0), std::chrono::milliseconds(0),
+                            std::chrono::milliseconds(0)};
+
+Channel channelOf(const ControllerLine& line) {
+    Channel channel;
+    channel.id = oneShotChannelId;
+    channel.name = toText(line.end);
+    channel.type = std::holds_alternative<SerialEnd>(line.end) ? LineType::Serial : LineType::Ethernet;
+    channel.primary = line.end;
+    return channel;
+}
+
+Rtu rtuOf(const ControllerLine& line, int id) {
+    Rtu rtu;
+    rtu.id = id;
+    rtu.name = "station " + std::to_string(line.station);
+    rtu.station = line.station;
+    rtu.timeout = line.timeout;
+    rtu.transmitType = line.transmitType;
+    rtu.breakDelayMs = line.breakDelayMs;
+    rtu.scan = noScans;
+    return rtu;
+}
+
+Point pointOf(std::size_t place, const ElementAddress& address, bool isFloat) {
+    Point point;
+    point.id = static_cast<unsigned>(place);
+    point.name = toText(address);
+    point.kind = isBitMedia(address.media) ? PointKind::Status : PointKind::Analog;
+    point.address = address;
+    point.writtenAddress = point.name;
+    point.isFloat = isFloat;
+    return point;
+}
+
+using RtuByElement = std::map<std::pair<char, unsigned>, std::size_t>;
+
+// Makes the RTUs without their points, and tells which one reads an element.
+RtuByElement addRtus(Channel& channel, const ControllerLine& line, const std::vector<ElementRead>& elements) {
+    std::map<char, std::set<unsigned>> numbersOfMedia;
+    for (const ElementRead& element : elements)
+        numbersOfMedia[element.address.media].insert(element.address.number);
+    RtuByElement rtuOfElement;
+    for (const auto& [media, numbers] : numbersOfMedia)
+        for (const ReadTelegram& telegram : planTelegrams(media, numbers)) {
+            const std::size_t place = channel.rtus.size();
+            channel.rtus.push_back(rtuOf(line, static_cast<int>(place) + 1));
+            for (unsigned i = 0; i < telegram.count; ++i)
+                rtuOfElement[{media, telegram.first + i}] = place;
+        }
+    return rtuOfElement;
+}
+
+} // namespace
+
+std::string nameOf(const ControllerLine& line) {
+    return toText(line.end) + ", station " + std::to_string(line.station);
+}
+
+std::string lineInUseHint(const ControllerLine& line) {
+    return std::holds_alternative<SerialEnd>(line.end)
+               ? "; if a running sbus-host has it open, give the command to that host with sbus-host ctl"
+               : "";
+}
+
+Site makeReadSite(const ControllerLine& line, const std::vector<ElementRead>& elements) {
+    Channel channel = channelOf(line);
+    const RtuByElement rtuOfElement = addRtus(channel, line, elements);
+    for (std::size_t place = 0; place < elements.size(); ++place) {
+        const ElementAddress& address = elements[place].address;
+        const std::size_t rtu = rtuOfElement.at({address.media, address.number});
+        channel.rtus[rtu].points.push_back(pointOf(place, address, elements[place].isFloat));
+    }
+    return {{channel}};
+}
+
+std::string elementsText(const Rtu& rtu) {
+    std::string text;
+    const RtuReadPlan plan = planReads(rtu);
+    std::vector<ReadTelegram> telegrams = plan.status;
+    telegrams.insert(telegrams.end(), plan.analog.begin(), plan.analog.end());
+    for (const ReadTelegram& telegram : telegrams) {
+        text += text.empty() ? "" : ", ";
+        text += toText(ElementAddress{telegram.media, telegram.first});
+        if (telegram.count > 1)
+            text += ".." + std::to_string(telegram.first + telegram.count - 1);
+    }
+    return text;
+}
+
+Site makeWriteSite(const ControllerLine& line, const std::vector<ElementWrite>& writes) {
+    Channel channel = channelOf(line);
+    Rtu rtu = rtuOf(line, writeRtuId);
+    for (std::size_t place = 0; place < writes.size(); ++place) {
+        Point point = pointOf(place, writes[place].address, goesAsFloat(writes[place]));
+        point.isPolled = point.kind == PointKind::Analog;
+        rtu.points.push_back(point);
+    }
+    channel.rtus.push_back(rtu);
+    return {{channel}};
+}
+
+bool goesAsFloat(const ElementWrite& write) {
+    return write.isFloat && write.value != 0;
+}
+
+} // namespace host

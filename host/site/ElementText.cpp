@@ -1,0 +1,156 @@
+#include "ElementText.h"
+
+#include "Number.h"
+
+#include <cmath>
+#include <limits>
+
+namespace host {
+
+namespace {
+
+const std::string rangeMark = "..";
+const std::string floatSuffix = ":float";
+const std::string readRemedy = "write addresses such as R10, R10..20, R30:float, F5 or I0..15";
+const std::string writeRemedy = "write ADDRESS=VALUE, such as O200=1, R10=12, R30:float=1.5 or T5=100";
+
+// Takes the suffix off the end of `text`, where it stands.
+bool takeSuffix(std::string& text, const std::string& suffix) {
+    const bool found =
+        text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
+    if (found)
+        text.resize(text.size() - suffix.size());
+    return found;
+}
+
+std::string floatFault(const std::string& text, bool isFloat, const ElementAddress& address) {
+    return isFloat && address.media != 'R' ? "\"" + text + "\": only registers (R) hold floating-point values"
+                                           : std::string();
+}
+
+ParsedReads refuseReads(const std::string& what, const std::string& remedy) {
+    return {{}, what, remedy};
+}
+
+ParsedWrite refuseWrite(const std::string& what, const std::string& remedy) {
+    return {{}, what, remedy};
+}
+
+std::optional<double> parseDecimal(const std::string& text) {
+    double value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, failure] = std::from_chars(text.data(), end, value);
+    if (rest != end || failure == std::errc::invalid_argument || !std::isfinite(value))
+        return std::nullopt;
+    // What is beyond the range of a double is beyond the controller's as well.
+    return failure == std::errc::result_out_of_range ? std::numeric_limits<double>::max() : value;
+}
+
+// The controller's format holds single precision with an exponent of its own, narrower range.
+std::string floatValueFault(double value) {
+    constexpr int lowestExponent = -65;
+    constexpr int exponentBeyond = 63;
+    const double magnitude = std::fabs(static_cast<double>(static_cast<float>(value)));
+    if (value == 0)
+        return {};
+    if (!(magnitude < std::ldexp(1.0, exponentBeyond)))
+        return "is too large for the controller's floating-point format, which ends at 9.223372e18";
+    if (magnitude < std::ldexp(1.0, lowestExponent))
+        return "is too close to 0 for the controller's floating-point format, which begins at 2.710505e-20";
+    return {};
+}
+
+ParsedWrite parseFloatValue(ElementWrite write, const std::string& text, const std::string& value) {
+    const std::optional<double> number = parseDecimal(value);
+    if (!number)
+        return refuseWrite("\"" + text + "\": \"" + value + "\" is no number", writeRemedy);
+    const std::string fault = floatValueFault(*number);
+    if (!fault.empty())
+        return refuseWrite("\"" + text + "\": " + value + " " + fault,
+                           "give a value within the format, or 0");
+    write.value = *number;
+    return {write, {}, {}};
+}
+
+struct IntegerRange {
+    long long lowest;
+    long long highest;
+};
+
+IntegerRange rangeOf(char media) {
+    constexpr long long highestWord = std::numeric_limits<std::int32_t>::max();
+    if (isBitMedia(media))
+        return {0, 1};
+    // Timers and counters count down from what is written, or up to it: never below 0.
+    return {media == 'R' ? std::numeric_limits<std::int32_t>::min() : 0, highestWord};
+}
+
+ParsedWrite parseIntegerValue(ElementWrite write, const std::string& text, const std::string& value) {
+    const IntegerRange range = rangeOf(write.address.media);
+    const std::optional<long long> number = parseNumber<long long>(value, range.lowest, range.highest);
+    if (number) {
+        write.value = static_cast<double>(*number);
+        return {write, {}, {}};
+    }
+    std::string remedy =
+        toText(write.address) + " takes " +
+        (isBitMedia(write.address.media)
+             ? "0 or 1"
+             : "whole numbers from " + std::to_string(range.lowest) + " to " + std::to_string(range.highest));
+    if (write.address.media == 'R' && parseDecimal(value))
+        remedy += "; for a floating-point value write " + toText(write.address) + floatSuffix + "=VALUE";
+    return refuseWrite("\"" + text + "\": value \"" + value + "\" is no number that fits", remedy);
+}
+
+} // namespace
+
+ParsedReads parseElementReads(const std::string& text) {
+    std::string rest = text;
+    const bool isFloat = takeSuffix(rest, floatSuffix);
+    const std::size_t mark = rest.find(rangeMark);
+    const ParsedAddress first = parseElementAddress(rest.substr(0, mark));
+    if (!first.address)
+        return refuseReads(first.what, readRemedy);
+    unsigned last = first.address->number;
+    if (mark != std::string::npos) {
+        const std::string end = rest.substr(mark + rangeMark.size());
+        const std::optional<unsigned> number = parseNumber(end, last, highestElement);
+        if (!number)
+            return refuseReads("range \"" + text + "\": \"" + end + "\" is no element number from " +
+                                   std::to_string(last) + " to " + std::to_string(highestElement),
+                               "write the last element's number behind the two points, such as R10..20");
+        last = *number;
+    }
+    const std::string fault = floatFault(text, isFloat, *first.address);
+    if (!fault.empty())
+        return refuseReads(fault, readRemedy);
+    ParsedReads parsed;
+    for (unsigned number = first.address->number; number <= last; ++number)
+        parsed.elements.push_back({{first.address->media, number}, isFloat});
+    return parsed;
+}
+
+ParsedWrite parseElementWrite(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos)
+        return refuseWrite("\"" + text + "\" gives no value", writeRemedy);
+    std::string target = text.substr(0, equals);
+    const bool isFloat = takeSuffix(target, floatSuffix);
+    if (target.find(rangeMark) != std::string::npos)
+        return refuseWrite("\"" + text + "\": a value goes to one element",
+                           "give each element of the range its own ADDRESS=VALUE");
+    const ParsedAddress address = parseElementAddress(target);
+    if (!address.address)
+        return refuseWrite(address.what, writeRemedy);
+    if (address.address->media == 'I')
+        return refuseWrite("\"" + text + "\": inputs (I) are read only",
+                           "write outputs, flags, registers, timers or counters (O, F, R, T, C)");
+    const std::string fault = floatFault(text, isFloat, *address.address);
+    if (!fault.empty())
+        return refuseWrite(fault, writeRemedy);
+    const std::string value = text.substr(equals + 1);
+    const ElementWrite write{*address.address, isFloat, 0};
+    return isFloat ? parseFloatValue(write, text, value) : parseIntegerValue(write, text, value);
+}
+
+} // namespace host
