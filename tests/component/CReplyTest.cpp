@@ -126,7 +126,7 @@ TEST_F(CReplies, NoticeIsGivenForTheFirstCompletionOnly) {
 }
 
 TEST_F(CReplies, NoticeIsGivenWhenTheChannelGoes) {
-    auto channel = std::make_unique<TestChannel>();
+    auto channel = std::make_unique<TaskChannel>();
     auto* reply = new CReply(channel.get());
     reply->addRefer();
     std::vector<DriverErrorResult> told;
@@ -137,7 +137,7 @@ TEST_F(CReplies, NoticeIsGivenWhenTheChannelGoes) {
 
 // It asks for the next reply of the same channel, whose lock all of them share.
 TEST_F(CReplies, NoticeMayMakeTheNextReplyOfTheChannel) {
-    TestChannel channel;
+    TaskChannel channel;
     auto* reply = new CReply(&channel);
     reply->addRefer();
     reply->notify([&](DriverErrorResult) { (new CReply(&channel))->release(); });
@@ -148,7 +148,7 @@ TEST_F(CReplies, NoticeMayMakeTheNextReplyOfTheChannel) {
 TEST_F(CReplies, NoticeAskedForAtTheMomentOfCompletionIsGivenOnce) {
     constexpr int rounds = 100;
     constexpr int batchSize = 100;
-    TestChannel channel;
+    TaskChannel channel;
     for (int round = 0; round < rounds; ++round) {
         std::vector<CReply*> replies;
         for (int index = 0; index < batchSize; ++index) {
