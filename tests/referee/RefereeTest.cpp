@@ -47,8 +47,8 @@ TEST_F(SequenceNumber, IsARepetitionToTsharkWhenItComesAgain) {
 }
 
 TEST_F(Referee, ReadsTheStationOfEachRequest) {
-    for (const int asked : {0, 254})
-        exchangeWith(asked, readRegister);
+    for (const int other : {0, 254})
+        exchangeWith(other, readRegister);
     EXPECT_EQ(reading(), (QStringList{"0 station 0: Read register(s) (0x06), 1 from 10", "0 " + zero,
                                       "1 station 254: Read register(s) (0x06), 1 from 10", "1 " + zero}));
 }
