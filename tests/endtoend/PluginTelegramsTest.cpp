@@ -19,6 +19,7 @@ namespace {
 class PluginTelegrams : public testing::Test {
 protected:
     PluginTelegrams() {
+        plant.setSessionTimeOut(30'000);
         plant.setScanPeriods({0, 0, 0}); // the one poll is that of the connection
         plant.wrapLinks([this](std::unique_ptr<CLink> link) -> std::unique_ptr<CLink> {
             return std::make_unique<TappedLink>(std::move(link), capture);
@@ -202,6 +203,7 @@ TEST_F(PluginTelegrams, AListOfFloatsIsTwiceAsManyRegistersToTheReferee) {
 
 // The clock telegram is its data and checksum alone, see the tests of the referee; no controller answers it.
 TEST_F(PluginTelegrams, AClockSettingIsNoTelegramToTheReferee) {
+    plant.setSessionTimeOut(50);
     addOutput(1, QStringLiteral("O1"));
     startAndPoll();
     EXPECT_EQ(run([](CRtu& rtu, CReply* reply) { return rtu.timeSync(reply); }),

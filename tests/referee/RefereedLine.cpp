@@ -31,7 +31,8 @@ void RefereedLine::exchange(const SBusRequestItem& item) {
 }
 
 void RefereedLine::exchangeWith(int otherStation, const SBusRequestItem& item) {
-    run(stationRecord(rtuId, QString::number(otherStation)), item);
+    constexpr int patienceMs = 30'000;
+    run(stationRecord(rtuId, QString::number(otherStation), patienceMs), item);
 }
 
 void RefereedLine::exchangeInVain(const SBusRequestItem& item) {
