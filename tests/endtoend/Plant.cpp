@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -51,11 +52,16 @@ RecordingCore& Plant::core() {
     return recordingCore;
 }
 
-void Plant::addStatusPoint(int station, unsigned number, const QString& address) {
+void Plant::wrapLinks(std::function<std::unique_ptr<CLink>(std::unique_ptr<CLink>)> wrap) {
+    wrapLink = std::move(wrap);
+}
+
+StatusPoint& Plant::addStatusPoint(int station, unsigned number, const QString& address) {
     StatusPoint point;
     point.number = number;
     point.firstAddress = address;
     configured.at(station).status << point;
+    return configured.at(station).status.last();
 }
 
 void Plant::addAnalogPoint(int station, unsigned number, const QString& address,
@@ -98,8 +104,8 @@ void Plant::start() {
     ownChannel.reset(driver->createChannel(lineId));
     ownChannel->SetCommType(static_cast<int>(type == LineType::Ethernet ? Halvex::CommTypeCode::SBusEthernet
                                                                         : Halvex::CommTypeCode::SBusSerial));
-    ownChannel->SetLinks(makeLink(sim::End::Primary),
-                         hasSecondaryEnd ? makeLink(sim::End::Secondary) : nullptr);
+    ownChannel->SetLinks(wrapLink(makeLink(sim::End::Primary)),
+                         hasSecondaryEnd ? wrapLink(makeLink(sim::End::Secondary)) : nullptr);
     if (lineIsDead)
         simulator.cut(lineId);
     for (const auto& [station, points] : configured) {

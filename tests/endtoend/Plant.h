@@ -33,7 +33,10 @@ public:
     void leaveLineDead() { lineIsDead = true; }
     // Gives the channel the line's other end as well.
     void useSecondaryEnd() { hasSecondaryEnd = true; }
-    void addStatusPoint(int station, unsigned number, const QString& address);
+    // Lets the channel use what `wrap` makes of each of its links.
+    void wrapLinks(std::function<std::unique_ptr<CLink>(std::unique_ptr<CLink>)> wrap);
+    // The point is the caller's to complete, until the next is added.
+    StatusPoint& addStatusPoint(int station, unsigned number, const QString& address);
     void addAnalogPoint(int station, unsigned number, const QString& address,
                         Halvex::PointDataType type = Halvex::PointDataType::Integer);
 
@@ -74,5 +77,8 @@ private:
     int sessionTimeOutMs = 500;
     bool lineIsDead = false;
     bool hasSecondaryEnd = false;
+    std::function<std::unique_ptr<CLink>(std::unique_ptr<CLink>)> wrapLink = [](std::unique_ptr<CLink> link) {
+        return link;
+    };
     std::unique_ptr<CChannel> ownChannel;
 };
