@@ -53,7 +53,7 @@ CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& f
 
 CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu,
                                      const TimeLimit& timeLimit)
-    : mailbox(std::make_shared<Mailbox>()) {
+    : refusals(std::make_shared<WriteRefusals>(commandedSite)), mailbox(std::make_shared<Mailbox>()) {
     addLines(commandedSite, findRtu, timeLimit);
     thread = std::thread([this] { run(); });
 }
@@ -195,7 +195,7 @@ void CommandDispatcher::beginCall(Line& line, Work& work) {
             continue;
         line.turn = (line.turn + i + 1) % line.lanes.size();
         line.call = CallOnTheWay{++lastCall, &lane, Clock::now() + line.timeLimit};
-        work.calls.push_back({lastCall, lane.rtu, lane.current->calls[lane.current->next]});
+        work.calls.push_back({lastCall, &lane, lane.current->calls[lane.current->next]});
         return;
     }
 }
@@ -221,15 +221,21 @@ std::optional<CommandDispatcher::Clock::time_point> CommandDispatcher::nextDeadl
     return next;
 }
 
+// The notice is there before the driver knows the reply: so it comes on the channel's thread as soon as the
+// command has ended, while its answer is the last one.
 void CommandDispatcher::makeCall(const Call& call) {
-    auto* const reply = new CReply(call.rtu->GetChannel());
-    const auto result = static_cast<Result>(callDriver(*call.rtu, call.action, reply));
-    if (result == Result::Success) {
-        reply->notify([box = mailbox, number = call.number](Result ended) { box->put(number, ended); });
-    } else {
-        reply->release();
-        mailbox->put(call.number, result);
-    }
+    CRtu& rtu = *call.lane->rtu;
+    auto* const reply = new CReply(rtu.GetChannel());
+    reply->notify([box = mailbox, known = refusals, number = call.number, channelId = call.lane->channel->id,
+                   rtuId = call.lane->configured->id](Result ended) {
+        const bool isRefused = ended == Result::Success && known->isLastAnswerRefusal(channelId, rtuId);
+        box->put(number, isRefused ? Result::BadData : ended);
+    });
+    const auto result = static_cast<Result>(callDriver(rtu, call.action, reply));
+    if (result == Result::Success)
+        return;
+    reply->release();
+    mailbox->put(call.number, result);
 }
 
 } // namespace host

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Command.h"
+#include "WriteRefusals.h"
 #include "site/Site.h"
 
 #include <chrono>
@@ -80,11 +81,11 @@ private:
         std::optional<CallOnTheWay> call;
     };
 
-    // A result that is to be told, or a call that is to be made, once the lock is given up.
+    // What is to be done once the lock is given up: results told, calls made.
     using Told = std::pair<CommandDone, Result>;
     struct Call {
         std::uint64_t number = 0;
-        CRtu* rtu = nullptr;
+        const RtuLane* lane = nullptr;
         CommandAction action;
     };
     struct Work {
@@ -106,6 +107,9 @@ private:
     void abandonAll(Work& work);
     std::optional<Clock::time_point> nextDeadline() const;
     void makeCall(const Call& call);
+
+    // A write that the controller has refused is no success, whatever the driver says.
+    const std::shared_ptr<const WriteRefusals> refusals;
 
     // Fixed after construction.
     std::map<std::pair<int, int>, RtuLane> lanes; // by channel and RTU

@@ -1,6 +1,7 @@
 #include "CommandPlan.h"
 
 #include "FailureText.h"
+#include "HostRuntime.h"
 #include "plan/WritePlan.h"
 
 #include <algorithm>
@@ -121,6 +122,18 @@ private:
     const Rtu& rtu;
 };
 
+// The driver's word for 0.0 is another number to the controller. The integer 0 is the floating-point 0 as
+// well.
+void appendWrite(std::vector<WordWrite>& writes, const Rtu& rtu, unsigned id, double value) {
+    const Point* const point = findPoint(rtu, id);
+    if (point == nullptr)
+        return;
+    if (point->isFloat && value == 0)
+        writes.push_back({integerTwinOf(rtu, *point), point->address, false, 0});
+    else
+        writes.push_back({id, point->address, point->isFloat, value});
+}
+
 CommandAction driverCall(const WordCommand& writes) {
     if (writes.size() == 1)
         return SetPoint{writes.front().point, writes.front().value};
@@ -145,13 +158,14 @@ std::string refusalOf(const Channel& channel, const Rtu& rtu, const CommandActio
 }
 
 std::vector<CommandAction> planDriverCalls(const Rtu& rtu, const CommandAction& action) {
-    const SetPoints* const list = std::get_if<SetPoints>(&action);
-    if (list == nullptr)
-        return {action};
     std::vector<WordWrite> writes;
-    for (const auto& [id, value] : list->values)
-        if (const Point* const point = findPoint(rtu, id))
-            writes.push_back({id, point->address, point->isFloat, value});
+    if (const auto* const one = std::get_if<SetPoint>(&action))
+        appendWrite(writes, rtu, one->point, one->value);
+    else if (const auto* const list = std::get_if<SetPoints>(&action))
+        for (const auto& [point, value] : list->values)
+            appendWrite(writes, rtu, point, value);
+    else
+        return {action};
     std::vector<CommandAction> calls;
     for (const WordCommand& command : planWordWrites(writes))
         calls.push_back(driverCall(command));

@@ -81,6 +81,8 @@ private:
 // The host's records for the driver.
 RemoteTerminalUnit makeRtuRecord(const Rtu& rtu);
 void addPoints(CRtu& target, const Rtu& rtu);
+// The number of the hidden integer point that stands beside each float point of `rtu`, at the same register.
+unsigned integerTwinOf(const Rtu& rtu, const Point& floatPoint);
 std::unique_ptr<CLink> makeLink(const LinkEnd& end);
 
 } // namespace host

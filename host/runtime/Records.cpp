@@ -114,6 +114,15 @@ void addPoints(CRtu& target, const Rtu& rtu) {
     unsigned number = firstHiddenNumber;
     for (const ElementAddress& address : planReads(rtu).hidden)
         addHiddenPoint(list, number++, address);
+    for (const Point& point : rtu.points)
+        if (point.isFloat)
+            addHiddenPoint(list, integerTwinOf(rtu, point), point.address);
+}
+
+unsigned integerTwinOf(const Rtu& rtu, const Point& floatPoint) {
+    // Far behind the hidden points that complete runs: there are not more of those than elements.
+    constexpr unsigned firstTwin = firstHiddenNumber + 0x4000'0000;
+    return firstTwin + static_cast<unsigned>(&floatPoint - rtu.points.data());
 }
 
 std::unique_ptr<CLink> makeLink(const LinkEnd& end) {

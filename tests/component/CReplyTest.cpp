@@ -103,6 +103,15 @@ TEST_F(CReplies, NoticeIsGivenWhenAnotherThreadCompletes) {
     EXPECT_EQ(CReply::liveCount(), 0);
 }
 
+TEST_F(CReplies, NoticeIsWithdrawnByTheReleaseOfAReplyThatNoDriverTook) {
+    auto* reply = new CReply;
+    bool isTold = false;
+    reply->notify([&](DriverErrorResult) { isTold = true; });
+    reply->release();
+    EXPECT_FALSE(isTold);
+    EXPECT_EQ(CReply::liveCount(), 0);
+}
+
 TEST_F(CReplies, NoticeIsGivenAtOnceWhenTheResultIsThere) {
     auto* reply = new CReply;
     reply->addRefer();

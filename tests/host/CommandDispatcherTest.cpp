@@ -3,6 +3,7 @@
 #include "CommandResults.h"
 #include "CommandedRtu.h"
 #include "SmallSite.h"
+#include "runtime/HostRuntime.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -53,6 +54,8 @@ protected:
     std::string submit(const CommandAction& action, int rtuId = 7, int channelId = 4) {
         return dispatcher().submit({channelId, rtuId, action}, results.of(nextNumber++));
     }
+
+    const host::Point& flow() const { return site.channels[0].rtus[0].points[1]; }
 
     host::Site site = smallSite();
     std::map<int, CommandedRtu> rtus;
@@ -123,6 +126,16 @@ TEST_F(Dispatching, ConsecutiveIntegersOfAListTravelTogether) {
     submit(SetPoints{{{2, 1}, {3, 4}}});
     results.await(1);
     EXPECT_THAT(rtus[7].calls(), ElementsAre("list 2=1 3=4"));
+}
+
+// Through the hidden integer point at the same register: the driver's word for 0.0 means another number.
+TEST_F(Dispatching, AFloatIsSetToZeroAsAnInteger) {
+    rtus[7].answerAtOnce(success);
+    const std::string twin = std::to_string(integerTwinOf(site.channels[0].rtus[0], flow()));
+    submit(SetPoint{2, 0});
+    submit(SetPoints{{{2, -0.0}, {3, 4}}});
+    results.await(2);
+    EXPECT_THAT(rtus[7].calls(), ElementsAre("set " + twin + " 0", "list 3=4 " + twin + "=0"));
 }
 
 TEST_F(Dispatching, TheFirstFailureOfAListIsItsResultAndTheRestStaysUnsent) {

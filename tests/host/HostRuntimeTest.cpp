@@ -55,7 +55,8 @@ TEST(HostRuntime, RunsTheSiteThroughThePlugin) {
     ASSERT_EQ(runtime.start(PLUGIN_FILE), "");
     ASSERT_NE(runtime.findRtu(4, 7), nullptr);
     EXPECT_EQ(runtime.findRtu(4, 8), nullptr);
-    EXPECT_EQ(runtime.findRtu(4, 7)->GetPointList()->GetAnalogPointList().size(), 2);
+    // FLOW and LEVEL, and the integer beside FLOW.
+    EXPECT_EQ(runtime.findRtu(4, 7)->GetPointList()->GetAnalogPointList().size(), 3);
     // Nobody answers: sooner or later a request has ended.
     while (runtime.rtuFigures().at(0).status.requests == 0)
         QThread::msleep(10);

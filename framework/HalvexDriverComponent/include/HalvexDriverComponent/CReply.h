@@ -10,7 +10,7 @@ class CChannel;
 
 // The answer that somebody waits for: made by the waiting side, completed once by the engine that carries
 // out the request. It is made with new and frees itself when both sides have ended their use:
-// - the waiting side ends it with wait(), notify() or release(), one call of one of them;
+// - the waiting side ends it with wait(), notify() or release(), one call of one of them (but see notify);
 // - a driver that takes the reply over calls addRefer(); its use ends with setRefer(), or, when
 //   replyed() says that nobody waits any more, with delete.
 // A reply that its driver never completes is freed with the channel that it was made for, and whoever
@@ -39,7 +39,8 @@ public:
     std::optional<Halvex::DriverErrorResult> wait(int timeoutMs);
     // Calls `notice` with the result, once: here when it is there already, else on the thread that completes
     // the reply, or on that which deletes the channel. No lock is held then. Until that moment somebody
-    // waits, as replyed() tells. Only for a reply that a driver has taken over: nobody completes another one.
+    // waits, as replyed() tells. Best before the driver gets the reply, so that the notice comes from within
+    // the completion. When the driver does not take it over, release() withdraws the notice and frees it.
     void notify(std::function<void(Halvex::DriverErrorResult)> notice);
     // Ends the waiting side's use without waiting.
     void release();
