@@ -122,7 +122,7 @@ void addRead(CLI::App& program, ExitStatus& status) {
         command
             ->add_option("--every", given->every, "Read again each time this time has passed, until Ctrl-C")
             ->check(durationFault);
-    command->add_option("--count", given->count, "With --every: end after so many readings")
+    command->add_option("--count", given->count, "End after so many readings")
         ->check(countFault)
         ->needs(every);
     command->add_option("--format", given->format, "How values are written; without it text")

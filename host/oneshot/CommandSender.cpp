@@ -50,7 +50,11 @@ CommandSender::CommandSender(const ControllerLine& controllerLine, const Site& w
       runtime(site, *this, std::move(linkFactory)) {}
 
 CommandSender::~CommandSender() {
-    runtime.stop(); // while this object still is the core
+    // While this object still is the core.
+    if (stopsignal::isRequested())
+        runtime.stopAtOnce();
+    else
+        runtime.stop();
 }
 
 std::string CommandSender::open(const std::string& pluginPath) {
@@ -118,7 +122,7 @@ DriverErrorResult CommandSender::awaitReply(CReply* reply) {
     while (result.wait_for(lookPeriod) != std::future_status::ready) {
         if (!stopsignal::isRequested())
             continue;
-        runtime.stop();
+        runtime.stopAtOnce();
         break;
     }
     return result.get().value_or(DriverErrorResult::TimeOut);
@@ -132,11 +136,12 @@ CommandEnding CommandSender::endingOf(DriverErrorResult result) {
         ending.telegram = bytesOfHexText(writeResult->sentHex);
     if (writeResult ? writeResult->kind == Kind::Answered : result == DriverErrorResult::Success) {
         ending.kind = CommandEnding::Kind::Done;
+    } else if (stopsignal::isRequested()) {
+        ending.kind = CommandEnding::Kind::Failed;
+        ending.reason = "interrupted before it was answered; it may have been written or not";
     } else if (!writeResult) {
         ending.kind = CommandEnding::Kind::Failed;
-        ending.reason = stopsignal::isRequested()
-                            ? "interrupted before it was answered; it may have been written or not"
-                            : "the line failed; check that device and cable are still plugged in";
+        ending.reason = "the line failed; check that device and cable are still plugged in";
     } else if (writeResult->kind == Kind::Refused) {
         ending.kind = CommandEnding::Kind::Refused;
         ending.reason = "the controller refused the request (" + writeResult->protocolError +

@@ -41,7 +41,10 @@ ElementReader::ElementReader(const ControllerLine& controllerLine,
       log(site, false, [this](const RequestResult& result) { board.noteResult(result); }),
       runtime(site, board), chunks(channel().rtus.size()) {}
 
-ElementReader::~ElementReader() = default;
+ElementReader::~ElementReader() {
+    if (stopsignal::isRequested())
+        runtime.stopAtOnce();
+}
 
 std::string ElementReader::open(const std::string& pluginPath) {
     return runtime.start(pluginPath);

@@ -83,6 +83,14 @@ void HostRuntime::stop() {
     plugin.unload();
 }
 
+void HostRuntime::stopAtOnce() {
+    for (const RunningChannel& running : channels) {
+        running.channel->SetShutdown(true);
+        running.channel->InterruptLinks();
+    }
+    stop();
+}
+
 void HostRuntime::waitForThreads() {
     std::chrono::milliseconds longest{0};
     for (const Channel& channel : site.channels)

@@ -53,6 +53,8 @@ public:
     // Ends the channels' threads, closes and deletes the channels, ends the driver and unloads it. A request
     // in progress has the longest session time-out to end by itself.
     void stop();
+    // The same, but gives no request the time to end: as if nothing had come in answer.
+    void stopAtOnce();
 
     std::vector<RtuFigures> rtuFigures() const;
     std::vector<ChannelFigures> channelFigures() const;

@@ -2,7 +2,9 @@
 
 #include "Number.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 
 namespace host {
@@ -36,6 +38,14 @@ ParsedWrite refuseWrite(const std::string& what, const std::string& remedy) {
     return {{}, what, remedy};
 }
 
+// Whether a number that no double holds is too close to 0, not too large.
+bool isTiny(const std::string& text) {
+    const std::size_t exponent = std::min(text.find_first_of("eE"), text.size());
+    if (exponent < text.size())
+        return text.compare(exponent + 1, 1, "-") == 0;
+    return text.substr(0, text.find('.')).find_first_of("123456789") == std::string::npos;
+}
+
 std::optional<double> parseDecimal(const std::string& text) {
     double value = 0;
     const char* const end = text.data() + text.size();
@@ -43,7 +53,9 @@ std::optional<double> parseDecimal(const std::string& text) {
     if (rest != end || failure == std::errc::invalid_argument || !std::isfinite(value))
         return std::nullopt;
     // What is beyond the range of a double is beyond the controller's as well.
-    return failure == std::errc::result_out_of_range ? std::numeric_limits<double>::max() : value;
+    if (failure == std::errc::result_out_of_range)
+        return isTiny(text) ? std::numeric_limits<double>::min() : std::numeric_limits<double>::max();
+    return value;
 }
 
 // The controller's format holds single precision with an exponent of its own, narrower range.

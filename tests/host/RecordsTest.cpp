@@ -60,6 +60,15 @@ TEST_F(Records, CarryThePointFields) {
     EXPECT_EQ(target.GetPointList()->GetAnalogPoint(3)->address, QStringLiteral("R101"));
 }
 
+TEST_F(Records, GiveAPointThatIsOnlyCommandedNoInputAddress) {
+    rtu.points[0].isPolled = false;
+    CRtu target(nullptr, nullptr, host::makeRtuRecord(rtu));
+    host::addPoints(target, rtu);
+    const StatusPoint& run = *target.GetPointList()->GetStatusPoint(1);
+    EXPECT_EQ(run.firstAddress, QString());
+    EXPECT_EQ(run.firstOutputAddress, QStringLiteral("O32"));
+}
+
 TEST_F(Records, GiveAnInputNoOutputAddress) {
     rtu.points[0].address = {'I', 32};
     CRtu target(nullptr, nullptr, host::makeRtuRecord(rtu));

@@ -129,3 +129,80 @@ TEST(RunLog, KnowsAnRtuThatHasFallenSilent) {
     writeResult(LogLevel::Success, "Request result : Success");
     EXPECT_FALSE(log.isSilent(4, 7));
 }
+
+namespace {
+
+using host::RequestResult;
+
+// The results that the log tells while it lives.
+struct Results {
+    explicit Results(const host::Site& site)
+        : log(site, false, [this](const RequestResult& result) { all.push_back(result); }) {}
+
+    std::vector<RequestResult> all;
+    RunLog log;
+};
+
+} // namespace
+
+TEST(RunLog, TellsAListenerHowEachRequestEnded) {
+    const host::Site site = smallSite();
+    Results results(site);
+    writeFrame(PacketType::Sent, sentHeader, "00 00 00 10 ");
+    writeResult(LogLevel::Success, "Request result : Success");
+    writeRefusal();
+    writeResult(LogLevel::RequestFailure, "Request result : Timeout");
+    writeResult(LogLevel::RequestFailure, "Request result : Bad Data");
+    CLogger::GetInstance()->writeAll(4, 0, LogLevel::LinkFailure, QStringLiteral("Error opening channel"));
+    ASSERT_EQ(results.all.size(), 5U);
+    EXPECT_EQ(results.all[0].kind, RequestResult::Kind::Answered);
+    EXPECT_EQ(results.all[0].sentHex, "00 00 00 10 ");
+    EXPECT_EQ(results.all[0].reason, "");
+    EXPECT_EQ(results.all[1].kind, RequestResult::Kind::Refused);
+    EXPECT_EQ(results.all[1].protocolError, "Ack Error: 1");
+    EXPECT_EQ(results.all[2].kind, RequestResult::Kind::NoAnswer);
+    EXPECT_EQ(results.all[2].sentHex, "") << "that of an earlier request";
+    EXPECT_EQ(results.all[3].kind, RequestResult::Kind::BadAnswer);
+    EXPECT_EQ(results.all[4].kind, RequestResult::Kind::LineClosed);
+    EXPECT_THAT(results.all[4].reason, HasSubstr("cannot open udp://127.0.0.1:9"));
+}
+
+// The driver takes such an acknowledge for a good one.
+TEST(RunLog, KnowsARefusedWriteOnASerialLine) {
+    const host::Site site = serialSite();
+    Results results(site);
+    writeFrame(PacketType::Sent, sentHeader, "B5 00 05 0D 03 00 C8 00 01 7A 3D ");
+    writeFrame(PacketType::Received, receivedHeader, "B5 02 00 01 33 D5 ");
+    writeResult(LogLevel::Success, "Request result : Success");
+    writeFrame(PacketType::Sent, sentHeader, "B5 00 05 0D 03 00 C8 00 01 7A 3D ");
+    writeFrame(PacketType::Received, receivedHeader, "B5 02 00 00 23 F4 ");
+    writeResult(LogLevel::Success, "Request result : Success");
+    ASSERT_EQ(results.all.size(), 2U);
+    EXPECT_EQ(results.all[0].kind, RequestResult::Kind::Refused);
+    EXPECT_EQ(results.all[1].kind, RequestResult::Kind::Answered);
+    EXPECT_THAT(results.log.takeMessages(),
+                ElementsAre(HasSubstr("refused a request"), HasSubstr("answers again")));
+}
+
+TEST(RunLog, KnowsARefusedWriteInBreakMode) {
+    host::Site site = serialSite();
+    site.channels[0].rtus[0].transmitType = host::TransmitType::Break;
+    Results results(site);
+    writeFrame(PacketType::Sent, sentHeader, "05 0D 03 00 C8 00 01 46 41 ");
+    writeFrame(PacketType::Received, receivedHeader, "15 ");
+    CLogger::GetInstance()->writeConPacket(4, 7, PacketType::ProtocolError, QStringLiteral("Control Error"),
+                                           false);
+    writeResult(LogLevel::RequestFailure, "Request result : Bad Data");
+    ASSERT_EQ(results.all.size(), 1U);
+    EXPECT_EQ(results.all[0].kind, RequestResult::Kind::Refused);
+}
+
+// A poll without telegrams says nothing of the request before it.
+TEST(RunLog, ForgetsARefusalWithItsRequest) {
+    const host::Site site = smallSite();
+    Results results(site);
+    writeRefusal();
+    writeResult(LogLevel::Success, "Request result : Success");
+    ASSERT_EQ(results.all.size(), 2U);
+    EXPECT_EQ(results.all[1].kind, RequestResult::Kind::Answered);
+}

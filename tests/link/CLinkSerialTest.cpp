@@ -231,3 +231,11 @@ TEST(CLinkSerial, DeviceWithoutBreakRefusesItAndStaysOpen) {
     TerminalCalls::failBreaks(0);
     EXPECT_EQ(send(line.link, hex("01")), 0);
 }
+
+TEST(CLinkSerial, ADeviceInUseCannotBeOpenedUntilItIsClosed) {
+    SerialLine line;
+    CLinkSerial other({line.pty.device()});
+    EXPECT_EQ(other.open(), EBUSY);
+    line.link.close();
+    EXPECT_EQ(other.open(), 0);
+}
