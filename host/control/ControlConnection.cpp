@@ -37,15 +37,16 @@ void ControlConnection::arrived() {
         socket->readAll(); // so that the end of the connection can be seen behind it
         return;
     }
-    read();
+    readNextLine();
     if (cutter.hasLine())
         owner.linesArrived(id);
 }
 
-void ControlConnection::read() {
-    const int room = cutter.room();
-    if (room > 0)
-        cutter.append(socket->read(room));
+// While a line waits to be handled nothing is read; what then fills the socket's buffer makes the client
+// wait.
+void ControlConnection::readNextLine() {
+    if (!cutter.hasLine())
+        cutter.append(socket->readAll());
 }
 
 bool ControlConnection::hasLine() {
@@ -54,8 +55,7 @@ bool ControlConnection::hasLine() {
 
 std::optional<LineCutter::Line> ControlConnection::takeLine() {
     auto line = cutter.next();
-    if (!cutter.hasLine())
-        read();
+    readNextLine();
     return line;
 }
 

@@ -48,7 +48,7 @@ public:
     static constexpr int roomBytes = 64 * 1024; // with more unsent, no request of the client is carried out
 
 private:
-    void read();
+    void readNextLine();
     void feedSocket();
     void arrived();
     void sent();

@@ -77,22 +77,26 @@ std::string ControlListener::open() {
         lock.reset();
         return namePath(socketPath) + " belongs to another program, which listens at it";
     }
+    const std::string fault = openServer();
+    if (!fault.empty())
+        lock.reset();
+    return fault;
+}
+
+std::string ControlListener::openServer() {
     server = std::make_unique<QLocalServer>();
     server->setSocketOptions(QLocalServer::UserAccessOption);
     connect(server.get(), &QLocalServer::newConnection, this, [this] { acceptClients(); });
     if (server->listen(QString::fromStdString(socketPath)))
         return {};
-    const std::string fault = server->errorString().toStdString();
-    server.reset();
-    lock.reset();
-    return namePath(socketPath) + " cannot be made: " + fault;
+    return namePath(socketPath) + " cannot be made: " + server->errorString().toStdString();
 }
 
 // The server closes itself when it cannot accept a client, which happens when the process has no descriptor
-// left.
+// left. It does not say so, but has an error text from then on.
 void ControlListener::listenAgain() {
-    if (!server->isListening())
-        server->listen(QString::fromStdString(socketPath));
+    if (!server->errorString().isEmpty())
+        openServer();
 }
 
 void ControlListener::acceptClients() {

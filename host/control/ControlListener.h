@@ -33,6 +33,7 @@ private:
     using ConnectionPtr = std::unique_ptr<ControlConnection>;
 
     std::string open();
+    std::string openServer();
     void listenAgain();
     void acceptClients();
     void accept(QLocalSocket* socket);

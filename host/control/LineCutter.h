@@ -6,7 +6,8 @@
 
 namespace host {
 
-// Cuts a stream of bytes into lines, and holds no more than its limit of them however long a line gets.
+// Cuts a stream of bytes into lines. However long a line gets, no more than its limit and what was appended
+// last are held of it, as long as next() is called until there is nothing.
 class LineCutter {
 public:
     struct Line {
@@ -16,8 +17,6 @@ public:
 
     explicit LineCutter(int longestLine) : longest(longestLine) {}
 
-    // How many bytes append() may take now.
-    int room() const { return longest + 1 - (buffer.size() - begin); }
     void append(const QByteArray& bytes);
     bool hasLine();
     // The next complete line. A line that gets too long is told as soon as that is known.

@@ -62,24 +62,35 @@ std::size_t distance(const std::string& one, const std::string& other) {
     return std::min(row.back(), tooFar);
 }
 
-// The names of `index` that somebody may have meant, as " \"a\", \"b\"".
-template <typename Index>
-std::string nearNames(const Index& index, const std::string& name) {
+// How far a name is from that of `ref`, however that may be written.
+template <typename Ref>
+std::size_t distanceTo(const Ref& ref, const std::string& given) {
+    const std::string known = lowered(shortName(ref));
+    const std::size_t far = std::min(distance(given, known), distance(given, lowered(fullName(ref))));
+    // The right point under a wrong or missing RTU is near as well, though not as near. Of a short name no
+    // letter may differ: it would be near to any other.
+    const std::string givenLast = lastPart(given);
+    const std::size_t farLast = distance(givenLast, lastPart(known));
+    return farLast <= givenLast.size() / 4 ? std::min(far, farLast + 1) : far;
+}
+
+// The shortest name that means this and nothing else.
+template <typename Ref, typename Index>
+std::string clearName(const Ref& ref, const Index& index) {
+    return index.at(shortName(ref)).size() == 1 ? shortName(ref) : fullName(ref);
+}
+
+// The names that somebody may have meant, the nearest first: "\"a\", \"b\"".
+template <typename Ref, typename Index>
+std::string nearNames(const std::vector<Ref>& refs, const Index& index, const std::string& name) {
     if (name.size() > longestName)
         return {};
     const std::string given = lowered(name);
-    const std::string givenLast = lastPart(given);
     std::set<std::pair<std::size_t, std::string>> found;
-    for (const auto& [candidate, positions] : index) {
-        const std::string known = lowered(candidate);
-        // The right point under a wrong or missing RTU is near as well, though not as near. Of a short name
-        // no letter may differ: it would be near to any other.
-        const std::size_t farLast = distance(givenLast, lastPart(known));
-        const bool isNearLast = farLast <= givenLast.size() / 4;
-        const std::size_t far =
-            std::min(distance(given, known), isNearLast ? farLast + 1 : farthestDistance + 1);
+    for (const Ref& ref : refs) {
+        const std::size_t far = distanceTo(ref, given);
         if (far <= farthestDistance)
-            found.emplace(far, candidate);
+            found.emplace(far, clearName(ref, index));
         if (found.size() > mostNearNames)
             found.erase(std::prev(found.end()));
     }
@@ -94,7 +105,7 @@ SiteNames::Match<Ref> find(const std::vector<Ref>& refs, const Index& index, con
                            const std::string& what) {
     const auto found = index.find(name);
     if (found == index.end()) {
-        const std::string near = nearNames(index, name);
+        const std::string near = nearNames(refs, index, name);
         return {{},
                 "no " + what + " \"" + name.substr(0, longestName) + "\"" +
                     (near.empty() ? "" : "; near it: " + near)};
@@ -138,11 +149,11 @@ SiteNames::Match<SiteNames::RtuRef> SiteNames::findRtu(const std::string& name) 
 }
 
 std::string SiteNames::nameOf(const RtuRef& rtu) const {
-    return rtuIndex.at(shortName(rtu)).size() == 1 ? shortName(rtu) : fullName(rtu);
+    return clearName(rtu, rtuIndex);
 }
 
 std::string SiteNames::nameOf(const PointRef& point) const {
-    return pointIndex.at(shortName(point)).size() == 1 ? shortName(point) : fullName(point);
+    return clearName(point, pointIndex);
 }
 
 } // namespace host

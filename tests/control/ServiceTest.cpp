@@ -74,7 +74,7 @@ TEST_F(Service, SwitchesAStatusPoint) {
     ASSERT_THAT(fake.commands(), SizeIs(1));
     EXPECT_EQ(fake.commands()[0].channelId, 5);
     EXPECT_EQ(fake.commands()[0].rtuId, 1);
-    const auto& action = std::get<SwitchPoint>(fake.commands()[0].action);
+    const auto action = std::get<SwitchPoint>(fake.commands()[0].action);
     EXPECT_EQ(action.point, 1U);
     EXPECT_TRUE(action.on);
 }
@@ -120,8 +120,8 @@ TEST_F(Service, TellsThatTheHostRefused) {
 TEST_F(Service, WritesNothingWhenANameIsWrong) {
     EXPECT_EQ(
         askOne(R"({"id":"a","do":"write","values":[{"point":"hill/RUN","value":1},)"
-               R"({"point":"hill/RUNN","value":1}]})"),
-        R"({"code":"unknown","error":"no point \"hill/RUNN\"; near it: \"hill/RUN\"; nothing was written",)"
+               R"({"point":"hill/RUNX","value":1}]})"),
+        R"({"code":"unknown","error":"no point \"hill/RUNX\"; near it: \"hill/RUN\"; nothing was written",)"
         R"("id":"a","ok":false})");
     EXPECT_THAT(askOne(R"({"do":"write","values":[{"point":"pump-house/RUN","value":1}]})"),
                 HasSubstr("there are 2 of"));
