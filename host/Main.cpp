@@ -62,6 +62,11 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
                         "Write a log file per channel into this directory");
     command->add_option("--plugin", given->options.pluginPath,
                         "Driver plug-in; without it SBusDriver beside this program");
+    command->add_option(
+        "--control", given->options.controlPath,
+        "Where sbus-host ctl reaches this host; without it at a socket of the site file's own");
+    command->add_flag("!--no-control", given->options.takesControl, "Take no commands from sbus-host ctl")
+        ->excludes("--control");
     command->callback([given, &status] {
         if (!given->duration.empty())
             given->options.duration = host::parseDuration(given->duration);
