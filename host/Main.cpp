@@ -1,5 +1,6 @@
 #include "command/CheckCommand.h"
 #include "command/RunCommand.h"
+#include "control/CtlArguments.h"
 #include "oneshot/CommandLine.h"
 #include "site/Duration.h"
 
@@ -24,8 +25,7 @@ OutputFormat formatNamed(const std::string& name) {
 }
 
 const char* const exitStatusHelp =
-    "Exit status: 0 good, 1 communication failed, 2 usage or configuration, 3 some elements but not all, "
-    "4 the controller refused";
+    "Exit status: 0 good, 1 communication failed, 2 usage or configuration, 3 some but not all, 4 refused";
 
 void addCheckCommand(CLI::App& program, ExitStatus& status) {
     CLI::App* const command =
@@ -62,6 +62,11 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
                         "Write a log file per channel into this directory");
     command->add_option("--plugin", given->options.pluginPath,
                         "Driver plug-in; without it SBusDriver beside this program");
+    command->add_option(
+        "--control", given->options.controlPath,
+        "Where sbus-host ctl reaches this host; without it at a socket of the site file's own");
+    command->add_flag("!--no-control", given->options.takesControl, "Take no commands from sbus-host ctl")
+        ->excludes("--control");
     command->callback([given, &status] {
         if (!given->duration.empty())
             given->options.duration = host::parseDuration(given->duration);
@@ -80,6 +85,7 @@ int runProgram(int argc, char** argv) {
     addRunCommand(program, status);
     addCheckCommand(program, status);
     host::addOneShotCommands(program, status);
+    addCtlCommand(program, status);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& ending) { // also the end of --help, whose number is 0

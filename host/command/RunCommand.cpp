@@ -1,5 +1,6 @@
 #include "RunCommand.h"
 
+#include "RunControl.h"
 #include "StopSignal.h"
 #include "output/StreamWriter.h"
 #include "output/Terminal.h"
@@ -94,12 +95,29 @@ std::vector<RtuOutcome> outcomesOf(const HostRuntime& runtime, const ValueStore&
     return outcomes;
 }
 
+// False when the user has named a socket that cannot be had. A site's own socket may belong to another host
+// that runs it: then this one polls all the same.
+bool openControl(RunControl& control, CommandTaker& commands, const RunOptions& options, RunLog& log) {
+    const std::string fault = control.start(commands, options.controlPath, options.sitePath);
+    if (fault.empty())
+        return true;
+    if (options.controlPath.empty()) {
+        log.addMessage(fault + "; sbus-host ctl cannot reach this one. Give it a socket with --control PATH");
+        return true;
+    }
+    std::cerr << "sbus-host: " << fault << '\n';
+    return false;
+}
+
 ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputFormat format, Console& console) {
     using Changes = ValueStore::Changes;
     ValueStore store(site, format == OutputFormat::Table ? Changes::Ignore : Changes::Keep);
     RunLog log(site, options.frames);
     CoreFanOut core(store);
     HostRuntime runtime(site, core);
+    RunControl control(site, core, runtime, log, [&runtime, &store, &log] {
+        return HostFigures{runtime.channelFigures(), outcomesOf(runtime, store, log)};
+    });
     const std::string fault = runtime.start(options.pluginPath);
     if (!fault.empty()) {
         std::cerr << "sbus-host: " << fault << '\n';
@@ -108,6 +126,8 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     CommandService commands(
         site, core, [&runtime](int channelId, int rtuId) { return runtime.findRtu(channelId, rtuId); },
         [&log](const std::string& message) { log.addMessage(message); });
+    if (options.takesControl && !openControl(control, commands, options, log))
+        return ExitStatus::Configuration;
     const std::unique_ptr<Output> output =
         makeOutput(format, console, "sbus-host  " + options.sitePath, store,
                    [&runtime, &log] { return figuresOf(runtime, log); });
@@ -115,6 +135,7 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
 
     // What counts is how things stood at the end of the run, not what closing the lines makes of it.
     store.freeze();
+    control.stop();
     commands.stop();
     const std::vector<RtuOutcome> outcomes = outcomesOf(runtime, store, log);
     const std::vector<ChannelFigures> channels = runtime.channelFigures();

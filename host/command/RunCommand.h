@@ -15,6 +15,8 @@ struct RunOptions {
     bool frames = false;
     std::string logDirectory; // empty: no log files
     std::string pluginPath;   // empty: searched for
+    bool takesControl = true; // opens a control socket
+    std::string controlPath;  // of that; empty: the site file's own
 };
 
 // Runs a site until its time is over, a signal comes, or nobody reads the output any more.

@@ -35,8 +35,10 @@ struct SiteFigures {
     std::vector<RtuFigures> rtus;
 };
 
-// A site at work: the plug-in, a channel per line, their threads. Main thread alone.
+// A site at work: the plug-in, a channel per line, their threads.
 // States: made, running (after start), stopped (after stop, for good). Site and core outlive it.
+// Threads: the main thread; while running, from the end of start() to the beginning of stop(), figures and RTUs
+// may be asked for on any.
 class HostRuntime {
 public:
     using LinkFactory = std::function<std::unique_ptr<CLink>(const LinkEnd&)>;

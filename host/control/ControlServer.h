@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ControlledHost.h"
+
+#include <QThread>
+
+#include <memory>
+
+namespace host {
+
+class ControlListener;
+
+// The control socket of a running site, served on a thread of its own.
+// States: made, listening (after start), stopped (after stop, for good). Main thread alone. Site, host and
+// store outlive it; the store keeps its changes for this server alone.
+class ControlServer {
+public:
+    ControlServer(const Site& hostSite, ControlledHost& controlledHost, ValueStore& valueStore);
+    ControlServer(const ControlServer&) = delete;
+    ControlServer& operator=(const ControlServer&) = delete;
+    ~ControlServer();
+
+    // Empty, or why nothing listens at `path`. `clients`: at once; 0 means as many as the descriptors allow.
+    std::string start(const std::string& path, std::size_t clients = 0);
+    // Who waits for a reply is told that none will come, then every connection ends.
+    void stop();
+
+private:
+    QThread thread;
+    std::unique_ptr<ControlListener> listener; // lives on the thread
+};
+
+} // namespace host

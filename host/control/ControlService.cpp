@@ -1,0 +1,309 @@
+#include "ControlService.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+using Halvex::DriverErrorResult;
+
+// Figures are counted anew no sooner: a client that asks without pause costs the host no more than this.
+constexpr std::chrono::milliseconds statusAge{100};
+constexpr std::size_t mostFaultsTold = 3; // of wrong names in one request
+
+template <typename Ref>
+QJsonValue jsonName(const SiteNames& names, const Ref& ref) {
+    return QString::fromStdString(names.nameOf(ref));
+}
+
+// Of several wrong names.
+class Faults {
+public:
+    void add(const std::string& fault) {
+        if (count++ < mostFaultsTold)
+            text += (text.empty() ? "" : "; ") + fault;
+    }
+    bool isEmpty() const { return count == 0; }
+    // Looking for near names takes long: no more of them than are told.
+    bool isFull() const { return count >= mostFaultsTold; }
+    const std::string& toText() const { return text; }
+
+private:
+    std::string text;
+    std::size_t count = 0;
+};
+
+} // namespace
+
+ControlService::ControlService(const Site& hostSite, ControlledHost& controlledHost, ValueStore& valueStore,
+                               const Settings& serviceSettings)
+    : names(hostSite), controlled(controlledHost), store(valueStore), settings(serviceSettings),
+      finished(std::make_shared<FinishedCommands>(serviceSettings.wake,
+                                                  [&controlledHost](int channelId, int rtuId) {
+                                                      return controlledHost.wasRefused(channelId, rtuId);
+                                                  })),
+      shown(valueStore.states()) {}
+
+ControlService::~ControlService() {
+    finished->close();
+}
+
+void ControlService::handleLine(ClientId client, const QByteArray& line) {
+    const auto parsed = parseRequest(line);
+    if (const auto* const bad = std::get_if<BadRequest>(&parsed))
+        settings.send(client, errorReply(bad->id, ReplyFault::Malformed, bad->fault));
+    else
+        handle(client, std::get<Request>(parsed));
+}
+
+void ControlService::handleTooLongLine(ClientId client) {
+    settings.send(client, errorReply(QJsonValue::Undefined, ReplyFault::Malformed,
+                                     "the line is longer than " + std::to_string(longestRequestLine) +
+                                         " bytes; what follows up to its end is passed over"));
+}
+
+void ControlService::handle(ClientId client, const Request& request) {
+    std::visit([&](const auto& action) { handle(client, request.id, action); }, request.action);
+}
+
+void ControlService::handle(ClientId client, const QJsonValue& id, const WriteRequest& request) {
+    if (const auto commands = makeWrites(client, id, request))
+        submit(client, id, *commands);
+}
+
+std::optional<std::vector<ControlService::NamedCommand>>
+ControlService::makeWrites(ClientId client, const QJsonValue& id, const WriteRequest& request) {
+    Faults faults;
+    std::vector<NamedCommand> commands;
+    for (const PointValue& one : request.values) {
+        if (faults.isFull())
+            break;
+        const auto match = names.findPoint(one.point);
+        const PointRef& ref = match.found;
+        if (!match.fault.empty()) {
+            faults.add(match.fault);
+            continue;
+        }
+        const bool isStatus = ref.point->kind == PointKind::Status;
+        if (!ref.rtu->enabled)
+            faults.add("RTU \"" + names.nameOf(SiteNames::RtuRef{ref.channel, ref.rtu}) +
+                       "\" is disabled in the site file");
+        else if (isStatus && one.value != 0 && one.value != 1)
+            faults.add("\"" + one.point + "\" is a status point: it takes 0 or 1");
+        const CommandAction action = isStatus ? CommandAction(SwitchPoint{ref.point->id, one.value != 0})
+                                              : CommandAction(SetPoint{ref.point->id, one.value});
+        const QJsonObject subject{{QStringLiteral("point"), jsonName(names, ref)},
+                                  {QStringLiteral("value"), one.value}};
+        commands.push_back({subject, {ref.channel->id, ref.rtu->id, action}});
+    }
+    if (faults.isEmpty())
+        return commands;
+    settings.send(client, errorReply(id, ReplyFault::Unknown, faults.toText() + "; nothing was written"));
+    return std::nullopt;
+}
+
+std::optional<std::vector<SiteNames::RtuRef>>
+ControlService::findRtus(ClientId client, const QJsonValue& id, const RtuNames& rtuNames, bool withDisabled) {
+    std::vector<SiteNames::RtuRef> found;
+    if (rtuNames.empty()) {
+        const auto isWanted = [withDisabled](const SiteNames::RtuRef& ref) {
+            return withDisabled || ref.rtu->enabled;
+        };
+        std::copy_if(names.rtus().begin(), names.rtus().end(), std::back_inserter(found), isWanted);
+        return found;
+    }
+    Faults faults;
+    for (const std::string& name : rtuNames) {
+        if (faults.isFull())
+            break;
+        const auto match = names.findRtu(name);
+        if (!match.fault.empty())
+            faults.add(match.fault);
+        else if (!withDisabled && !match.found.rtu->enabled)
+            faults.add("RTU \"" + name + "\" is disabled in the site file");
+        else
+            found.push_back(match.found);
+    }
+    if (faults.isEmpty())
+        return found;
+    settings.send(client, errorReply(id, ReplyFault::Unknown, faults.toText()));
+    return std::nullopt;
+}
+
+void ControlService::handle(ClientId client, const QJsonValue& id, const PollRequest& request) {
+    const auto rtus = findRtus(client, id, request.rtus, false);
+    if (!rtus)
+        return;
+    QJsonArray results;
+    bool allTaken = true;
+    for (const SiteNames::RtuRef& ref : *rtus) {
+        const CommandOutcome outcome{controlled.requestPoll(ref.channel->id, ref.rtu->id), false, {}};
+        QJsonObject one = toJson(outcome);
+        one.insert(QStringLiteral("rtu"), jsonName(names, ref));
+        // How the poll ends is seen in the values: the driver drops a wish that equals a pending one.
+        if (isSuccess(outcome))
+            one.insert(QStringLiteral("result"), QStringLiteral("asked for"));
+        allTaken = allTaken && isSuccess(outcome);
+        results.append(one);
+    }
+    settings.send(client, reply(id, allTaken, {{QStringLiteral("results"), results}}));
+}
+
+void ControlService::handle(ClientId client, const QJsonValue& id, const TimeSyncRequest& request) {
+    const auto rtus = findRtus(client, id, request.rtus, false);
+    if (!rtus)
+        return;
+    std::vector<NamedCommand> commands;
+    for (const SiteNames::RtuRef& ref : *rtus)
+        commands.push_back({{{QStringLiteral("rtu"), jsonName(names, ref)}},
+                            {ref.channel->id, ref.rtu->id, SynchroniseClock{}}});
+    submit(client, id, commands);
+}
+
+void ControlService::submit(ClientId client, const QJsonValue& id,
+                            const std::vector<NamedCommand>& commands) {
+    if (openCounts[client] >= mostOpenRequests) {
+        settings.send(client,
+                      errorReply(id, ReplyFault::Busy,
+                                 std::to_string(mostOpenRequests) +
+                                     " requests of this connection wait for their results; wait for one"));
+        return;
+    }
+    const quint64 ticket = ++lastTicket;
+    OpenRequest& request = openRequests[ticket];
+    ++openCounts[client];
+    request.client = client;
+    request.id = id;
+    request.outcomes.resize(commands.size());
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        const Command& command = commands[i].command;
+        request.subjects.push_back(commands[i].subject);
+        const auto done = [results = finished, ticket, i, command](DriverErrorResult result) {
+            results->add(ticket, i, result, command);
+        };
+        request.outcomes[i].why = controlled.submit(command, done);
+        if (request.outcomes[i].why.empty())
+            ++request.open;
+    }
+    answerIfComplete(ticket);
+}
+
+void ControlService::answerFinished() {
+    for (const FinishedCommands::Entry& entry : finished->take()) {
+        const auto found = openRequests.find(entry.ticket);
+        if (found == openRequests.end())
+            continue; // its client is gone
+        found->second.outcomes[entry.index] = entry.outcome;
+        --found->second.open;
+        answerIfComplete(entry.ticket);
+    }
+}
+
+void ControlService::answerIfComplete(quint64 ticket) {
+    const auto found = openRequests.find(ticket);
+    const OpenRequest& request = found->second;
+    if (request.open > 0)
+        return;
+    QJsonArray results;
+    for (std::size_t i = 0; i < request.outcomes.size(); ++i) {
+        QJsonObject one = toJson(request.outcomes[i]);
+        for (auto part = request.subjects[i].begin(); part != request.subjects[i].end(); ++part)
+            one.insert(part.key(), part.value());
+        results.append(one);
+    }
+    const bool allGood = std::all_of(request.outcomes.begin(), request.outcomes.end(), isSuccess);
+    const QByteArray line = reply(request.id, allGood, {{QStringLiteral("results"), results}});
+    const ClientId client = request.client;
+    openRequests.erase(found);
+    --openCounts[client];
+    settings.send(client, line);
+}
+
+void ControlService::handle(ClientId client, const QJsonValue& id, const StatusRequest&) {
+    const Clock::time_point now = settings.now();
+    if (!statusTime || now - *statusTime >= statusAge) {
+        const HostFigures figures = controlled.figures();
+        statusCache = statusParts(figures.channels, figures.rtus);
+        statusTime = now;
+    }
+    settings.send(client, reply(id, true, statusCache));
+}
+
+void ControlService::handle(ClientId client, const QJsonValue& id, const WatchRequest& request) {
+    const auto rtus = findRtus(client, id, request.rtus, true);
+    if (!rtus)
+        return;
+    if (isWatching(client)) {
+        settings.send(client,
+                      errorReply(id, ReplyFault::Busy, "this connection watches already; open another"));
+        return;
+    }
+    if (watches.size() >= mostWatches) {
+        settings.send(client, errorReply(id, ReplyFault::Busy,
+                                         std::to_string(mostWatches) + " connections watch already"));
+        return;
+    }
+    Watch watch;
+    int count = 0;
+    for (const SiteNames::RtuRef& ref : *rtus)
+        if (watch.rtus.insert(ref.rtu).second)
+            count += static_cast<int>(ref.rtu->points.size());
+    watches.emplace(client, watch);
+    settings.send(client, reply(id, true, {{QStringLiteral("points"), count}}));
+}
+
+bool ControlService::tellCurrentValues(ClientId client, std::size_t most) {
+    const auto found = watches.find(client);
+    if (found == watches.end())
+        return false;
+    Watch& watch = found->second;
+    for (; watch.nextCurrent < shown.size() && most > 0; ++watch.nextCurrent) {
+        const PointRef& ref = store.points()[watch.nextCurrent];
+        if (watch.rtus.count(ref.rtu) == 0)
+            continue;
+        settings.send(client, changeLine(ref, shown[watch.nextCurrent]));
+        --most;
+    }
+    return watch.nextCurrent < shown.size();
+}
+
+void ControlService::tellChanges() {
+    const std::vector<PointChange> changes = store.takeChanges();
+    const std::size_t lost = store.lostChanges();
+    if (lost != lostBefore) { // nobody came to tell them for very long: the newest states are what is left
+        lostBefore = lost;
+        shown = store.states();
+    }
+    for (const PointChange& change : changes) {
+        const PointRef& ref = store.points()[change.index];
+        shown[change.index] = change.state;
+        if (watches.empty())
+            continue;
+        const QByteArray line = changeLine(ref, change.state); // one for all: they share its bytes
+        for (const auto& [client, watch] : watches)
+            if (change.index < watch.nextCurrent && watch.rtus.count(ref.rtu) > 0)
+                settings.send(client, line);
+    }
+}
+
+void ControlService::forget(ClientId client) {
+    watches.erase(client);
+    openCounts.erase(client);
+    for (auto request = openRequests.begin(); request != openRequests.end();)
+        request = request->second.client == client ? openRequests.erase(request) : std::next(request);
+}
+
+void ControlService::end() {
+    answerFinished();
+    for (const auto& [ticket, request] : openRequests)
+        settings.send(request.client,
+                      errorReply(request.id, ReplyFault::Ending,
+                                 "the host ends; whether the command was carried out is not known"));
+    openRequests.clear();
+    openCounts.clear();
+}
+
+} // namespace host

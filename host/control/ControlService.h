@@ -1,0 +1,104 @@
+#pragma once
+
+#include "ControlledHost.h"
+#include "FinishedCommands.h"
+#include "Request.h"
+#include "SiteNames.h"
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <set>
+
+namespace host {
+
+using ClientId = quint64;
+
+// Answers requests, without any socket: lines of clients in, lines for clients out. One thread, but for the
+// ends of commands, which may come on any and are answered for with answerFinished().
+//
+// Values: every change goes from the store to the watchers through tellChanges(). `shown` is what all of them
+// know, so that a new watcher's current values and the changes after them fit together.
+class ControlService {
+public:
+    using Clock = std::chrono::steady_clock;
+    using Send = std::function<void(ClientId, const QByteArray&)>;
+
+    struct Settings {
+        Send send;                  // a line for a client, without its end
+        std::function<void()> wake; // answerFinished() has something to do; any thread
+        std::function<Clock::time_point()> now = Clock::now;
+    };
+
+    // Site, host and store outlive the service; the store keeps its changes for it alone.
+    ControlService(const Site& hostSite, ControlledHost& controlledHost, ValueStore& valueStore,
+                   const Settings& serviceSettings);
+    ControlService(const ControlService&) = delete;
+    ControlService& operator=(const ControlService&) = delete;
+    ~ControlService();
+
+    void handleLine(ClientId client, const QByteArray& line);
+    void handleTooLongLine(ClientId client);
+    // The client is gone. Its commands go on, nobody is told how they end.
+    void forget(ClientId client);
+
+    void answerFinished();
+    void tellChanges();
+    // Sends a watcher at most so many of the current values that it was not told yet. True when more are
+    // left.
+    bool tellCurrentValues(ClientId client, std::size_t most);
+    bool isWatching(ClientId client) const { return watches.count(client) > 0; }
+    // Tells every client that waits for a result that none will come.
+    void end();
+
+    static constexpr std::size_t mostOpenRequests = 64; // of one client
+    static constexpr std::size_t mostWatches = 100;     // each change is sent so often
+
+private:
+    struct OpenRequest {
+        ClientId client = 0;
+        QJsonValue id;
+        std::vector<QJsonObject> subjects; // what each command is about, as the reply tells it
+        std::vector<CommandOutcome> outcomes;
+        std::size_t open = 0; // commands without a result
+    };
+    struct Watch {
+        std::set<const Rtu*> rtus;
+        std::size_t nextCurrent = 0; // values from here on are still to be told
+    };
+    struct NamedCommand {
+        QJsonObject subject;
+        Command command;
+    };
+
+    void handle(ClientId client, const Request& request);
+    void handle(ClientId client, const QJsonValue& id, const WriteRequest& request);
+    void handle(ClientId client, const QJsonValue& id, const PollRequest& request);
+    void handle(ClientId client, const QJsonValue& id, const TimeSyncRequest& request);
+    void handle(ClientId client, const QJsonValue& id, const StatusRequest& request);
+    void handle(ClientId client, const QJsonValue& id, const WatchRequest& request);
+    // Sends the error and returns nothing when a name is wrong.
+    std::optional<std::vector<SiteNames::RtuRef>> findRtus(ClientId client, const QJsonValue& id,
+                                                           const RtuNames& rtuNames, bool withDisabled);
+    std::optional<std::vector<NamedCommand>> makeWrites(ClientId client, const QJsonValue& id,
+                                                        const WriteRequest& request);
+    void submit(ClientId client, const QJsonValue& id, const std::vector<NamedCommand>& commands);
+    void answerIfComplete(quint64 ticket);
+
+    const SiteNames names;
+    ControlledHost& controlled;
+    ValueStore& store;
+    const Settings settings;
+    const std::shared_ptr<FinishedCommands> finished;
+
+    std::vector<PointState> shown; // by the store's points
+    std::size_t lostBefore = 0;
+    std::map<ClientId, Watch> watches;
+    std::map<quint64, OpenRequest> openRequests; // by ticket
+    std::map<ClientId, std::size_t> openCounts;
+    quint64 lastTicket = 0;
+    QJsonObject statusCache;
+    std::optional<Clock::time_point> statusTime; // of the cache
+};
+
+} // namespace host

@@ -1,0 +1,102 @@
+#include "control/ReplyText.h"
+#include "FakeHost.h"
+#include "control/CtlCommand.h"
+#include "control/Reply.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+// What the client shows of the replies.
+
+using namespace host;
+using testing::HasSubstr;
+
+namespace {
+
+QJsonObject json(const QByteArray& line) {
+    const QJsonDocument document = QJsonDocument::fromJson(line);
+    EXPECT_TRUE(document.isObject()) << line.toStdString();
+    return document.object();
+}
+
+ExitStatus statusFor(const std::vector<const char*>& results) {
+    QByteArray list;
+    for (const char* const result : results)
+        list += (list.isEmpty() ? "" : ",") + QByteArray(result);
+    return judgeReply(json("{\"ok\":false,\"results\":[" + list + "]}"));
+}
+
+constexpr char success[] = R"({"result":"success","number":0})";
+constexpr char timeOut[] = R"({"result":"time-out","number":10003})";
+constexpr char refused[] = R"({"result":"refused","number":10001})";
+constexpr char hostRefused[] = R"({"result":"refused","number":null})";
+constexpr char notWritable[] = R"({"result":"address not writable","number":10008})";
+
+} // namespace
+
+TEST(ControlReplyText, TellsALineForEachResult) {
+    EXPECT_EQ(
+        resultsText(
+            json(R"({"results":[{"point":"a/X","value":1,"result":"success","number":0},)"
+                 R"({"point":"a/Y","value":2.5,"result":"time-out","number":10003},)"
+                 R"({"point":"a/Z","value":3,"result":"refused","number":null,"why":"too many wait"},)"
+                 R"({"rtu":"b","result":"asked for","number":0}]})")),
+        "a/X = 1  success\na/Y = 2.5  time-out (10003)\na/Z = 3  refused: too many wait\nb  asked for\n");
+}
+
+TEST(ControlReplyText, TellsTheStatusAsATable) {
+    const Site site = controlSite();
+    const FakeHost fake(site);
+    const HostFigures figures = fake.figures();
+    const std::string table = statusText(statusParts(figures.channels, figures.rtus));
+    EXPECT_EQ(
+        table.substr(0, table.find("reservoirs")),
+        "waterworks  SBus-Ethernet  udp://127.0.0.1:9  connected\n"
+        " RTU         station  state      requests  answers  time-outs  errors     last  slowest  good  bad  "
+        "never read\n"
+        " pump-house        5  connected         0       12          0       0  1.50 ms  0.00 ms     0    0  "
+        "         3\n");
+    EXPECT_THAT(table, HasSubstr("disabled"));
+}
+
+TEST(ControlReplyText, TellsAChangeAsALine) {
+    EXPECT_THAT(changeText(json(R"({"time":"2026-11-21T09:30:00.125Z","channel":"c","rtu":"hill","id":1,)"
+                                R"("name":"RUN","address":"O1","value":1,"quality":"good"})")),
+                testing::EndsWith("30:00.125  hill/RUN (O1) = 1  good"));
+    EXPECT_EQ(changeText(json(R"({"time":"1970-01-01T00:00:00.000Z","channel":"c","rtu":"hill","id":1,)"
+                              R"("name":"RUN","address":"O1","value":null,"quality":"never read"})")),
+              "hill/RUN (O1)  never read");
+}
+
+TEST(ControlReplyText, JudgesResults) {
+    EXPECT_EQ(statusFor({success, success}), ExitStatus::Good);
+    EXPECT_EQ(statusFor({}), ExitStatus::Good);
+    EXPECT_EQ(statusFor({success, timeOut}), ExitStatus::SomeElements);
+    EXPECT_EQ(statusFor({success, refused}), ExitStatus::SomeElements);
+    EXPECT_EQ(statusFor({timeOut, refused}), ExitStatus::CommunicationFailed);
+    EXPECT_EQ(statusFor({refused, hostRefused, notWritable}), ExitStatus::Refused);
+}
+
+TEST(ControlReplyText, JudgesRepliesWithoutResults) {
+    EXPECT_EQ(judgeReply(json(R"({"ok":true,"channels":[]})")), ExitStatus::Good);
+    EXPECT_EQ(judgeReply(json(errorReply({}, ReplyFault::Unknown, "x"))), ExitStatus::Configuration);
+    EXPECT_EQ(judgeReply(json(errorReply({}, ReplyFault::Malformed, "x"))), ExitStatus::Configuration);
+    EXPECT_EQ(judgeReply(json(errorReply({}, ReplyFault::Busy, "x"))), ExitStatus::Refused);
+    EXPECT_EQ(judgeReply(json(errorReply({}, ReplyFault::Ending, "x"))), ExitStatus::CommunicationFailed);
+}
+
+TEST(ControlArguments, AreAPointAndItsValue) {
+    const std::pair<const char*, double> good[] = {
+        {"a/X=1", 1}, {"a/X=-2.5", -2.5}, {"a/X=on", 1}, {"a/X=false", 0}, {"a/X=1e3", 1000}};
+    for (const auto& [text, value] : good) {
+        ASSERT_TRUE(parsePointValue(text)) << text;
+        EXPECT_EQ(parsePointValue(text)->point, "a/X");
+        EXPECT_EQ(parsePointValue(text)->value, value) << text;
+    }
+    EXPECT_EQ(parsePointValue("a/X=Y=1")->point, "a/X=Y");
+    for (const char* const text : {"", "a/X", "=1", "a/X=", "a/X=one", "a/X=1x", "a/X=inf", "a/X=nan"})
+        EXPECT_FALSE(parsePointValue(text)) << text;
+}

@@ -1,0 +1,272 @@
+#include "FakeHost.h"
+#include "control/ControlClient.h"
+#include "control/ControlConnection.h"
+#include "control/ControlServer.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLocalServer>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+// Over real sockets, with a fake host behind them.
+
+using namespace host;
+using testing::AllOf;
+using testing::HasSubstr;
+using Result = Halvex::DriverErrorResult;
+
+namespace {
+
+constexpr int patienceMs = 60'000;
+
+class Server : public testing::Test {
+protected:
+    // What comes next, or "end" when the connection has ended.
+    static std::string next(ControlClient& client) {
+        QElapsedTimer elapsed;
+        elapsed.start();
+        const auto line = client.nextLine([&elapsed] { return elapsed.elapsed() > patienceMs; });
+        if (!line && elapsed.elapsed() > patienceMs)
+            ADD_FAILURE() << "nothing came";
+        return line ? line->toStdString() : "end";
+    }
+
+    void connect(ControlClient& client) { ASSERT_TRUE(client.connectTo({path})); }
+
+    std::string ask(const QByteArray& line) {
+        ControlClient client;
+        connect(client);
+        EXPECT_TRUE(client.send(line));
+        return next(client);
+    }
+
+    void publish(double value) {
+        PointUpdate update;
+        update.number = 3;
+        update.value = value;
+        update.quality = PointQuality::Good;
+        fake.store.publishPoints(4, 7, {update});
+    }
+
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("control.sock")).toStdString();
+    const Site site = controlSite();
+    FakeHost fake{site};
+    ControlServer server{site, fake, fake.store};
+};
+
+const QByteArray writeRun = R"({"id":1,"do":"write","values":[{"point":"hill/RUN","value":1}]})";
+
+} // namespace
+
+TEST_F(Server, IsOpenToItsUserAlone) {
+    ASSERT_EQ(server.start(path), "");
+    EXPECT_EQ(QFile::permissions(QString::fromStdString(path)) &
+                  ~(QFile::ExeOwner | QFile::ExeUser | QFile::ReadOwner | QFile::WriteOwner),
+              QFile::ReadUser | QFile::WriteUser);
+}
+
+TEST_F(Server, AnswersEachLineOfAConversation) {
+    ASSERT_EQ(server.start(path), "");
+    ControlClient client;
+    connect(client);
+    ASSERT_TRUE(client.send(writeRun + "\nrubbish\n" + R"({"id":2,"do":"poll"})"));
+    std::vector<std::string> replies{next(client), next(client), next(client)};
+    EXPECT_THAT(replies, testing::UnorderedElementsAre(HasSubstr("\"result\":\"success\""),
+                                                       HasSubstr("malformed"), HasSubstr("asked for")));
+}
+
+TEST_F(Server, AnswersALineThatIsTooLongAndTheOneBehindIt) {
+    ASSERT_EQ(server.start(path), "");
+    ControlClient client;
+    connect(client);
+    ASSERT_TRUE(client.send(QByteArray(5'000'000, 'x') + "\n{\"do\":\"poll\"}"));
+    EXPECT_THAT(next(client), AllOf(HasSubstr("malformed"), HasSubstr("65536 bytes")));
+    EXPECT_THAT(next(client), HasSubstr("asked for"));
+}
+
+TEST_F(Server, RepliesWhenTheCommandEndsOnAnotherThread) {
+    ASSERT_EQ(server.start(path), "");
+    fake.hold();
+    std::thread ender([this] {
+        fake.waitForCommands(1);
+        fake.answerWith(Result::TimeOut);
+        fake.release();
+    });
+    EXPECT_THAT(ask(writeRun), HasSubstr("\"result\":\"time-out\""));
+    ender.join();
+}
+
+TEST_F(Server, TellsWatchersWhatChanges) {
+    ASSERT_EQ(server.start(path), "");
+    ControlClient client;
+    connect(client);
+    ASSERT_TRUE(client.send(R"({"do":"watch","rtus":["waterworks/pump-house"]})"));
+    EXPECT_THAT(next(client), HasSubstr("\"points\":3"));
+    for (int i = 0; i < 3; ++i)
+        EXPECT_THAT(next(client), HasSubstr("never read"));
+    publish(17);
+    EXPECT_THAT(next(client), AllOf(HasSubstr("\"name\":\"LEVEL\""), HasSubstr("\"value\":17")));
+}
+
+TEST_F(Server, DropsAWatcherThatDoesNotReadAndSparesTheOthers) {
+    ASSERT_EQ(server.start(path), "");
+    ControlClient lazy;
+    ControlClient eager;
+    for (ControlClient* const client : {&lazy, &eager}) {
+        connect(*client);
+        ASSERT_TRUE(client->send(R"({"do":"watch","rtus":["waterworks/pump-house"]})"));
+        for (int i = 0; i < 4; ++i)
+            next(*client);
+    }
+    // Some more than the server and the system keep for one that does not read.
+    constexpr int changes = 40'000;
+    std::thread publisher([this] {
+        for (int i = 1; i <= changes; ++i) {
+            publish(i);
+            if (i % 100 == 0)
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+    });
+    std::string last;
+    for (int i = 0; i < changes && last != "end"; ++i)
+        last = next(eager);
+    publisher.join();
+    EXPECT_THAT(last, HasSubstr("\"value\":40000,"));
+
+    std::string before;
+    for (std::string line; (line = next(lazy)) != "end";)
+        before = line;
+    EXPECT_THAT(before, AllOf(HasSubstr("\"code\":\"busy\""), HasSubstr("wait for you to read them")));
+}
+
+TEST_F(Server, DoesNotWorkForAClientThatDoesNotReadItsReplies) {
+    ASSERT_EQ(server.start(path), "");
+    QLocalSocket lazy;
+    lazy.setReadBufferSize(1); // reads no more than that by itself
+    lazy.connectToServer(QString::fromStdString(path));
+    ASSERT_TRUE(lazy.waitForConnected(patienceMs));
+    const QByteArray requests = QByteArray("{\"do\":\"poll\",\"rtus\":[\"hill\"]}\n").repeated(1'000);
+    // It writes until the server takes no more, which it soon does not.
+    qint64 written = 0;
+    while (lazy.bytesToWrite() < 1'000'000 && written < 1'000'000'000) {
+        written += lazy.write(requests);
+        lazy.waitForBytesWritten(200);
+    }
+    EXPECT_LT(written, 1'000'000'000);
+    EXPECT_THAT(ask(R"({"do":"status"})"), HasSubstr("channels")); // others are served
+}
+
+TEST_F(Server, ReplacesTheSocketOfAKilledHost) {
+    {
+        // A killed process leaves its socket in the file system; nobody listens at it.
+        QLocalServer killed;
+        ASSERT_TRUE(killed.listen(QString::fromStdString(path) + QStringLiteral("x")));
+        ASSERT_TRUE(
+            QFile::rename(QString::fromStdString(path) + QStringLiteral("x"), QString::fromStdString(path)));
+    }
+    ASSERT_TRUE(QFile::exists(QString::fromStdString(path)));
+    ASSERT_EQ(server.start(path), "");
+    EXPECT_THAT(ask(R"({"do":"status"})"), HasSubstr("channels"));
+}
+
+TEST_F(Server, LeavesTheSocketOfALivingHostAlone) {
+    ASSERT_EQ(server.start(path), "");
+    ControlServer second(site, fake, fake.store);
+    EXPECT_THAT(second.start(path), HasSubstr("belongs to another sbus-host"));
+    EXPECT_THAT(ask(R"({"do":"status"})"), HasSubstr("channels"));
+}
+
+TEST_F(Server, LeavesWhatIsNoSocketAlone) {
+    QFile file(QString::fromStdString(path));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("mine");
+    file.close();
+    EXPECT_THAT(server.start(path), HasSubstr("something else of that name"));
+    EXPECT_EQ(file.size(), 4);
+}
+
+TEST_F(Server, LeavesTheSocketOfAnotherProgramAlone) {
+    QLocalServer other;
+    ASSERT_TRUE(other.listen(QString::fromStdString(path)));
+    EXPECT_THAT(server.start(path), HasSubstr("belongs to another program"));
+    EXPECT_TRUE(QFile::exists(QString::fromStdString(path)));
+}
+
+TEST_F(Server, TellsThatThereIsNoDirectoryForItsSocket) {
+    EXPECT_THAT(server.start(folder.filePath(QStringLiteral("none/control.sock")).toStdString()),
+                HasSubstr("directory is not there"));
+}
+
+TEST_F(Server, LeavesNoSocketBehind) {
+    ASSERT_EQ(server.start(path), "");
+    server.stop();
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(path)));
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(path + ".lock")));
+    ControlServer next(site, fake, fake.store);
+    EXPECT_EQ(next.start(path), "");
+}
+
+TEST_F(Server, TurnsAwayMoreClientsThanItsLimitAndTellsThem) {
+    ASSERT_EQ(server.start(path, 2), "");
+    ControlClient first;
+    connect(first);
+    ASSERT_TRUE(first.send(R"({"do":"poll"})"));
+    next(first);
+    {
+        ControlClient second;
+        connect(second);
+        ASSERT_TRUE(second.send(R"({"do":"poll"})"));
+        next(second);
+        ControlClient third;
+        connect(third);
+        EXPECT_THAT(next(third), AllOf(HasSubstr("\"code\":\"busy\""), HasSubstr("2 clients")));
+        EXPECT_EQ(next(third), "end");
+    }
+    // The second has left: there is room again, as soon as the server has seen it.
+    QElapsedTimer elapsed;
+    elapsed.start();
+    std::string reply;
+    while (reply.find("asked for") == std::string::npos && elapsed.elapsed() < patienceMs)
+        reply = ask(R"({"do":"poll"})");
+    EXPECT_THAT(reply, HasSubstr("asked for"));
+}
+
+TEST_F(Server, EndsWhileClientsWaitAndTellsEachOfThem) {
+    ASSERT_EQ(server.start(path), "");
+    fake.hold();
+    std::vector<std::unique_ptr<ControlClient>> clients;
+    for (int i = 0; i < 50; ++i) {
+        clients.push_back(std::make_unique<ControlClient>());
+        connect(*clients.back());
+        ASSERT_TRUE(clients.back()->send(writeRun));
+    }
+    ControlClient silent;
+    connect(silent);
+    fake.waitForCommands(clients.size());
+    server.stop();
+    for (const auto& client : clients) {
+        EXPECT_THAT(next(*client), HasSubstr("\"code\":\"ending\""));
+        EXPECT_EQ(next(*client), "end");
+    }
+    EXPECT_EQ(next(silent), "end");
+    fake.release(); // nobody is told any more
+}
+
+TEST_F(Server, EndsWhileAWatcherDoesNotRead) {
+    ASSERT_EQ(server.start(path), "");
+    ControlClient lazy;
+    connect(lazy);
+    ASSERT_TRUE(lazy.send(R"({"do":"watch"})"));
+    next(lazy);
+    for (int i = 1; i <= 5'000; ++i)
+        publish(i);
+    std::this_thread::sleep_for(std::chrono::milliseconds(200)); // more or less of it is on its way
+    server.stop();
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(path)));
+}

@@ -1,0 +1,315 @@
+#include "FakeHost.h"
+#include "control/ControlService.h"
+
+#include <QDateTime>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+// Lines in, lines out, without a socket.
+
+using namespace host;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+using Result = Halvex::DriverErrorResult;
+
+namespace {
+
+class Service : public testing::Test {
+protected:
+    std::vector<std::string> ask(const QByteArray& line, ClientId client = 1) {
+        sent.clear();
+        service.handleLine(client, line);
+        service.answerFinished();
+        return sent[client];
+    }
+
+    std::string askOne(const QByteArray& line, ClientId client = 1) {
+        const auto lines = ask(line, client);
+        EXPECT_EQ(lines.size(), 1U) << line.toStdString();
+        return lines.empty() ? "" : lines[0];
+    }
+
+    void publish(int channelId, int rtuId, unsigned number, double value,
+                 PointQuality quality = PointQuality::Good) {
+        PointUpdate update;
+        update.number = number;
+        update.value = value;
+        update.stamp = CMidTime(QDateTime::fromMSecsSinceEpoch(1'000'000'000'000, Qt::UTC), 0);
+        update.quality = quality;
+        fake.store.publishPoints(channelId, rtuId, {update});
+    }
+
+    std::vector<std::string> changesTold(ClientId client) {
+        sent.clear();
+        service.tellChanges();
+        return sent[client];
+    }
+
+    const Site site = controlSite();
+    FakeHost fake{site};
+    std::map<ClientId, std::vector<std::string>> sent;
+    int woken = 0;
+    ControlService::Clock::time_point time;
+    ControlService service{
+        site,
+        fake,
+        fake.store,
+        {[this](ClientId client, const QByteArray& line) { sent[client].push_back(line.toStdString()); },
+         [this] { ++woken; }, [this] { return time; }}};
+};
+
+const char* const writeRun = R"({"id":1,"do":"write","values":[{"point":"hill/RUN","value":1}]})";
+
+} // namespace
+
+TEST_F(Service, SwitchesAStatusPoint) {
+    EXPECT_EQ(
+        askOne(writeRun),
+        R"({"id":1,"ok":true,"results":[{"number":0,"point":"hill/RUN","result":"success","value":1}]})");
+    ASSERT_THAT(fake.commands(), SizeIs(1));
+    EXPECT_EQ(fake.commands()[0].channelId, 5);
+    EXPECT_EQ(fake.commands()[0].rtuId, 1);
+    const auto action = std::get<SwitchPoint>(fake.commands()[0].action);
+    EXPECT_EQ(action.point, 1U);
+    EXPECT_TRUE(action.on);
+}
+
+TEST_F(Service, SetsAnalogPointsInTheirOrder) {
+    askOne(R"({"do":"write","values":[{"point":"pump-house/LEVEL","value":-3},)"
+           R"({"point":"pump-house/FLOW","value":1.25}]})");
+    ASSERT_THAT(fake.commands(), SizeIs(2));
+    EXPECT_EQ(std::get<SetPoint>(fake.commands()[0].action).point, 3U);
+    EXPECT_EQ(std::get<SetPoint>(fake.commands()[0].action).value, -3);
+    EXPECT_EQ(std::get<SetPoint>(fake.commands()[1].action).point, 2U);
+    EXPECT_EQ(std::get<SetPoint>(fake.commands()[1].action).value, 1.25);
+}
+
+TEST_F(Service, TellsEveryResultInWordsAndAsNumber) {
+    const std::pair<Result, const char*> results[] = {
+        {Result::NotSupported, R"("number":10000,"point":"hill/RUN","result":"not supported")"},
+        {Result::BadData, R"("number":10001,"point":"hill/RUN","result":"bad data")"},
+        {Result::ChannelError, R"("number":10002,"point":"hill/RUN","result":"channel error")"},
+        {Result::TimeOut, R"("number":10003,"point":"hill/RUN","result":"time-out")"},
+        {Result::RtuNotFound, R"("number":10006,"point":"hill/RUN","result":"no such RTU")"},
+        {Result::PointNotFound, R"("number":10007,"point":"hill/RUN","result":"no such point")"},
+        {Result::UnsupportedAddress, R"("number":10008,"point":"hill/RUN","result":"address not writable")"}};
+    for (const auto& [result, text] : results) {
+        fake.answerWith(result);
+        EXPECT_THAT(askOne(writeRun), AllOf(HasSubstr(text), HasSubstr(R"("ok":false)")));
+    }
+}
+
+TEST_F(Service, TellsThatTheControllerRefused) {
+    fake.answerWith(Result::BadData, true);
+    EXPECT_THAT(askOne(writeRun), HasSubstr(R"("number":10001,"point":"hill/RUN","result":"refused")"));
+    fake.answerWith(Result::Success, true); // an older request was
+    EXPECT_THAT(askOne(writeRun), HasSubstr(R"("result":"success")"));
+}
+
+TEST_F(Service, TellsThatTheHostRefused) {
+    fake.refuseCommands("1000 commands wait for RTU 1 \"hill\"");
+    EXPECT_THAT(askOne(writeRun), AllOf(HasSubstr(R"("number":null)"), HasSubstr(R"("result":"refused")"),
+                                        HasSubstr(R"("why":"1000 commands wait for RTU 1 \"hill\"")")));
+}
+
+TEST_F(Service, WritesNothingWhenANameIsWrong) {
+    EXPECT_EQ(
+        askOne(R"({"id":"a","do":"write","values":[{"point":"hill/RUN","value":1},)"
+               R"({"point":"pump-house/VALFE","value":1}]})"),
+        R"({"code":"unknown","error":"no point \"pump-house/VALFE\"; near it: \"pump-house/VALVE\"; nothing )"
+        R"(was written","id":"a","ok":false})");
+    EXPECT_THAT(askOne(R"({"do":"write","values":[{"point":"pump-house/RUN","value":1}]})"),
+                HasSubstr("there are 2 of"));
+    EXPECT_THAT(fake.commands(), IsEmpty());
+}
+
+TEST_F(Service, WritesNothingToADisabledRtuAndOnlyBitsToAStatusPoint) {
+    EXPECT_THAT(askOne(R"({"do":"write","values":[{"point":"tank/LEVEL","value":1}]})"),
+                HasSubstr("\\\"tank\\\" is disabled in the site file"));
+    EXPECT_THAT(askOne(R"({"do":"write","values":[{"point":"hill/RUN","value":2}]})"),
+                HasSubstr("takes 0 or 1"));
+    EXPECT_THAT(fake.commands(), IsEmpty());
+}
+
+TEST_F(Service, AnswersAWriteOnceAllItsCommandsHaveEnded) {
+    fake.hold();
+    EXPECT_THAT(ask(writeRun), IsEmpty());
+    EXPECT_EQ(woken, 0);
+    fake.release();
+    EXPECT_EQ(woken, 1);
+    service.answerFinished();
+    EXPECT_THAT(sent[1], ElementsAre(HasSubstr(R"("result":"success")")));
+}
+
+TEST_F(Service, AnswersSomeClientsWhileOthersWait) {
+    fake.hold();
+    ask(writeRun, 1);
+    EXPECT_THAT(ask(R"({"do":"status"})", 2), SizeIs(1));
+    EXPECT_THAT(ask(R"({"do":"status"})", 1), SizeIs(1));
+}
+
+TEST_F(Service, TakesNoMoreThanItsLimitOfOpenRequestsOfAClient) {
+    fake.hold();
+    for (std::size_t i = 0; i < ControlService::mostOpenRequests; ++i)
+        EXPECT_THAT(ask(writeRun), IsEmpty());
+    EXPECT_THAT(askOne(writeRun), HasSubstr(R"("code":"busy")"));
+    EXPECT_THAT(ask(writeRun, 2), IsEmpty()); // another client's
+    fake.release();
+    service.answerFinished();
+    EXPECT_THAT(askOne(writeRun), HasSubstr(R"("ok":true)"));
+}
+
+TEST_F(Service, ForgetsTheWaitOfAClientThatIsGone) {
+    fake.hold();
+    ask(writeRun);
+    service.forget(1);
+    fake.release();
+    service.answerFinished();
+    EXPECT_THAT(sent[1], IsEmpty());
+}
+
+TEST_F(Service, SetsTheClockOfEveryEnabledRtu) {
+    EXPECT_THAT(askOne(R"({"do":"time-sync"})"),
+                AllOf(HasSubstr(R"("rtu":"waterworks/pump-house")"), HasSubstr(R"("rtu":"hill")")));
+    ASSERT_THAT(fake.commands(), SizeIs(3));
+    for (const Command& command : fake.commands())
+        EXPECT_TRUE(std::holds_alternative<SynchroniseClock>(command.action));
+}
+
+TEST_F(Service, SetsTheClockOfOneRtu) {
+    EXPECT_EQ(askOne(R"({"do":"time-sync","rtus":["hill"]})"),
+              R"({"ok":true,"results":[{"number":0,"result":"success","rtu":"hill"}]})");
+    EXPECT_THAT(askOne(R"({"do":"time-sync","rtus":["tank"]})"), HasSubstr("disabled"));
+}
+
+TEST_F(Service, AsksForPolls) {
+    EXPECT_EQ(askOne(R"({"id":2,"do":"poll","rtus":["hill"]})"),
+              R"({"id":2,"ok":true,"results":[{"number":0,"result":"asked for","rtu":"hill"}]})");
+    EXPECT_THAT(fake.polls(), ElementsAre(std::pair(5, 1)));
+    askOne(R"({"do":"poll"})");
+    EXPECT_THAT(fake.polls(), SizeIs(4));
+    EXPECT_THAT(askOne(R"({"do":"poll","rtus":["hull"]})"), HasSubstr("near it: \\\"hill\\\""));
+    fake.answerWith(Result::ChannelError);
+    EXPECT_THAT(askOne(R"({"do":"poll","rtus":["hill"]})"),
+                AllOf(HasSubstr("channel error"), HasSubstr(R"("ok":false)")));
+}
+
+TEST_F(Service, TellsTheStatusOfChannelsAndRtus) {
+    publish(4, 7, 1, 1);
+    publish(4, 7, 2, 0, PointQuality::Bad);
+    const std::string status = askOne(R"({"id":9,"do":"status"})");
+    EXPECT_THAT(status, AllOf(HasSubstr(R"("id":9)"), HasSubstr(R"("end":"udp://127.0.0.1:9")"),
+                              HasSubstr(R"("name":"waterworks")"), HasSubstr(R"("station":5)"),
+                              HasSubstr(R"("answers":12,"bad_points":1,"connected":true,"enabled":true)"),
+                              HasSubstr(R"("good_points":1)"), HasSubstr(R"("last_round_trip_ms":1.5)"),
+                              HasSubstr(R"("never_read_points":1)")));
+}
+
+TEST_F(Service, CountsFiguresAnewOnlyAfterAWhile) {
+    ask(R"({"do":"status"})");
+    ask(R"({"do":"status"})");
+    EXPECT_EQ(fake.figuresAsked(), 1);
+    time += std::chrono::milliseconds(100);
+    ask(R"({"do":"status"})");
+    EXPECT_EQ(fake.figuresAsked(), 2);
+}
+
+TEST_F(Service, TellsAWatcherTheCurrentValuesFirst) {
+    publish(5, 1, 1, 1);
+    service.tellChanges();
+    EXPECT_EQ(askOne(R"({"id":1,"do":"watch","rtus":["hill"]})"), R"({"id":1,"ok":true,"points":1})");
+    EXPECT_TRUE(service.isWatching(1));
+    sent.clear();
+    EXPECT_FALSE(service.tellCurrentValues(1, 10));
+    EXPECT_THAT(
+        sent[1],
+        ElementsAre(R"({"change":{"time":"2001-09-09T01:46:40.000Z","channel":"reservoirs","rtu":"hill",)"
+                    R"("id":1,"name":"RUN","address":"O1","value":1,"quality":"good"}})"));
+}
+
+TEST_F(Service, TellsCurrentValuesInPortions) {
+    EXPECT_THAT(askOne(R"({"do":"watch"})"), HasSubstr(R"("points":7)"));
+    sent.clear();
+    EXPECT_TRUE(service.tellCurrentValues(1, 5));
+    EXPECT_THAT(sent[1], SizeIs(5));
+    EXPECT_FALSE(service.tellCurrentValues(1, 5));
+    EXPECT_THAT(sent[1], SizeIs(7));
+}
+
+TEST_F(Service, TellsEveryWatcherEveryChange) {
+    ask(R"({"do":"watch"})", 1);
+    ask(R"({"do":"watch","rtus":["hill"]})", 2);
+    service.tellCurrentValues(1, 100);
+    service.tellCurrentValues(2, 100);
+    publish(4, 7, 3, 5);
+    publish(4, 7, 3, 6);
+    publish(5, 1, 1, 1, PointQuality::Bad);
+    const auto told = changesTold(1);
+    EXPECT_THAT(told, ElementsAre(HasSubstr(R"("value":5,"quality":"good")"), HasSubstr(R"("value":6)"),
+                                  HasSubstr(R"("value":null,"quality":"bad")")));
+    EXPECT_THAT(sent[2], ElementsAre(HasSubstr(R"("rtu":"hill")")));
+}
+
+TEST_F(Service, TellsAChangeBeforeItsPointWasToldOnlyAsCurrentValue) {
+    ask(R"({"do":"watch"})");
+    publish(5, 3, 2, 1);
+    EXPECT_THAT(changesTold(1), IsEmpty());
+    service.tellCurrentValues(1, 100);
+    EXPECT_THAT(sent[1], SizeIs(7));
+    EXPECT_THAT(sent[1].back(), HasSubstr(R"("name":"RUN","address":"O3","value":1,"quality":"good")"));
+}
+
+TEST_F(Service, TellsNobodyMoreWhoIsGone) {
+    ask(R"({"do":"watch"})");
+    service.tellCurrentValues(1, 100);
+    service.forget(1);
+    publish(5, 1, 1, 1);
+    EXPECT_THAT(changesTold(1), IsEmpty());
+}
+
+TEST_F(Service, TakesOneWatchOfAClientAndNoMoreThanItsLimitOfAll) {
+    ask(R"({"do":"watch"})");
+    EXPECT_THAT(askOne(R"({"do":"watch"})"), HasSubstr(R"("code":"busy")"));
+    for (ClientId client = 2; client <= ControlService::mostWatches; ++client)
+        EXPECT_THAT(askOne(R"({"do":"watch"})", client), HasSubstr(R"("ok":true)"));
+    EXPECT_THAT(askOne(R"({"do":"watch"})", 1'000), HasSubstr(R"("code":"busy")"));
+    service.forget(2);
+    EXPECT_THAT(askOne(R"({"do":"watch"})", 1'000), HasSubstr(R"("ok":true)"));
+}
+
+TEST_F(Service, AnswersEachMalformedLine) {
+    EXPECT_THAT(askOne("rubbish"), AllOf(HasSubstr(R"("code":"malformed")"), HasSubstr(R"("ok":false)")));
+    EXPECT_THAT(askOne(R"({"id":5,"do":"fly"})"), AllOf(HasSubstr(R"("id":5)"), HasSubstr("malformed")));
+    sent.clear();
+    service.handleTooLongLine(1);
+    EXPECT_THAT(sent[1], ElementsAre(AllOf(HasSubstr("65536 bytes"), HasSubstr("malformed"))));
+}
+
+TEST_F(Service, TellsWhoWaitsThatTheHostEnds) {
+    fake.hold();
+    ask(writeRun);
+    ask(R"({"id":"x","do":"time-sync"})", 2);
+    sent.clear();
+    service.end();
+    EXPECT_THAT(sent[1], ElementsAre(AllOf(HasSubstr(R"("code":"ending")"), HasSubstr(R"("id":1)"))));
+    EXPECT_THAT(sent[2], ElementsAre(AllOf(HasSubstr(R"("code":"ending")"), HasSubstr(R"("id":"x")"))));
+}
+
+TEST(ServiceEnd, CommandsMayEndAfterTheServiceIsGone) {
+    const Site site = controlSite();
+    FakeHost fake(site);
+    fake.hold();
+    int woken = 0;
+    {
+        ControlService service(site, fake, fake.store,
+                               {[](ClientId, const QByteArray&) {}, [&woken] { ++woken; }, {}});
+        service.handleLine(1, writeRun);
+    }
+    fake.release();
+    EXPECT_EQ(woken, 0);
+}
