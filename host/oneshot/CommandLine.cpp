@@ -69,7 +69,7 @@ std::string countFault(const std::string& text) {
 }
 
 std::shared_ptr<GivenController> addController(CLI::App& command) {
-    const auto given = std::make_shared<GivenController>();
+    auto given = std::make_shared<GivenController>();
     command
         .add_option("LINK", given->link,
                     "udp://HOST:PORT or \"serial:DEVICE?baud=N&parity=none|even|odd&stop=1|2\"")

@@ -56,7 +56,7 @@ public:
         }
         bar.erase();
         for (const auto& [reason, elements] : failures)
-            tellError(nameOf(options.controller.line) + ", " + elements + ": " + reason);
+            tellError(std::string(elements).append(": ").append(reason));
         return endings;
     }
 
@@ -82,15 +82,17 @@ private:
 
     void fail(const WriteStep& step, const std::string& reason) {
         std::string& elements = failures[reason];
+        if (elements.empty())
+            elements = nameOf(options.controller.line) + ",";
         for (const std::size_t write : step.writes)
-            elements += (elements.empty() ? "" : " ") + toText(options.writes[write].address);
+            elements.append(" ").append(toText(options.writes[write].address));
     }
 
     const WriteOptions& options;
     CommandSender sender;
     WriteEndings endings;
     unsigned silentInARow = 0;
-    std::map<std::string, std::string> failures; // elements by reason
+    std::map<std::string, std::string> failures; // by reason: line, station, elements
 };
 
 // The last write of each element: what is to be found there afterwards.
@@ -125,6 +127,7 @@ ExitStatus verify(const WriteOptions& options, const WriteEndings& endings) {
     if (writes.empty())
         return ExitStatus::Good;
     std::vector<ElementRead> elements;
+    elements.reserve(writes.size());
     for (const std::size_t write : writes)
         elements.push_back({options.writes[write].address, options.writes[write].isFloat});
     ElementReader reader(line, elements);

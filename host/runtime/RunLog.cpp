@@ -61,7 +61,8 @@ void RunLog::noteSentBytes(const LogLine& line) {
         bytes += line.text.toStdString();
 }
 
-// The driver tells a refusal as such only where the negative acknowledge is as long as the answer.
+// The driver tells a refused read as such only where the negative acknowledge is as long as the answer; a
+// refused write it takes for done in Data Mode, and for a damaged answer in Break Mode.
 void RunLog::noteHiddenRefusal(const LogLine& line, const Channel& channel, const Rtu* rtu) {
     if (rtu == nullptr || channel.type != LineType::Serial)
         return;
@@ -70,10 +71,9 @@ void RunLog::noteHiddenRefusal(const LogLine& line, const Channel& channel, cons
     const bool isNegative = isRefusedRead(rtu->transmitType, answerBytes[source]);
     if (line.text.contains(QStringLiteral("Timeout")))
         protocolError = isNegative ? nakError : "";
-    else if (isNegative && protocolError == "Control Error")
-        protocolError = nakError;
-    else if (line.level == Halvex::LogLevel::Success &&
-             isRefusedWrite(rtu->transmitType, answerBytes[source]))
+    else if ((isNegative && protocolError == "Control Error") ||
+             (line.level == Halvex::LogLevel::Success &&
+              isRefusedWrite(rtu->transmitType, answerBytes[source])))
         protocolError = nakError;
 }
 
