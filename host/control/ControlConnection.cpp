@@ -6,7 +6,7 @@ namespace host {
 
 namespace {
 
-constexpr int endPatienceMs = 2'000; // for a client to read why it is dropped
+constexpr int endPatienceMs = 10'000; // for a client to read why it is dropped
 
 } // namespace
 

@@ -46,7 +46,7 @@ ControlListener::~ControlListener() = default;
 std::string ControlListener::listen(const std::string& path, std::size_t clients) {
     socketPath = path;
     mostClients = clients;
-    const std::string fault = open();
+    std::string fault = open();
     if (!fault.empty())
         return fault;
     changeTimer.start(changePeriodMs);
@@ -77,7 +77,7 @@ std::string ControlListener::open() {
         lock.reset();
         return namePath(socketPath) + " belongs to another program, which listens at it";
     }
-    const std::string fault = openServer();
+    std::string fault = openServer();
     if (!fault.empty())
         lock.reset();
     return fault;

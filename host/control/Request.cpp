@@ -47,7 +47,7 @@ private:
     }
 
     QJsonValue readId() {
-        const QJsonValue id = object.value(idKey);
+        QJsonValue id = object.value(idKey);
         if (id.isUndefined() || id.isString() || id.isDouble())
             return id;
         fail("\"id\" is neither a text nor a number");

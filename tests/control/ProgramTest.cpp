@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLocalSocket>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
@@ -242,6 +243,28 @@ TEST_F(ControlledProgram, EndsInOrderWhileClientsWatchAndWait) {
     EXPECT_EQ(endOf(watch).status, 1);
     EXPECT_EQ(endOf(writer).status, 1); // told the end, or already that the controller is silent
     EXPECT_FALSE(QFile::exists(QString::fromStdString(socketPath())));
+}
+
+TEST_F(ControlledProgram, SurvivesMoreClientsThanItMayHaveFilesOpen) {
+    started.push_back(std::make_unique<QProcess>());
+    QProcess& host = *started.back();
+    host.setProcessEnvironment(environment);
+    host.start(QStringLiteral("sh"),
+               {QStringLiteral("-c"), QStringLiteral("ulimit -n 64 && exec \"$0\" run \"$1\""),
+                QStringLiteral(HOST_PROGRAM), site});
+    ASSERT_TRUE(host.waitForStarted(patienceMs));
+    ASSERT_TRUE(eventually([this] { return ctl("status").status == 0; }));
+    {
+        std::vector<std::unique_ptr<QLocalSocket>> clients;
+        for (int i = 0; i < 300; ++i) {
+            clients.push_back(std::make_unique<QLocalSocket>());
+            clients.back()->connectToServer(QString::fromStdString(socketPath()));
+            clients.back()->waitForConnected(100); // most are turned away, one way or the other
+        }
+    }
+    EXPECT_FALSE(host.waitForFinished(0));
+    EXPECT_TRUE(eventually([this] { return ctl("write pump-house/LEVEL=8").status == 0; }));
+    EXPECT_EQ(simulator.memory(1, 5).get(sim::Media::Registers, 10), 8U);
 }
 
 // Telegrams are counted by the controllers, before the crowd comes and while it asks without pause.
