@@ -53,7 +53,6 @@ public:
 
 protected:
     CLink* currentLink() const { return link.load(std::memory_order_acquire); }
-    CChannel* ownChannel() const { return channel; }
 
     void executeRequest(SBusRequest& request);
     void reportResult(unsigned code, const SBusRequest& request, CReply* reply, const QString& reason);

@@ -3,8 +3,8 @@
 #include "SBusRtu.h"
 
 #include "SaiaFloat.h"
+#include "WriteItems.h"
 
-#include <HalvexDriverComponent/Halvex.h>
 
 namespace {
 
@@ -12,7 +12,7 @@ double analogValue(int raw, const QString& media, const AnalogPoint& point) {
     const auto word = static_cast<quint32>(raw);
     if (media == QLatin1String("T"))
         return word;
-    if (media == QLatin1String("R") && point.dataType == static_cast<unsigned>(Halvex::PointDataType::Float))
+    if (sbus::isFloatRegister(media, point.dataType))
         return sbus::decodeSaiaFloat(word);
     return raw;
 }

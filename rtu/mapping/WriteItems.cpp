@@ -8,6 +8,7 @@
 #include <QDataStream>
 
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 namespace sbus {
@@ -28,10 +29,6 @@ QByteArray bigEndian(Number number) {
     QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream << number;
     return bytes;
-}
-
-bool isFloatRegister(const QString& media, unsigned dataType) {
-    return media == QLatin1String("R") && dataType == static_cast<unsigned>(Halvex::PointDataType::Float);
 }
 
 QByteArray integerData(const QString& media, double value) {
@@ -55,6 +52,10 @@ SBusRequestItem writeItem(const QString& media, int address, quint32 count, cons
     SBusRequestItem item = itemOf(0, address, count, data);
     writeCommandForMedia(item.command, media);
     return item;
+}
+
+bool isFloatRegister(const QString& media, unsigned dataType) {
+    return media == QLatin1String("R") && dataType == static_cast<unsigned>(Halvex::PointDataType::Float);
 }
 
 QByteArray setPointData(const QString& media, unsigned dataType, double value) {

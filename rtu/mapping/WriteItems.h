@@ -5,13 +5,14 @@
 #include <QList>
 #include <QMap>
 
-struct AnalogPoint;
-
 // The telegrams that write values, and the bytes that they carry.
 namespace sbus {
 
 // One telegram that writes `data` to `address` on.
 SBusRequestItem writeItem(const QString& media, int address, quint32 count, const QByteArray& data);
+
+// Whether the element holds a number in the controller's floating-point format, whichever way it travels.
+bool isFloatRegister(const QString& media, unsigned dataType);
 
 // The value of one element as a single set point writes it, in four bytes: timers unsigned, float registers
 // in the controller's own format, all else as a signed number. Cut toward zero; what a signed number cannot

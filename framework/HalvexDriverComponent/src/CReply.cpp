@@ -66,11 +66,7 @@ std::optional<Halvex::DriverErrorResult> CReply::wait(int timeoutMs) {
     if (state->answered.wait_for(lock, std::chrono::milliseconds(std::max(0, timeoutMs)),
                                  [this] { return state->completed; }))
         result = state->result;
-    state->waitingSideGone = true;
-    const bool unused = state->takeOutIfUnused(this);
-    lock.unlock();
-    if (unused)
-        delete this;
+    state->endWaiting(this, lock);
     return result;
 }
 
@@ -82,22 +78,14 @@ void CReply::notify(std::function<void(Halvex::DriverErrorResult)> notice) {
         return;
     }
     const Halvex::DriverErrorResult result = state->result;
-    state->waitingSideGone = true;
-    const bool unused = state->takeOutIfUnused(this);
-    lock.unlock();
-    if (unused)
-        delete this;
+    state->endWaiting(this, lock);
     notice(result);
 }
 
 void CReply::release() {
     const auto shared = state->shared;
     std::unique_lock<std::mutex> lock(shared->mutex);
-    state->waitingSideGone = true;
-    const bool unused = state->takeOutIfUnused(this);
-    lock.unlock();
-    if (unused)
-        delete this;
+    state->endWaiting(this, lock);
 }
 
 int CReply::liveCount() {

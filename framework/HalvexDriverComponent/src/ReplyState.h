@@ -38,6 +38,15 @@ struct CReply::State {
         return true;
     }
 
+    // Ends the waiting side's use of `reply`, which may be gone afterwards. Gives up the lock.
+    void endWaiting(CReply* reply, std::unique_lock<std::mutex>& lock) {
+        waitingSideGone = true;
+        const bool unused = takeOutIfUnused(reply);
+        lock.unlock();
+        if (unused)
+            delete reply;
+    }
+
     const std::shared_ptr<ReplyRegistry::Shared> shared;
     std::condition_variable answered;
     Notice notice;

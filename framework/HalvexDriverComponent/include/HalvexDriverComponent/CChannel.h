@@ -24,8 +24,9 @@ class ScanSchedule;
 // Life: made by the driver's createChannel; the host sets type and links and adds RTUs, calls InitChannel,
 // starts the thread; to end it sets the shutdown flag, waits for the thread, calls CloseChannel, deletes.
 // Owns its links, its RTUs and the replies that no driver completed. The core interface is the host's.
-// Threads: set-up and close on the host's thread while run() does not run; CheckScan, PutCommFailDuration,
-// PutChannelStatus and the change of link on the channel's thread; flags and figures may be read anywhere.
+// Threads: set-up and close on the host's thread while run() does not run; CheckScan, PutCommFailDuration and
+// the change of link on the channel's thread; PutChannelStatus there and on that of a command that is refused
+// offline; flags and figures may be read anywhere.
 class HALVEXDRIVERCOMPONENT_EXPORT CChannel : public CThread {
     Q_OBJECT
 

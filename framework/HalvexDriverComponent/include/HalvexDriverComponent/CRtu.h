@@ -35,7 +35,8 @@ public:
 
     // Makes what asks this RTU for its polls. The base needs nothing: the channel's CheckScan does.
     virtual void createScheduler();
-    // Give the points of a kind the addresses with which they were configured, and prepare the RTU anew.
+    // Whichever kind has changed: all points get the addresses with which they were configured, and the RTU
+    // is prepared anew.
     virtual void ReloadStatusPoint();
     virtual void ReloadAnalogPoint();
     virtual void ReloadBinaryPoint();
