@@ -15,9 +15,10 @@ class SBusProtocolBase;
 // host asks, puts the values that come back into the host's points, and makes requests of its commands.
 //
 // States: polls not built, built. They are built from the host's points at InitRtu, or at the first poll.
-// Threads: once the polls are built, RequestPoll and the commands on any; they build a request and hand it over.
-// The publishers run on the channel's thread and read the point indexes without a lock: nothing may build them
-// meanwhile. Ownership: the host owns the RTU; channel, protocol object and delayed queue are the channel's.
+// Threads: once the polls are built, RequestPoll and the commands on any; they build a request and hand it
+// over. The publishers run on the channel's thread and read the point indexes without a lock: nothing may
+// build them meanwhile. Ownership: the host owns the RTU; channel, protocol object and delayed queue are the
+// channel's.
 class SBusRtu final : public CRtu, public SBusValuePublisher {
 public:
     SBusRtu(CChannel* owner, HalvexDriverCoreInterface* coreInterface, const RemoteTerminalUnit& rtu);

@@ -5,7 +5,6 @@
 #include "SaiaFloat.h"
 #include "WriteItems.h"
 
-
 namespace {
 
 double analogValue(int raw, const QString& media, const AnalogPoint& point) {

@@ -37,8 +37,8 @@ struct SiteFigures {
 
 // A site at work: the plug-in, a channel per line, their threads.
 // States: made, running (after start), stopped (after stop, for good). Site and core outlive it.
-// Threads: the main thread; while running, from the end of start() to the beginning of stop(), figures and RTUs
-// may be asked for on any.
+// Threads: the main thread; while running, from the end of start() to the beginning of stop(), figures and
+// RTUs may be asked for on any.
 class HostRuntime {
 public:
     using LinkFactory = std::function<std::unique_ptr<CLink>(const LinkEnd&)>;
