@@ -35,11 +35,6 @@ void addCheckCommand(CLI::App& program, ExitStatus& status) {
     command->callback([path, &status] { status = host::checkSiteFile(*path); });
 }
 
-std::string durationFault(const std::string& text) {
-    const bool good = host::parseDuration(text).has_value();
-    return good ? "" : "\"" + text + "\" is no duration; write a number and its unit: 500ms, 10s, 2m, 1h";
-}
-
 void addRunCommand(CLI::App& program, ExitStatus& status) {
     struct Given {
         host::RunOptions options;
@@ -51,7 +46,7 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
     const auto given = std::make_shared<Given>();
     command->add_option("SITE", given->options.sitePath, "Site file")->required();
     command->add_option("--for", given->duration, "End after this time, such as 10s; without it at Ctrl-C")
-        ->check(durationFault);
+        ->check(host::durationFault);
     command
         ->add_option("--format", given->format,
                      "How values are shown; without it table on a terminal, lines elsewhere")
