@@ -11,9 +11,6 @@
 
 namespace host {
 
-// Numbers from here on belong to hidden points, which are read but never shown.
-constexpr unsigned firstHiddenNumber = 0x8000'0000;
-
 // A point and where it stands in the site. The site outlives it.
 struct PointRef {
     const Channel* channel = nullptr;
