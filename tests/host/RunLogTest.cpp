@@ -48,7 +48,9 @@ TEST(RunLog, TellsFailuresAndTheirEndButNotSuccess) {
     EXPECT_THAT(log.takeMessages(), IsEmpty());
     writeResult(LogLevel::RequestFailure, "Request result : Timeout");
     writeResult(LogLevel::RequestFailure, "Request result : Timeout");
-    EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("no complete answer")));
+    EXPECT_THAT(log.takeMessages(),
+                ElementsAre(HasSubstr("channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5): "
+                                      "no complete answer")));
     writeResult(LogLevel::Success, "Request result : Success");
     EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("answers again")));
 }
