@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::chrono::milliseconds redrawPeriod{250};
 constexpr std::chrono::seconds pageTime{5};
-constexpr std::size_t keptMessages = 4;
 constexpr std::chrono::milliseconds lastWrite{200}; // for a terminal that is slow, or was stopped
 
 const char* sequenceFor(TableLine::Style style) {
@@ -67,8 +66,8 @@ bool TableOutput::update() {
 
 void TableOutput::tell(const std::vector<std::string>& messages) {
     newestMessages.insert(newestMessages.end(), messages.begin(), messages.end());
-    if (newestMessages.size() > keptMessages)
-        newestMessages.erase(newestMessages.begin(), newestMessages.end() - keptMessages);
+    if (newestMessages.size() > mostTableMessages)
+        newestMessages.erase(newestMessages.begin(), newestMessages.end() - mostTableMessages);
     if (!terminal::isErrorTerminal())
         for (const std::string& message : messages)
             error.write(message + '\n');

@@ -23,6 +23,8 @@ struct PointState {
     qint64 valueTimeMs = 0;  // since 1970; 0: never read
     qint64 changeTimeMs = 0; // of the value or, where it alone has changed, of the quality
     PointQuality quality = PointQuality::NeverRead;
+
+    bool hasValue() const { return valueTimeMs != 0; }
 };
 
 struct PointChange {
