@@ -48,15 +48,17 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
     command->add_option("--for", given->duration, "End after this time, such as 10s; without it at Ctrl-C")
         ->check(host::durationFault);
     command
-        ->add_option("--format", given->format,
-                     "How values are shown; without it table on a terminal, lines elsewhere")
+        ->add_option(
+            "--format", given->format,
+            "How values are shown; without it table on a terminal, lines elsewhere and with --frames")
         ->check(CLI::IsMember(formatNames))
         ->type_name("FORMAT");
     command->add_flag("--frames", given->options.frames, "Show every telegram as hex on standard error");
     command->add_option("--log-dir", given->options.logDirectory,
                         "Write a log file per channel into this directory");
-    command->add_option("--plugin", given->options.pluginPath,
-                        "Driver plug-in; without it SBusDriver beside this program");
+    command->add_option(
+        "--plugin", given->options.pluginPath,
+        "Driver plug-in; without it SBusDriver beside this program or in the library directory");
     command->add_option(
         "--control", given->options.controlPath,
         "Where sbus-host ctl reaches this host; without it at a socket of the site file's own");

@@ -80,8 +80,9 @@ std::shared_ptr<GivenController> addController(CLI::App& command) {
         .add_option("--break-delay", given->breakDelayMs,
                     "Milliseconds of break before each telegram of mode break; without it 10")
         ->check(breakDelayFault);
-    command.add_option("--plugin", given->pluginPath,
-                       "Driver plug-in; without it SBusDriver beside this program");
+    command.add_option(
+        "--plugin", given->pluginPath,
+        "Driver plug-in; without it SBusDriver beside this program or in the library directory");
     return given;
 }
 
