@@ -1,6 +1,7 @@
 #include "CommandSender.h"
 
 #include "command/StopSignal.h"
+#include "runtime/CommandText.h"
 
 #include <HalvexDriverComponent/CReply.h>
 #include <HalvexDriverComponent/CRtu.h>
@@ -106,8 +107,7 @@ CommandEnding CommandSender::send(const CommandAction& action) {
             return endingOf(awaitReply(reply));
         reply->release();
         if (answer != DriverErrorResult::ChannelError)
-            return notSent("the driver does not take the command (" +
-                           std::to_string(static_cast<int>(answer)) + ")");
+            return notSent(std::string("the driver does not take the command: ") + resultText(answer));
     }
 }
 

@@ -46,6 +46,7 @@ protected:
         if (!made)
             made = std::make_unique<CommandDispatcher>(
                 site, [this](int, int id) { return &rtus[id]; },
+                [this](int, int id) { return refusing == id; },
                 [timeLimit](const host::Channel&) { return timeLimit; });
         return *made;
     }
@@ -62,6 +63,7 @@ protected:
     CommandResults results; // outlives the dispatcher, which tells them
     std::unique_ptr<CommandDispatcher> made;
     int nextNumber = 0;
+    std::atomic<int> refusing{0}; // the RTU whose controller refuses what the driver takes for done
 };
 
 } // namespace
@@ -111,6 +113,16 @@ TEST_F(Dispatching, ADriverRefusalIsTheResult) {
     rtus[7].refuse(DriverErrorResult::UnsupportedAddress);
     submit(SwitchPoint{1, true});
     EXPECT_THAT(results.await(1), ElementsAre(Pair(0, DriverErrorResult::UnsupportedAddress)));
+}
+
+TEST_F(Dispatching, WhatTheControllerRefusedIsBadDataAlthoughTheDriverTakesItForDone) {
+    rtus[7].answerAtOnce(success);
+    rtus[8].answerAtOnce(success);
+    refusing = 7;
+    submit(SwitchPoint{1, true}, 7);
+    EXPECT_THAT(results.await(1), ElementsAre(Pair(0, DriverErrorResult::BadData)));
+    submit(SwitchPoint{1, true}, 8);
+    EXPECT_THAT(results.await(2), ElementsAre(Pair(0, DriverErrorResult::BadData), Pair(1, success)));
 }
 
 TEST_F(Dispatching, AListIsCarriedOutAsDriverCallsInTheirOrder) {
@@ -200,7 +212,8 @@ TEST_F(Dispatching, AResultAtTheMomentOfTheStopIsToldOnce) {
     for (int round = 0; round < 200; ++round) {
         CommandResults told;
         CommandedRtu rtu;
-        CommandDispatcher own(site, [&](int, int) { return &rtu; });
+        CommandDispatcher own(
+            site, [&](int, int) { return &rtu; }, [](int, int) { return false; });
         own.submit({4, 7, SwitchPoint{1, true}}, told.of(0));
         own.submit({4, 7, SwitchPoint{1, false}}, told.of(1));
         rtu.awaitCalls(1);
