@@ -1,6 +1,7 @@
 #include "CommandDispatcher.h"
 
 #include "CommandPlan.h"
+#include "DriverCall.h"
 #include "FailureText.h"
 #include "plan/CommandTimeLimit.h"
 
@@ -12,27 +13,6 @@
 #include <mutex>
 
 namespace host {
-
-namespace {
-
-int callDriver(CRtu& rtu, const CommandAction& action, CReply* reply) {
-    struct Caller {
-        CRtu& rtu;
-        CReply* reply;
-
-        int operator()(const SwitchPoint& one) const {
-            return rtu.statusWrite(one.point, one.on ? 1 : 0, reply);
-        }
-        int operator()(const SetPoint& one) const { return rtu.analogWrite(one.point, one.value, reply); }
-        int operator()(const SetPoints& list) const {
-            return rtu.analogWriteList(QMap<unsigned, double>(list.values), reply);
-        }
-        int operator()(const SynchroniseClock&) const { return rtu.timeSync(reply); }
-    };
-    return std::visit(Caller{rtu, reply}, action);
-}
-
-} // namespace
 
 struct CommandDispatcher::Mailbox {
     void put(std::uint64_t call, Result result) {

@@ -40,7 +40,10 @@ protected:
         second.name = "tank";
         site.channels[0].rtus.push_back(second);
     }
-    ~Dispatching() override { EXPECT_EQ(CReply::liveCount(), 0); }
+    void TearDown() override {
+        made.reset();
+        EXPECT_EQ(CReply::liveCount(), 0);
+    }
 
     CommandDispatcher& dispatcher(std::chrono::milliseconds timeLimit = std::chrono::hours(1)) {
         if (!made)
@@ -244,9 +247,11 @@ TEST_F(Dispatching, AResultMayBeAnsweredWithTheNextCommand) {
 TEST_F(Dispatching, TenThousandCommandsFromFourThreadsHaveTenThousandResults) {
     constexpr int threads = 4;
     constexpr int commandsOfEach = 2'500;
+    constexpr int commandsInAll = threads * commandsOfEach;
     rtus[7].answerAtOnce(success);
     dispatcher();
     std::vector<std::thread> operators;
+    operators.reserve(threads);
     for (int thread = 0; thread < threads; ++thread)
         operators.emplace_back([this, thread] {
             for (int i = 0; i < commandsOfEach; ++i) {
@@ -258,9 +263,9 @@ TEST_F(Dispatching, TenThousandCommandsFromFourThreadsHaveTenThousandResults) {
         });
     for (std::thread& one : operators)
         one.join();
-    const CommandResults::List told = results.await(threads * commandsOfEach);
+    const CommandResults::List told = results.await(commandsInAll);
     dispatcher().stop();
-    ASSERT_EQ(results.all().size(), std::size_t{threads} * commandsOfEach);
+    ASSERT_EQ(results.all().size(), std::size_t{commandsInAll});
 
     const std::vector<std::string> calls = rtus[7].calls();
     ASSERT_EQ(calls.size(), told.size());
