@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr unsigned registers = 127; // the longest run that one telegram takes
+constexpr std::size_t registers = 127; // the longest run that one telegram takes
 
 // Takes what is published, like a host that looks at nothing.
 class CountingCore final : public HalvexDriverCoreInterface {
@@ -52,7 +52,7 @@ void pollsThroughTheDriver(benchmark::State& state) {
     CountingCore core;
     BenchChannel channel(&core);
     channel.SetLinks(std::make_unique<CLinkUdp>(UdpSettings{"127.0.0.1", controller.port()}));
-    channel.addRegisters(registers);
+    channel.addRegisters(static_cast<unsigned>(registers));
     SBusEthernetDriver protocol(&channel);
     channel.rtu().attachProtocol(&protocol, nullptr);
     channel.rtu().InitRtu();
@@ -60,7 +60,7 @@ void pollsThroughTheDriver(benchmark::State& state) {
         state.SkipWithError("the link does not open");
     channel.SetConnect(true);
     protocol.setLink(channel.GetLink());
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         channel.rtu().RequestPoll(static_cast<int>(Halvex::PollKind::Analog), nullptr);
         protocol.processNextRequest();
     }
@@ -88,7 +88,7 @@ void bareSocket(benchmark::State& state) {
     const Controller controller;
     SBusRequestItem item;
     item.command = 6; // read registers
-    item.count = registers - 1;
+    item.count = static_cast<quint32>(registers) - 1;
     BenchChannel channel;
     SBusEthernetDriver protocol(&channel);
     QByteArray request;
@@ -99,13 +99,13 @@ void bareSocket(benchmark::State& state) {
     socket.connect({asio::ip::address_v4::loopback(), controller.port()});
     std::array<char, 1024> answer{};
     std::size_t received = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         socket.send(asio::buffer(request.constData(), static_cast<std::size_t>(request.size())));
         received += socket.receive(asio::buffer(answer)) > registers * 4 ? 1 : 0;
     }
     if (received != static_cast<std::size_t>(state.iterations()))
         state.SkipWithError("not every request was answered with all of its values");
-    state.SetItemsProcessed(state.iterations() * registers);
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(registers));
 }
 BENCHMARK(bareSocket)->Name("EthernetPoll/bare_socket")->UseRealTime()->Unit(benchmark::kMicrosecond);
 

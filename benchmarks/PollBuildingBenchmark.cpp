@@ -10,7 +10,7 @@ namespace {
 void buildsPolls(benchmark::State& state) {
     BenchChannel channel;
     channel.addRegisters(static_cast<unsigned>(state.range(0)));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         state.PauseTiming();
         channel.rtu().GetPointList()->RestoreAnalogPoints();
         state.ResumeTiming();

@@ -35,11 +35,6 @@ void addCheckCommand(CLI::App& program, ExitStatus& status) {
     command->callback([path, &status] { status = host::checkSiteFile(*path); });
 }
 
-std::string durationFault(const std::string& text) {
-    const bool good = host::parseDuration(text).has_value();
-    return good ? "" : "\"" + text + "\" is no duration; write a number and its unit: 500ms, 10s, 2m, 1h";
-}
-
 void addRunCommand(CLI::App& program, ExitStatus& status) {
     struct Given {
         host::RunOptions options;
@@ -51,17 +46,19 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
     const auto given = std::make_shared<Given>();
     command->add_option("SITE", given->options.sitePath, "Site file")->required();
     command->add_option("--for", given->duration, "End after this time, such as 10s; without it at Ctrl-C")
-        ->check(durationFault);
+        ->check(host::durationFault);
     command
-        ->add_option("--format", given->format,
-                     "How values are shown; without it table on a terminal, lines elsewhere")
+        ->add_option(
+            "--format", given->format,
+            "How values are shown; without it table on a terminal, lines elsewhere and with --frames")
         ->check(CLI::IsMember(formatNames))
         ->type_name("FORMAT");
     command->add_flag("--frames", given->options.frames, "Show every telegram as hex on standard error");
     command->add_option("--log-dir", given->options.logDirectory,
                         "Write a log file per channel into this directory");
-    command->add_option("--plugin", given->options.pluginPath,
-                        "Driver plug-in; without it SBusDriver beside this program");
+    command->add_option(
+        "--plugin", given->options.pluginPath,
+        "Driver plug-in; without it SBusDriver beside this program or in the library directory");
     command->add_option(
         "--control", given->options.controlPath,
         "Where sbus-host ctl reaches this host; without it at a socket of the site file's own");

@@ -4,9 +4,9 @@
 
 namespace sim {
 
-Line::Line(int lineId, Framing lineFraming, const std::vector<int>& stations, const MemorySizes& sizes,
+Line::Line(int lineId, Framing framing, const std::vector<int>& stations, const MemorySizes& sizes,
            std::uint64_t faultSeed, std::size_t recordLimit)
-    : id(lineId), lineKind(lineFraming), seed(faultSeed), recordsKept(recordLimit),
+    : id(lineId), lineFraming(framing), seed(faultSeed), recordsKept(recordLimit),
       mishaps(faultSeed, lineId) {
     for (const int station : stations) {
         if (controllers.count(station) == 0)
@@ -24,7 +24,7 @@ std::vector<int> Line::stations() const {
 
 std::vector<Answer> Line::respond(const Bytes& telegram, Clock::time_point now) {
     const std::lock_guard lock(mutex);
-    const Unwrapped unwrapped = unwrap(lineKind, telegram);
+    const Unwrapped unwrapped = unwrap(lineFraming, telegram);
     if (unwrapped.result != Unwrapped::Result::Good) {
         ++(unwrapped.result == Unwrapped::Result::Malformed ? tally.malformed : tally.wrongChecksums);
         return {};
@@ -49,7 +49,7 @@ std::vector<Answer> Line::respond(const Bytes& telegram, Clock::time_point now) 
     const Mishap mishap = mishaps.next(faults);
     if (mishap.refuse) {
         ++tally.faults.nak;
-        return disturb(wrapAcknowledge(lineKind, unwrapped.sequence, negativeAcknowledge), mishap);
+        return disturb(wrapAcknowledge(lineFraming, unwrapped.sequence, negativeAcknowledge), mishap);
     }
     return disturb(wrapOutcome(answerOf(*entry->second, request, now), unwrapped.sequence), mishap);
 }
@@ -108,8 +108,8 @@ void Line::record(const Request& request, Clock::time_point now) {
 
 Bytes Line::wrapOutcome(const Outcome& outcome, std::uint16_t sequence) const {
     if (outcome.verdict == Verdict::Data)
-        return wrapData(lineKind, sequence, outcome.payload);
-    return wrapAcknowledge(lineKind, sequence,
+        return wrapData(lineFraming, sequence, outcome.payload);
+    return wrapAcknowledge(lineFraming, sequence,
                            outcome.verdict == Verdict::Done ? positiveAcknowledge : negativeAcknowledge);
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Controller.h"
 #include "Counts.h"
 #include "Faults.h"
+#include "Outcome.h"
 #include "SerialReceiver.h"
 
 #include <memory>
@@ -19,10 +19,10 @@ struct Answer {
 // Owns its controllers and its counts. Any operation from any thread.
 class Line {
 public:
-    Line(int lineId, Framing lineFraming, const std::vector<int>& stations, const MemorySizes& sizes,
+    Line(int lineId, Framing framing, const std::vector<int>& stations, const MemorySizes& sizes,
          std::uint64_t faultSeed, std::size_t recordLimit);
 
-    Framing framing() const { return lineKind; }
+    Framing framing() const { return lineFraming; }
     std::vector<int> stations() const;
 
     // `telegram`: one whole request with its framing. No answer: nothing is to be sent. More than one: each
@@ -55,7 +55,7 @@ private:
     std::vector<Answer> disturb(Bytes answer, const Mishap& mishap);
 
     const int id;
-    const Framing lineKind;
+    const Framing lineFraming;
     const std::uint64_t seed;
     const std::size_t recordsKept;                          // of each kind
     std::map<int, std::unique_ptr<Controller>> controllers; // fixed after construction

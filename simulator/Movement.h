@@ -7,7 +7,8 @@
 namespace sim {
 
 // Gives the moving elements of a controller the values that they have `elapsed` after the start: the same
-// time gives the same values. Stations differ in phase. `k` is the number within the range:
+// time gives the same values. Stations differ in phase, but for R200 to R299. `k` is the number within the
+// range:
 //
 //   I0-I63, F0-F63   toggle, every 1 + k mod 10 seconds
 //   R0-R99           ramp 0 to 999, a step each 100 ms

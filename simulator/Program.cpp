@@ -5,6 +5,7 @@
 #include "Units.h"
 
 #include <csignal>
+#include <optional>
 #include <ostream>
 
 #include <asio/io_context.hpp>
@@ -23,8 +24,8 @@ struct Arguments {
     std::vector<std::string> settings;
     std::vector<std::string> sizes;
     std::string faults;
-    std::string lateDelay;
-    std::string duration;
+    std::optional<std::string> lateDelay;
+    std::optional<std::string> duration;
     Options options;
 };
 
@@ -56,26 +57,27 @@ bool parseSize(const std::string& text, MemorySizes& sizes) {
     return true;
 }
 
-// No text leaves `duration` as it is.
-void readDuration(const char* option, const std::string& text, std::chrono::milliseconds& duration,
-                  std::vector<std::string>& errors) {
-    if (text.empty())
-        return;
-    const auto parsed = parseDuration(text);
-    if (parsed)
-        duration = *parsed;
-    else
-        errors.push_back(std::string(option) + ": '" + text +
-                         "' is no time; write it with its unit, as in 10s");
+// Nothing for an option that is left out.
+std::optional<std::chrono::milliseconds>
+readDuration(const char* option, const std::optional<std::string>& text, std::vector<std::string>& errors) {
+    if (!text)
+        return std::nullopt;
+    const auto parsed = parseDuration(*text);
+    if (parsed && parsed->count() > 0)
+        return parsed;
+    errors.push_back(std::string(option) + ": '" + *text +
+                     "' is no time above 0; write it with its unit, as in 10s");
+    return std::nullopt;
 }
 
-std::vector<Setting> readArguments(Arguments& arguments, std::chrono::milliseconds& duration,
+std::vector<Setting> readArguments(Arguments& arguments, std::optional<std::chrono::milliseconds>& duration,
                                    std::vector<std::string>& errors) {
     std::string error;
     if (!arguments.faults.empty() && !parseFaults(arguments.faults, arguments.options.faults, error))
         errors.push_back("--fault: " + error);
-    readDuration("--late-delay", arguments.lateDelay, arguments.options.faults.lateBy, errors);
-    readDuration("--for", arguments.duration, duration, errors);
+    Faults& faults = arguments.options.faults;
+    faults.lateBy = readDuration("--late-delay", arguments.lateDelay, errors).value_or(faults.lateBy);
+    duration = readDuration("--for", arguments.duration, errors);
     for (const std::string& text : arguments.sizes) {
         if (!parseSize(text, arguments.options.sizes))
             errors.push_back("--size: '" + text +
@@ -89,12 +91,13 @@ std::vector<Setting> readArguments(Arguments& arguments, std::chrono::millisecon
     return settings;
 }
 
-// Returns at a signal, or after `duration` when that is not 0.
-void waitForEnd(asio::io_context& context, asio::signal_set& signals, std::chrono::milliseconds duration) {
+// Returns at a signal, or after `duration` where there is one.
+void waitForEnd(asio::io_context& context, asio::signal_set& signals,
+                const std::optional<std::chrono::milliseconds>& duration) {
     asio::steady_timer timer(context);
     signals.async_wait([&](const std::error_code&, int) { context.stop(); });
-    if (duration.count() > 0) {
-        timer.expires_after(duration);
+    if (duration) {
+        timer.expires_after(*duration);
         timer.async_wait([&](const std::error_code&) { context.stop(); });
     }
     context.run();
@@ -108,7 +111,7 @@ int report(const std::vector<std::string>& errors, std::ostream& err) {
 }
 
 int play(const Site& site, const Arguments& arguments, const std::vector<Setting>& settings,
-         std::chrono::milliseconds duration, std::ostream& out, std::ostream& err) {
+         const std::optional<std::chrono::milliseconds>& duration, std::ostream& out, std::ostream& err) {
     // Before the lines come up, so that no signal finds the program with lines and without a handler.
     asio::io_context context;
     asio::signal_set signals(context, SIGINT, SIGTERM);
@@ -144,7 +147,7 @@ int runProgram(int argc, const char* const* argv, std::ostream& out, std::ostrea
         return app.exit(error, out, err) == 0 ? exitGood : exitUsage;
     }
     std::vector<std::string> errors;
-    std::chrono::milliseconds duration{0};
+    std::optional<std::chrono::milliseconds> duration;
     const std::vector<Setting> settings = readArguments(arguments, duration, errors);
     const Site site = loadSite(arguments.siteFile, errors);
     if (!errors.empty())

@@ -9,8 +9,9 @@ namespace sim {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, double>, 4> unitsInMilliseconds = {
-    {{"ms", 1.0}, {"s", 1000.0}, {"min", 60000.0}, {"h", 3600000.0}}};
+// "min" is how "m" was written before.
+constexpr std::array<std::pair<std::string_view, double>, 5> unitsInMilliseconds = {
+    {{"ms", 1.0}, {"s", 1000.0}, {"m", 60000.0}, {"min", 60000.0}, {"h", 3600000.0}}};
 constexpr double yearInMilliseconds = 366.0 * 24.0 * 3600000.0;
 
 // All of `text` must be the number.

@@ -125,6 +125,7 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     }
     CommandService commands(
         site, core, [&runtime](int channelId, int rtuId) { return runtime.findRtu(channelId, rtuId); },
+        [&log](int channelId, int rtuId) { return log.wasLastRequestRefused(channelId, rtuId); },
         [&log](const std::string& message) { log.addMessage(message); });
     if (options.takesControl && !openControl(control, commands, options, log))
         return ExitStatus::Configuration;

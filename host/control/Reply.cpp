@@ -2,6 +2,7 @@
 
 #include "output/ChangeText.h"
 #include "output/ChannelText.h"
+#include "runtime/CommandText.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -24,28 +25,6 @@ const char* toText(ReplyFault code) {
         break;
     }
     return "ending";
-}
-
-const char* toText(DriverErrorResult result) {
-    switch (result) {
-    case DriverErrorResult::Success:
-        return "success";
-    case DriverErrorResult::NotSupported:
-        return "not supported";
-    case DriverErrorResult::BadData:
-        return "bad data";
-    case DriverErrorResult::ChannelError:
-        return "channel error";
-    case DriverErrorResult::TimeOut:
-        return "time-out";
-    case DriverErrorResult::RtuNotFound:
-        return "no such RTU";
-    case DriverErrorResult::PointNotFound:
-        return "no such point";
-    case DriverErrorResult::UnsupportedAddress:
-        return "address not writable";
-    }
-    return "unknown result";
 }
 
 double number(quint64 count) {
@@ -102,7 +81,7 @@ bool isSuccess(const CommandOutcome& outcome) {
 const char* resultText(const CommandOutcome& outcome) {
     if (!outcome.result || (outcome.isRefusedByController && !isSuccess(outcome)))
         return "refused";
-    return toText(*outcome.result);
+    return resultWord(*outcome.result);
 }
 
 QJsonObject toJson(const CommandOutcome& outcome) {

@@ -43,13 +43,6 @@ std::string writeFault(const std::string& text) {
     return faultText(parsed.what, parsed.remedy);
 }
 
-std::string durationFault(const std::string& text) {
-    const std::optional<std::chrono::milliseconds> duration = parseDuration(text);
-    return duration && duration->count() > 0
-               ? ""
-               : "\"" + text + "\" is no time above 0; write a number and its unit: 500ms, 10s, 2m, 1h";
-}
-
 std::string stationFault(const std::string& text) {
     return parseNumber(text, 0, highestStation)
                ? ""
@@ -87,8 +80,9 @@ std::shared_ptr<GivenController> addController(CLI::App& command) {
         .add_option("--break-delay", given->breakDelayMs,
                     "Milliseconds of break before each telegram of mode break; without it 10")
         ->check(breakDelayFault);
-    command.add_option("--plugin", given->pluginPath,
-                       "Driver plug-in; without it SBusDriver beside this program");
+    command.add_option(
+        "--plugin", given->pluginPath,
+        "Driver plug-in; without it SBusDriver beside this program or in the library directory");
     return given;
 }
 

@@ -1,6 +1,8 @@
 #include "CommandSender.h"
 
 #include "command/StopSignal.h"
+#include "runtime/CommandText.h"
+#include "runtime/DriverCall.h"
 
 #include <HalvexDriverComponent/CReply.h>
 #include <HalvexDriverComponent/CRtu.h>
@@ -20,20 +22,6 @@ using Halvex::DriverErrorResult;
 constexpr std::chrono::milliseconds lookPeriod{20}; // how soon a signal is seen
 // Beyond the answer's time-out: a poll in progress, and 5 s each for a send and for a drain of the line.
 constexpr std::chrono::seconds patienceBeyondTimeOut{15};
-
-int give(CRtu& rtu, const CommandAction& action, CReply* reply) {
-    if (const auto* const bit = std::get_if<SwitchPoint>(&action))
-        return rtu.statusWrite(bit->point, bit->on ? 1 : 0, reply);
-    if (const auto* const word = std::get_if<SetPoint>(&action))
-        return rtu.analogWrite(word->point, word->value, reply);
-    if (const auto* const words = std::get_if<SetPoints>(&action)) {
-        QMap<unsigned, double> values;
-        for (const auto& [point, value] : words->values)
-            values.insert(point, value);
-        return rtu.analogWriteList(values, reply);
-    }
-    return rtu.timeSync(reply);
-}
 
 CommandEnding notSent(const std::string& reason) {
     CommandEnding ending;
@@ -101,13 +89,12 @@ CommandEnding CommandSender::send(const CommandAction& action) {
             writeResult.reset();
         }
         auto* const reply = new CReply(rtu->GetChannel());
-        const auto answer = static_cast<DriverErrorResult>(give(*rtu, action, reply));
+        const auto answer = static_cast<DriverErrorResult>(callDriver(*rtu, action, reply));
         if (answer == DriverErrorResult::Success)
             return endingOf(awaitReply(reply));
         reply->release();
         if (answer != DriverErrorResult::ChannelError)
-            return notSent("the driver does not take the command (" +
-                           std::to_string(static_cast<int>(answer)) + ")");
+            return notSent(std::string("the driver does not take the command: ") + resultText(answer));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "WriteSteps.h"
 
 #include "plan/OneShotSite.h"
+#include "runtime/DriverCall.h"
 
 namespace host {
 
@@ -8,16 +9,10 @@ namespace {
 
 WriteStep stepOf(const WordCommand& command) {
     WriteStep step;
-    SetPoints list;
-    for (const WordWrite& write : command) {
+    for (const WordWrite& write : command)
         step.writes.push_back(write.point);
-        list.values[write.point] = write.value;
-    }
     step.isFloat = command.front().isFloat;
-    if (command.size() == 1)
-        step.action = SetPoint{command.front().point, command.front().value};
-    else
-        step.action = list;
+    step.action = actionOf(command);
     return step;
 }
 

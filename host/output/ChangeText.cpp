@@ -24,10 +24,6 @@ std::string csvText(const std::string& text) {
     return quoted + '"';
 }
 
-bool hasValue(const PointState& state) {
-    return state.valueTimeMs != 0;
-}
-
 } // namespace
 
 std::string jsonText(const std::string& utf8) {
@@ -46,13 +42,13 @@ std::string jsonText(const std::string& utf8) {
 std::string changeAsLine(const PointRef& ref, const PointState& state) {
     std::string line = localTimeText(state.changeTimeMs) + "  " + ref.rtu->name + "/" + ref.point->name +
                        " (" + toText(ref.point->address) + ")";
-    if (hasValue(state))
+    if (state.hasValue())
         line += " = " + valueText(*ref.point, state.value);
     return line + "  " + toText(state.quality);
 }
 
 std::string changeAsJson(const PointRef& ref, const PointState& state) {
-    const bool isNumber = hasValue(state) && std::isfinite(state.value); // JSON knows no infinity
+    const bool isNumber = state.hasValue() && std::isfinite(state.value); // JSON knows no infinity
     return "{\"time\":" + jsonText(utcTimeText(state.changeTimeMs)) +
            ",\"channel\":" + jsonText(ref.channel->name) + ",\"rtu\":" + jsonText(ref.rtu->name) +
            ",\"id\":" + std::to_string(ref.point->id) + ",\"name\":" + jsonText(ref.point->name) +
@@ -64,7 +60,7 @@ std::string changeAsJson(const PointRef& ref, const PointState& state) {
 std::string changeAsCsv(const PointRef& ref, const PointState& state) {
     return utcTimeText(state.changeTimeMs) + ',' + csvText(ref.channel->name) + ',' + csvText(ref.rtu->name) +
            ',' + std::to_string(ref.point->id) + ',' + csvText(ref.point->name) + ',' +
-           toText(ref.point->address) + ',' + (hasValue(state) ? valueText(*ref.point, state.value) : "") +
+           toText(ref.point->address) + ',' + (state.hasValue() ? valueText(*ref.point, state.value) : "") +
            ',' + toText(state.quality);
 }
 

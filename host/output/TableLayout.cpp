@@ -19,7 +19,6 @@ constexpr std::size_t gap = 2;
 constexpr std::size_t fixedColumns =
     gap + addressColumns + valueColumns + qualityColumns + ageColumns + 4 * gap;
 constexpr std::size_t leastNameColumns = 8;
-constexpr std::size_t mostMessageLines = 4;
 
 bool isLaterByte(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; // of a character of several
@@ -56,21 +55,33 @@ public:
         nameColumns = std::max(leastNameColumns, std::min(longestName, room));
     }
 
-    // The points cut into pages of `rows` lines.
-    std::vector<std::vector<TableLine>> pages(std::size_t rows) const {
-        std::vector<std::vector<TableLine>> result(1);
+    // The first point of each page of `rows` lines. There is one page even without points.
+    std::vector<std::size_t> pageStarts(std::size_t rows) const {
+        std::vector<std::size_t> starts{0};
+        std::size_t used = 0;
         for (std::size_t i = 0; i < contents.points->size(); ++i) {
-            const PointRef& ref = (*contents.points)[i];
-            std::vector<TableLine> headings = headingsBefore(i, result.back().empty());
-            if (!result.back().empty() && result.back().size() + headings.size() + 1 > rows) {
-                result.emplace_back();
-                headings = headingsBefore(i, true);
-            }
-            std::vector<TableLine>& page = result.back();
-            page.insert(page.end(), headings.begin(), headings.end());
-            page.push_back(pointLine(ref, contents.states[i]));
+            const std::size_t needed = headingsBefore(i, used == 0).count() + 1;
+            const bool fits = used == 0 || used + needed <= rows;
+            if (!fits)
+                starts.push_back(i);
+            used = fits ? used + needed : headingsBefore(i, true).count() + 1;
         }
-        return result;
+        return starts;
+    }
+
+    // The points from `first` to before `end`, under their headings.
+    std::vector<TableLine> pageLines(std::size_t first, std::size_t end) const {
+        std::vector<TableLine> lines;
+        for (std::size_t i = first; i < end; ++i) {
+            const PointRef& ref = (*contents.points)[i];
+            const Headings headings = headingsBefore(i, i == first);
+            if (headings.ofChannel)
+                lines.push_back(line(Style::Heading, channelHeading(*ref.channel)));
+            if (headings.ofRtu)
+                lines.push_back(line(Style::Heading, rtuHeading(*ref.rtu)));
+            lines.push_back(pointLine(ref, contents.states[i]));
+        }
+        return lines;
     }
 
     TableLine line(Style style, const std::string& text) const {
@@ -79,15 +90,17 @@ public:
     }
 
 private:
-    std::vector<TableLine> headingsBefore(std::size_t index, bool atPageTop) const {
+    struct Headings {
+        bool ofChannel;
+        bool ofRtu;
+
+        std::size_t count() const { return (ofChannel ? 1U : 0U) + (ofRtu ? 1U : 0U); }
+    };
+
+    Headings headingsBefore(std::size_t index, bool atPageTop) const {
         const PointRef& ref = (*contents.points)[index];
         const PointRef before = index > 0 ? (*contents.points)[index - 1] : PointRef();
-        std::vector<TableLine> headings;
-        if (atPageTop || ref.channel != before.channel)
-            headings.push_back(line(Style::Heading, channelHeading(*ref.channel)));
-        if (atPageTop || ref.rtu != before.rtu)
-            headings.push_back(line(Style::Heading, rtuHeading(*ref.rtu)));
-        return headings;
+        return {atPageTop || ref.channel != before.channel, atPageTop || ref.rtu != before.rtu};
     }
 
     std::string channelHeading(const Channel& channel) const {
@@ -116,14 +129,14 @@ private:
 
     TableLine pointLine(const PointRef& ref, const PointState& state) const {
         const std::string between(gap, ' ');
-        const bool hasValue = state.valueTimeMs != 0;
         return line(
             styleOf(state.quality),
             between + fitText(ref.point->name, nameColumns) + between +
                 fitText(toText(ref.point->address), addressColumns) + between +
-                fitText(hasValue ? valueText(*ref.point, state.value) : "-", valueColumns, true) + between +
-                fitText(toText(state.quality), qualityColumns) + between +
-                fitText(hasValue ? ageText(contents.nowMs - state.valueTimeMs) : "", ageColumns, true));
+                fitText(state.hasValue() ? valueText(*ref.point, state.value) : "-", valueColumns, true) +
+                between + fitText(toText(state.quality), qualityColumns) + between +
+                fitText(state.hasValue() ? ageText(contents.nowMs - state.valueTimeMs) : "", ageColumns,
+                        true));
     }
 
     const TableContents& contents;
@@ -149,17 +162,19 @@ std::string fitText(const std::string& text, std::size_t columns, bool rightAlig
 TablePage layOutTable(const TableContents& contents, const terminal::Size& size, std::size_t page) {
     const TableBuilder builder(contents, size);
     const std::size_t rows = std::max(4U, size.rows); // below, nothing sensible can be shown
-    const std::size_t messageLines = std::min({contents.messages.size(), mostMessageLines, rows / 6});
-    const auto pages = builder.pages(rows - 1 - messageLines);
+    const std::size_t messageLines = std::min({contents.messages.size(), mostTableMessages, rows / 6});
+    const std::vector<std::size_t> starts = builder.pageStarts(rows - 1 - messageLines);
 
     TablePage result;
-    result.pageCount = pages.size();
-    const std::size_t shown = page % pages.size();
+    result.pageCount = starts.size();
+    const std::size_t shown = page % starts.size();
+    const std::size_t end = shown + 1 < starts.size() ? starts[shown + 1] : contents.points->size();
+    const std::vector<TableLine> lines = builder.pageLines(starts[shown], end);
     std::string title = contents.title + "  " + localTimeText(contents.nowMs).substr(0, 19);
-    if (pages.size() > 1)
-        title += "  page " + std::to_string(shown + 1) + " of " + std::to_string(pages.size());
+    if (starts.size() > 1)
+        title += "  page " + std::to_string(shown + 1) + " of " + std::to_string(starts.size());
     result.lines.push_back(builder.line(Style::Dim, title));
-    result.lines.insert(result.lines.end(), pages[shown].begin(), pages[shown].end());
+    result.lines.insert(result.lines.end(), lines.begin(), lines.end());
     for (std::size_t i = contents.messages.size() - messageLines; i < contents.messages.size(); ++i)
         result.lines.push_back(builder.line(Style::Bad, contents.messages[i]));
     return result;

@@ -6,6 +6,9 @@
 
 namespace host {
 
+// More of them would take too much of the table's room.
+constexpr std::size_t mostTableMessages = 4;
+
 // What a redraw of the table shows.
 struct TableContents {
     std::string title;
@@ -13,7 +16,7 @@ struct TableContents {
     const std::vector<PointRef>* points = nullptr;
     std::vector<PointState> states; // of the points
     SiteFigures figures;
-    std::vector<std::string> messages; // the newest last; as many as find room
+    std::vector<std::string> messages; // the newest last; as many as find room, mostTableMessages at most
 };
 
 struct TableLine {

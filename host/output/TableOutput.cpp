@@ -2,6 +2,7 @@
 
 #include "StreamWriter.h"
 #include "TableLayout.h"
+#include "Terminal.h"
 #include "TerminalSequences.h"
 
 #include <QDateTime>
@@ -12,7 +13,7 @@ namespace {
 
 constexpr std::chrono::milliseconds redrawPeriod{250};
 constexpr std::chrono::seconds pageTime{5};
-constexpr std::size_t keptMessages = 4;
+constexpr std::chrono::milliseconds lastWrite{200}; // for a terminal that is slow, or was stopped
 
 const char* sequenceFor(TableLine::Style style) {
     switch (style) {
@@ -35,6 +36,7 @@ TableOutput::TableOutput(Console& console, const std::string& tableTitle, ValueS
     : out(console.out), error(console.error), title(tableTitle), store(valueStore),
       figures(std::move(figuresSource)) {
     terminal::prepare();
+    terminal::noteScreenTaken(true);
     out.write(terminal::enterScreen);
     ownsTerminal = true;
 }
@@ -64,17 +66,20 @@ bool TableOutput::update() {
 
 void TableOutput::tell(const std::vector<std::string>& messages) {
     newestMessages.insert(newestMessages.end(), messages.begin(), messages.end());
-    if (newestMessages.size() > keptMessages)
-        newestMessages.erase(newestMessages.begin(), newestMessages.end() - keptMessages);
+    if (newestMessages.size() > mostTableMessages)
+        newestMessages.erase(newestMessages.begin(), newestMessages.end() - mostTableMessages);
     if (!terminal::isErrorTerminal())
         for (const std::string& message : messages)
             error.write(message + '\n');
 }
 
 void TableOutput::finish() {
-    if (ownsTerminal)
-        out.write(terminal::leaveScreen);
+    if (!ownsTerminal)
+        return;
     ownsTerminal = false;
+    out.write(terminal::leaveScreen);
+    if (out.waitUntilIdle(lastWrite))
+        terminal::noteScreenTaken(false);
 }
 
 } // namespace host

@@ -1,5 +1,4 @@
 #include "Terminal.h"
-#include "TerminalSequences.h"
 
 #include <csignal>
 #include <sys/ioctl.h>
@@ -28,8 +27,8 @@ void survivePipeEnd() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-void restoreInSignal() {
-    const ssize_t written = write(STDOUT_FILENO, leaveScreen, sizeof leaveScreen - 1);
+void writeInSignal(const char* text, std::size_t length) {
+    const ssize_t written = write(STDOUT_FILENO, text, length);
     static_cast<void>(written); // the program is about to end: nothing is left to be done about it
 }
 

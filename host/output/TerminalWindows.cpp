@@ -1,5 +1,4 @@
 #include "Terminal.h"
-#include "TerminalSequences.h"
 
 #include <io.h>
 #include <windows.h>
@@ -39,8 +38,8 @@ void prepare() {
 
 void survivePipeEnd() {} // a write to a closed pipe fails here without a signal
 
-void restoreInSignal() {
-    _write(outputDescriptor, leaveScreen, sizeof leaveScreen - 1);
+void writeInSignal(const char* text, std::size_t length) {
+    _write(outputDescriptor, text, static_cast<unsigned>(length));
 }
 
 } // namespace host::terminal

@@ -1,6 +1,7 @@
 #include "CommandDispatcher.h"
 
 #include "CommandPlan.h"
+#include "DriverCall.h"
 #include "FailureText.h"
 #include "plan/CommandTimeLimit.h"
 
@@ -12,27 +13,6 @@
 #include <mutex>
 
 namespace host {
-
-namespace {
-
-int callDriver(CRtu& rtu, const CommandAction& action, CReply* reply) {
-    struct Caller {
-        CRtu& rtu;
-        CReply* reply;
-
-        int operator()(const SwitchPoint& one) const {
-            return rtu.statusWrite(one.point, one.on ? 1 : 0, reply);
-        }
-        int operator()(const SetPoint& one) const { return rtu.analogWrite(one.point, one.value, reply); }
-        int operator()(const SetPoints& list) const {
-            return rtu.analogWriteList(QMap<unsigned, double>(list.values), reply);
-        }
-        int operator()(const SynchroniseClock&) const { return rtu.timeSync(reply); }
-    };
-    return std::visit(Caller{rtu, reply}, action);
-}
-
-} // namespace
 
 struct CommandDispatcher::Mailbox {
     void put(std::uint64_t call, Result result) {
@@ -48,12 +28,13 @@ struct CommandDispatcher::Mailbox {
     std::vector<std::pair<std::uint64_t, Result>> endedCalls;
 };
 
-CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu)
-    : CommandDispatcher(commandedSite, findRtu, commandTimeLimit) {}
+CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu,
+                                     AskIfRefused askIfRefused)
+    : CommandDispatcher(commandedSite, findRtu, std::move(askIfRefused), commandTimeLimit) {}
 
 CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu,
-                                     const TimeLimit& timeLimit)
-    : refusals(std::make_shared<WriteRefusals>(commandedSite)), mailbox(std::make_shared<Mailbox>()) {
+                                     AskIfRefused askIfRefused, const TimeLimit& timeLimit)
+    : isRefused(std::move(askIfRefused)), mailbox(std::make_shared<Mailbox>()) {
     addLines(commandedSite, findRtu, timeLimit);
     thread = std::thread([this] { run(); });
 }
@@ -222,14 +203,15 @@ std::optional<CommandDispatcher::Clock::time_point> CommandDispatcher::nextDeadl
 }
 
 // The notice is there before the driver knows the reply: so it comes on the channel's thread as soon as the
-// command has ended, while its answer is the last one.
+// command has ended, while it is the last request. A command that the controller has refused is no success,
+// whatever the driver says.
 void CommandDispatcher::makeCall(const Call& call) {
     CRtu& rtu = *call.lane->rtu;
     auto* const reply = new CReply(rtu.GetChannel());
-    reply->notify([box = mailbox, known = refusals, number = call.number, channelId = call.lane->channel->id,
-                   rtuId = call.lane->configured->id](Result ended) {
-        const bool isRefused = ended == Result::Success && known->isLastAnswerRefusal(channelId, rtuId);
-        box->put(number, isRefused ? Result::BadData : ended);
+    reply->notify([box = mailbox, wasRefused = isRefused, number = call.number,
+                   channelId = call.lane->channel->id, rtuId = call.lane->configured->id](Result ended) {
+        const bool isUntold = ended == Result::Success && wasRefused(channelId, rtuId);
+        box->put(number, isUntold ? Result::BadData : ended);
     });
     const auto result = static_cast<Result>(callDriver(rtu, call.action, reply));
     if (result == Result::Success)

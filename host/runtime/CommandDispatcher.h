@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Command.h"
-#include "WriteRefusals.h"
 #include "site/Site.h"
 
 #include <chrono>
@@ -32,14 +31,17 @@ namespace host {
 class CommandDispatcher : public CommandTaker {
 public:
     using FindRtu = std::function<CRtu*(int channelId, int rtuId)>;
+    using AskIfRefused = std::function<bool(int channelId, int rtuId)>;
     using TimeLimit = std::function<std::chrono::milliseconds(const Channel&)>;
 
     // Commands that wait for an RTU behind the one in progress.
     static constexpr std::size_t mostWaiting = 1'000;
 
-    // Asks `findRtu` for every RTU of the site at once and never again.
-    CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu);
-    CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu, const TimeLimit& timeLimit);
+    // Asks `findRtu` for every RTU of the site at once and never again. Asks `askIfRefused` on the channels'
+    // threads whether a command that the driver takes for done was refused; it must outlive the RTUs.
+    CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu, AskIfRefused askIfRefused);
+    CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu, AskIfRefused askIfRefused,
+                      const TimeLimit& timeLimit);
     CommandDispatcher(const CommandDispatcher&) = delete;
     CommandDispatcher& operator=(const CommandDispatcher&) = delete;
     ~CommandDispatcher() override;
@@ -108,8 +110,7 @@ private:
     std::optional<Clock::time_point> nextDeadline() const;
     void makeCall(const Call& call);
 
-    // A write that the controller has refused is no success, whatever the driver says.
-    const std::shared_ptr<const WriteRefusals> refusals;
+    const AskIfRefused isRefused;
 
     // Fixed after construction.
     std::map<std::pair<int, int>, RtuLane> lanes; // by channel and RTU

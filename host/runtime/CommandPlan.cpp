@@ -1,8 +1,10 @@
 #include "CommandPlan.h"
 
+#include "DriverCall.h"
 #include "FailureText.h"
 #include "HostRuntime.h"
 #include "plan/WritePlan.h"
+#include "site/FloatRange.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,25 +42,16 @@ Range rangeOf(const Point& point) {
     return {-2147483648.0, 2147483647.0, "-2147483648 to 2147483647"};
 }
 
-// Beyond these the Saia format has no word for a value, and the driver sends one that means another.
-bool fitsFloat(double value) {
-    const double smallest = std::ldexp(1.0, -65);
-    const double end = std::ldexp(1.0, 63);
-    const double size = std::fabs(value);
-    if (size == 0)
-        return true;
-    const auto rounded = static_cast<double>(static_cast<float>(std::min(size, end))); // as the driver does
-    return rounded >= smallest && rounded < end;
-}
-
 std::string valueFault(const Point& point, double value) {
     if (!std::isfinite(value))
         return "the value is no number; give one";
     if (point.isFloat)
-        return fitsFloat(value)
+        return floatFitOf(value) == FloatFit::Fits
                    ? ""
-                   : "the value does not fit the controller's floating-point format; give 0, or a "
-                     "size from 2.8e-20 to 9.2e18";
+                   : std::string(
+                         "the value does not fit the controller's floating-point format; give 0, or a "
+                         "size from ") +
+                         smallestFloatText + " to " + largestFloatText;
     const Range range = rangeOf(point);
     const double whole = std::trunc(value); // as the driver cuts it
     if (whole < range.lowest || whole > range.highest)
@@ -134,15 +127,6 @@ void appendWrite(std::vector<WordWrite>& writes, const Rtu& rtu, unsigned id, do
         writes.push_back({id, point->address, point->isFloat, value});
 }
 
-CommandAction driverCall(const WordCommand& writes) {
-    if (writes.size() == 1)
-        return SetPoint{writes.front().point, writes.front().value};
-    SetPoints list;
-    for (const WordWrite& write : writes)
-        list.values.emplace(write.point, write.value);
-    return list;
-}
-
 } // namespace
 
 const Point* findPoint(const Rtu& rtu, unsigned id) {
@@ -168,7 +152,7 @@ std::vector<CommandAction> planDriverCalls(const Rtu& rtu, const CommandAction& 
         return {action};
     std::vector<CommandAction> calls;
     for (const WordCommand& command : planWordWrites(writes))
-        calls.push_back(driverCall(command));
+        calls.push_back(actionOf(command));
     return calls;
 }
 

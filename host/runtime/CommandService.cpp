@@ -5,8 +5,9 @@
 namespace host {
 
 CommandService::CommandService(const Site& site, CoreFanOut& valueCore,
-                               const CommandDispatcher::FindRtu& findRtu, const Tell& tell)
-    : core(valueCore), dispatcher(site, findRtu), pulses(site, dispatcher, tell),
+                               const CommandDispatcher::FindRtu& findRtu,
+                               const CommandDispatcher::AskIfRefused& askIfRefused, const Tell& tell)
+    : core(valueCore), dispatcher(site, findRtu, askIfRefused), pulses(site, dispatcher, tell),
       clocks(site, dispatcher, tell) {
     core.add(pulses);
     core.add(clocks);

@@ -16,7 +16,7 @@ public:
 
     // Hears of values and states through `core`, the one that the runtime was made with.
     CommandService(const Site& site, CoreFanOut& core, const CommandDispatcher::FindRtu& findRtu,
-                   const Tell& tell);
+                   const CommandDispatcher::AskIfRefused& askIfRefused, const Tell& tell);
     CommandService(const CommandService&) = delete;
     CommandService& operator=(const CommandService&) = delete;
     ~CommandService() override;

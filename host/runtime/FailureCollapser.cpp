@@ -18,15 +18,13 @@ std::optional<std::string> FailureCollapser::failed(const Source& source, const 
     const std::string repeats =
         kind.sinceTold > 0 ? " (" + std::to_string(kind.sinceTold) + " more since this was last told)" : "";
     kind = {now, 0};
-    tellEnd[source] = true;
+    told.insert(source);
     return text + repeats;
 }
 
 std::optional<std::string> FailureCollapser::succeeded(const Source& source, const std::string& who) {
-    const auto told = tellEnd.find(source);
-    if (told == tellEnd.end() || !told->second)
+    if (told.erase(source) == 0)
         return std::nullopt;
-    told->second = false;
     return who + ": answers again";
 }
 

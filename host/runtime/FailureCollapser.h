@@ -3,6 +3,7 @@
 #include <chrono>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -27,7 +28,7 @@ private:
     };
 
     std::map<std::pair<Source, std::string>, Kind> kinds;
-    std::map<Source, bool> tellEnd; // a told failure goes on
+    std::set<Source> told; // whose failure was told and goes on
 };
 
 } // namespace host

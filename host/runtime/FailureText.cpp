@@ -86,9 +86,4 @@ std::string failureReason(const Channel& channel, const Rtu* rtu, const std::str
     return logText;
 }
 
-std::string failureText(const Channel& channel, const Rtu* rtu, const std::string& logText,
-                        const std::string& protocolError, bool onSecondary) {
-    return nameOf(channel, rtu) + ": " + failureReason(channel, rtu, logText, protocolError, onSecondary);
-}
-
 } // namespace host

@@ -16,13 +16,9 @@ bool isRefusedRead(TransmitType type, const std::string& hexBytes);
 // the checksum of an acknowledge alone, and takes a refusal for success.
 bool isRefusedWrite(TransmitType type, const std::string& hexBytes);
 
-// A failure in the driver's log, told so that somebody can act on it: channel, RTU, what happened, what to
-// check. `rtu` is null for the channel itself; `protocolError` is the last one of the RTU in the frame trace;
-// `onSecondary` tells that the secondary end is the one in use.
-std::string failureText(const Channel& channel, const Rtu* rtu, const std::string& logText,
-                        const std::string& protocolError, bool onSecondary = false);
-
-// The same without channel and RTU.
+// A failure in the driver's log, told so that somebody can act on it: what happened, what to check. `rtu` is
+// null for the channel itself; `protocolError` is the last one of the RTU in the frame trace; `onSecondary`
+// tells that the secondary end is the one in use.
 std::string failureReason(const Channel& channel, const Rtu* rtu, const std::string& logText,
                           const std::string& protocolError, bool onSecondary = false);
 

@@ -1,5 +1,7 @@
 #include "HostRuntime.h"
 
+#include "FailureText.h"
+
 #include <HalvexAbstractDriver/DriverPluginInterface.h>
 #include <HalvexDriverComponent/CChannel.h>
 #include <HalvexDriverComponent/CRtu.h>
@@ -50,11 +52,13 @@ std::string HostRuntime::start(const std::string& pluginPath) {
 }
 
 std::string HostRuntime::makeChannel(const Channel& configured) {
-    const std::string who = "channel " + std::to_string(configured.id) + " \"" + configured.name + "\"";
+    const std::string who = nameOf(configured, nullptr);
     const int type = commTypeCode(configured.type);
     if (!plugin.driver()->isAvailable() || !plugin.driver()->isSupportedCommType(type))
         return who + ": the plug-in does not serve " + toText(configured.type);
     std::unique_ptr<CChannel> channel(plugin.driver()->createChannel(configured.id));
+    if (!channel)
+        return who + ": the plug-in made no channel";
     channel->SetCommType(type);
     channel->SetLinks(makeEnd(configured.primary),
                       configured.secondary ? makeEnd(*configured.secondary) : nullptr);

@@ -98,13 +98,15 @@ void RunLog::noteEndInUse(const LogLine& line) {
 
 void RunLog::noteRefusal(const LogLine& line) {
     const Source source{line.channelId, line.rtuId};
+    refusedLast.erase(source);
     if (!isFailure(line))
         return;
+    refused.erase(source);
     const bool isChannelError = line.text.contains(QStringLiteral("Chennel Error"));
-    if (!isChannelError && isRefusal(protocolErrors[source]))
-        refused.insert(source);
-    else
-        refused.erase(source);
+    if (isChannelError || !isRefusal(protocolErrors[source]))
+        return;
+    refused.insert(source);
+    refusedLast.insert(source);
 }
 
 void RunLog::takeLogLine(const LogLine& line) {
@@ -199,6 +201,11 @@ std::vector<std::string> RunLog::takeMessages() {
 bool RunLog::wasRefused(int channelId, int rtuId) const {
     const std::lock_guard<std::mutex> lock(mutex);
     return refused.count({channelId, rtuId}) > 0;
+}
+
+bool RunLog::wasLastRequestRefused(int channelId, int rtuId) const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return refusedLast.count({channelId, rtuId}) > 0;
 }
 
 bool RunLog::isSilent(int channelId, int rtuId) const {

@@ -42,6 +42,10 @@ public:
     // Whether the last request of an RTU that failed was refused by the controller. Answers to other requests
     // do not change that: one kind of poll may be refused for ever while the others are answered.
     bool wasRefused(int channelId, int rtuId) const;
+    // Whether the very last request of an RTU was refused, also where the driver takes it for done: in Data
+    // Mode it looks at the start and the checksum of an acknowledge alone. Asked on the channel's thread when
+    // a request has just ended, it is that one.
+    bool wasLastRequestRefused(int channelId, int rtuId) const;
     // Whether the last request of an RTU found no answer. The RTU's own connected flag does not tell: each
     // time the line is opened anew it is set before anything has answered.
     bool isSilent(int channelId, int rtuId) const;
@@ -76,8 +80,9 @@ private:
     std::map<Source, std::string> answerBytes;    // the first line of the last answer's hex dump
     std::map<Source, std::string> sentBytes;      // the hex dump of the last telegram sent
     std::set<Source> silent;
-    std::set<Source> refused;
-    std::set<int> onSecondary; // channels whose secondary end connected last
+    std::set<Source> refused;     // whose last failure was a refusal
+    std::set<Source> refusedLast; // whose last request was refused
+    std::set<int> onSecondary;    // channels whose secondary end connected last
     std::vector<std::string> messages;
     std::size_t lostMessages = 0;
 

@@ -11,9 +11,6 @@
 
 namespace host {
 
-// Numbers from here on belong to hidden points, which are read but never shown.
-constexpr unsigned firstHiddenNumber = 0x8000'0000;
-
 // A point and where it stands in the site. The site outlives it.
 struct PointRef {
     const Channel* channel = nullptr;
@@ -26,6 +23,8 @@ struct PointState {
     qint64 valueTimeMs = 0;  // since 1970; 0: never read
     qint64 changeTimeMs = 0; // of the value or, where it alone has changed, of the quality
     PointQuality quality = PointQuality::NeverRead;
+
+    bool hasValue() const { return valueTimeMs != 0; }
 };
 
 struct PointChange {

@@ -35,4 +35,10 @@ std::optional<std::chrono::milliseconds> parseDuration(const std::string& text) 
     return std::chrono::milliseconds(total);
 }
 
+std::string durationFault(const std::string& text) {
+    return parseDuration(text).value_or(std::chrono::milliseconds(0)).count() > 0
+               ? ""
+               : "\"" + text + "\" is no time above 0; write a number and its unit: 500ms, 10s, 2m, 1h";
+}
+
 } // namespace host

@@ -1,6 +1,7 @@
 #include "ElementAddress.h"
 
-#include <algorithm>
+#include "Number.h"
+
 #include <cctype>
 
 namespace host {
@@ -17,10 +18,6 @@ std::string withoutBlanksInUpperCase(const std::string& text) {
     return result;
 }
 
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
-
 } // namespace
 
 std::string toText(const ElementAddress& address) {
@@ -32,15 +29,13 @@ ParsedAddress parseElementAddress(const std::string& text) {
         "write a media letter (I, O, F, R, T or C) and a number from 0 to 65535, such as R200";
     const std::string plain = withoutBlanksInUpperCase(text);
     if (plain.size() < 2 || mediaLetters.find(plain[0]) == std::string::npos ||
-        !std::all_of(plain.begin() + 1, plain.end(), isDigit))
+        plain.find_first_not_of("0123456789", 1) != std::string::npos)
         return {std::nullopt, "address \"" + text + "\" fits no media", remedy};
 
-    const std::size_t firstDigit = std::min(plain.find_first_not_of('0', 1), plain.size() - 1);
-    const std::string digits = plain.substr(firstDigit);
-    const unsigned long number = digits.size() > 5 ? highestElement + 1UL : std::stoul(digits);
-    if (number > highestElement)
+    const std::optional<unsigned> number = parseNumber(plain.substr(1), 0, highestElement);
+    if (!number)
         return {std::nullopt, "address \"" + text + "\": element numbers end at 65535", remedy};
-    return {ElementAddress{plain[0], static_cast<unsigned>(number)}, {}, {}};
+    return {ElementAddress{plain[0], *number}, {}, {}};
 }
 
 bool isBitMedia(char media) {

@@ -1,5 +1,6 @@
 #include "ElementText.h"
 
+#include "FloatRange.h"
 #include "Number.h"
 
 #include <algorithm>
@@ -58,17 +59,16 @@ std::optional<double> parseDecimal(const std::string& text) {
     return value;
 }
 
-// The controller's format holds single precision with an exponent of its own, narrower range.
 std::string floatValueFault(double value) {
-    constexpr int lowestExponent = -65;
-    constexpr int exponentBeyond = 63;
-    const double magnitude = std::fabs(static_cast<double>(static_cast<float>(value)));
-    if (value == 0)
-        return {};
-    if (!(magnitude < std::ldexp(1.0, exponentBeyond)))
-        return "is too large for the controller's floating-point format, which ends at 9.223372e18";
-    if (magnitude < std::ldexp(1.0, lowestExponent))
-        return "is too close to 0 for the controller's floating-point format, which begins at 2.710505e-20";
+    const std::string format = " for the controller's floating-point format, which ";
+    switch (floatFitOf(value)) {
+    case FloatFit::TooLarge:
+        return "is too large" + format + "ends at " + largestFloatText;
+    case FloatFit::TooSmall:
+        return "is too close to 0" + format + "begins at " + smallestFloatText;
+    case FloatFit::Fits:
+        break;
+    }
     return {};
 }
 

@@ -9,7 +9,7 @@ const std::vector<std::string> pointFieldNames = {
 
 namespace {
 
-constexpr unsigned highestPointId = 0x7FFF'FFFF; // above lie the numbers of hidden points
+constexpr unsigned highestPointId = firstHiddenNumber - 1;
 constexpr unsigned longestPulseMs = 24 * 3'600'000;
 
 // Reads the fields of one point. `good` turns false with the first finding.

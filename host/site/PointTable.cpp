@@ -17,8 +17,8 @@ std::string knownColumns() {
 }
 
 // The column names, as far as they are known; an unknown one stays in the list, so that the others keep their
-// positions.
-std::vector<std::string> readHeader(const CsvRow& row, Findings& findings) {
+// positions. Nothing when a column that is needed is missing.
+std::optional<std::vector<std::string>> readHeader(const CsvRow& row, Findings& findings) {
     std::vector<std::string> names;
     std::set<std::string> seen;
     for (const Field& cell : row.cells) {
@@ -29,18 +29,15 @@ std::vector<std::string> readHeader(const CsvRow& row, Findings& findings) {
             findings.error(cell.place, "column \"" + cell.text + "\" stands twice", "leave one of them out");
         names.push_back(cell.text);
     }
-    for (std::size_t i = 0; i < neededPointFields; ++i)
-        if (seen.count(pointFieldNames[i]) == 0)
-            findings.error(row.start, "no column \"" + pointFieldNames[i] + "\"",
-                           "the first row names the columns; id, name, kind and address are needed");
-    return names;
-}
-
-bool hasNeededColumns(const std::vector<std::string>& names) {
-    const auto isPresent = [&names](const std::string& needed) {
-        return std::find(names.begin(), names.end(), needed) != names.end();
-    };
-    return std::all_of(pointFieldNames.begin(), pointFieldNames.begin() + neededPointFields, isPresent);
+    bool isComplete = true;
+    for (std::size_t i = 0; i < neededPointFields; ++i) {
+        if (seen.count(pointFieldNames[i]) > 0)
+            continue;
+        findings.error(row.start, "no column \"" + pointFieldNames[i] + "\"",
+                       "the first row names the columns; id, name, kind and address are needed");
+        isComplete = false;
+    }
+    return isComplete ? std::optional(names) : std::nullopt;
 }
 
 void refuseLength(const CsvRow& row, std::size_t columns, Findings& findings) {
@@ -62,10 +59,11 @@ std::vector<Point> readPointTable(const std::string& text, const std::string& fi
                        "the first row names the columns: id,name,kind,address");
         return points;
     }
-    const std::vector<std::string> names = readHeader(rows[0], findings);
-    if (!hasNeededColumns(names))
+    const std::optional<std::vector<std::string>> columns = readHeader(rows[0], findings);
+    if (!columns)
         return points; // every row would be told as wrong for the header's fault
 
+    const std::vector<std::string>& names = *columns;
     PointIds ids;
     for (auto row = rows.begin() + 1; row != rows.end(); ++row) {
         PointFields fields;

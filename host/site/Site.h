@@ -12,6 +12,9 @@
 // What a site file describes, checked and in its plain form: lines, controllers, points.
 namespace host {
 
+// Numbers from here on belong to hidden points, which are read but never shown.
+constexpr unsigned firstHiddenNumber = 0x8000'0000;
+
 enum class PointKind { Status, Analog };
 
 struct Point {

@@ -9,7 +9,7 @@ namespace {
 // Makes one line-wide setting the same for all RTUs.
 template <typename Value>
 void unify(Channel& channel, const LineSettings& settings, Findings& findings, const char* key,
-           Value Rtu::*value, bool LineSetting::*given, Place LineSetting::*place) {
+           Value Rtu::*value, std::optional<Place> LineSetting::*given) {
     const Rtu* deciding = nullptr;
     for (std::size_t i = 0; i < channel.rtus.size(); ++i)
         if (settings[i].*given && (deciding == nullptr || channel.rtus[i].id > deciding->id))
@@ -20,7 +20,7 @@ void unify(Channel& channel, const LineSettings& settings, Findings& findings, c
         Rtu& rtu = channel.rtus[i];
         if (settings[i].*given && rtu.*value != deciding->*value)
             findings.error(
-                settings[i].*place,
+                *(settings[i].*given),
                 std::string(key) + " differs from that of RTU " + std::to_string(deciding->id) + " (line " +
                     std::to_string(deciding->place.line) + ")",
                 "one setting serves the whole line, that of the RTU with the highest id: write the "
@@ -123,10 +123,8 @@ void findIdleParts(const Site& site, Findings& findings) {
 } // namespace
 
 void unifyLineSettings(Channel& channel, const LineSettings& settings, Findings& findings) {
-    unify(channel, settings, findings, "transmit_type", &Rtu::transmitType, &LineSetting::givesTransmitType,
-          &LineSetting::transmitTypePlace);
-    unify(channel, settings, findings, "break_delay", &Rtu::breakDelayMs, &LineSetting::givesBreakDelay,
-          &LineSetting::breakDelayPlace);
+    unify(channel, settings, findings, "transmit_type", &Rtu::transmitType, &LineSetting::transmitType);
+    unify(channel, settings, findings, "break_delay", &Rtu::breakDelayMs, &LineSetting::breakDelay);
 }
 
 void checkSite(const Site& site, Findings& findings) {

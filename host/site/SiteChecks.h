@@ -4,12 +4,10 @@
 
 namespace host {
 
-// Which of the line-wide settings an RTU gives itself, and where.
+// Where an RTU gives the line-wide settings itself; nothing where it does not.
 struct LineSetting {
-    bool givesTransmitType = false;
-    Place transmitTypePlace;
-    bool givesBreakDelay = false;
-    Place breakDelayPlace;
+    std::optional<Place> transmitType;
+    std::optional<Place> breakDelay;
 };
 using LineSettings = std::vector<LineSetting>; // one for each RTU of a channel, in its order
 

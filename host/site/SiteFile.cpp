@@ -146,16 +146,17 @@ private:
     LineSetting readLineSetting(TomlTable& table, Rtu& rtu) {
         constexpr long long longestBreakMs = 1'000;
         const std::string remedy = "write \"data\" or \"break\"";
-        LineSetting setting{false, table.placeOf("transmit_type"), false, table.placeOf("break_delay")};
+        LineSetting setting;
         if (const std::optional<Field> type = table.text("transmit_type", remedy)) {
-            setting.givesTransmitType = type->text == "data" || type->text == "break";
             rtu.transmitType = type->text == "break" ? TransmitType::Break : TransmitType::Data;
-            if (!setting.givesTransmitType)
+            if (type->text == "data" || type->text == "break")
+                setting.transmitType = type->place;
+            else
                 loaded.findings.error(type->place, "transmit_type \"" + type->text + "\" is not known",
                                       remedy);
         }
         if (const std::optional<long long> delay = table.integer("break_delay", 0, longestBreakMs)) {
-            setting.givesBreakDelay = true;
+            setting.breakDelay = table.placeOf("break_delay");
             rtu.breakDelayMs = static_cast<unsigned>(*delay);
         }
         return setting;

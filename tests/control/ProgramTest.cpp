@@ -50,7 +50,7 @@ protected:
         environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder.path());
     }
 
-    ~ControlledProgram() override {
+    void TearDown() override {
         for (const auto& one : started) {
             one->kill();
             one->waitForFinished(patienceMs);
@@ -107,7 +107,7 @@ protected:
 
     std::string socketPath() const {
         qputenv("XDG_RUNTIME_DIR", folder.path().toLocal8Bit());
-        const std::string path = host::controlSocketPaths(site.toStdString()).front();
+        std::string path = host::controlSocketPaths(site.toStdString()).front();
         qunsetenv("XDG_RUNTIME_DIR");
         return path;
     }

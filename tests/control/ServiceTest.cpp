@@ -14,7 +14,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-using testing::StartsWith;
 using Result = Halvex::DriverErrorResult;
 
 namespace {

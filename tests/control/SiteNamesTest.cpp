@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 using host::SiteNames;
-using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 

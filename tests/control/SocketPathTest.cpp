@@ -10,7 +10,6 @@
 
 using host::controlSocketPaths;
 using host::prepareControlSocketPlace;
-using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
@@ -24,7 +23,7 @@ protected:
         qputenv("XDG_RUNTIME_DIR", runtime.toLocal8Bit());
         EXPECT_TRUE(QDir().mkpath(runtime));
     }
-    ~SocketPath() override {
+    void TearDown() override {
         before.isNull() ? qunsetenv("XDG_RUNTIME_DIR") : qputenv("XDG_RUNTIME_DIR", before.toLocal8Bit());
     }
 

@@ -74,10 +74,12 @@ void CommandedPlant::pollSeldom() {
 void CommandedPlant::start() {
     values = std::make_unique<host::ValueStore>(site);
     core.add(*values);
+    log = std::make_unique<host::RunLog>(site, false);
     runtime = std::make_unique<host::HostRuntime>(site, core);
     ASSERT_EQ(runtime->start(PLUGIN_FILE), "");
     service = std::make_unique<host::CommandService>(
         site, core, [this](int channel, int id) { return runtime->findRtu(channel, id); },
+        [this](int channel, int id) { return log->wasLastRequestRefused(channel, id); },
         [this](const std::string& text) {
             const std::lock_guard<std::mutex> lock(mutex);
             told.push_back(text);

@@ -4,6 +4,7 @@
 
 #include "runtime/CommandService.h"
 #include "runtime/HostRuntime.h"
+#include "runtime/RunLog.h"
 #include "runtime/ValueStore.h"
 
 #include <Simulator.h>
@@ -52,6 +53,7 @@ private:
     std::vector<std::string> told;
     std::unique_ptr<host::ValueStore> values;
     host::CoreFanOut core;
+    std::unique_ptr<host::RunLog> log;
     std::unique_ptr<host::HostRuntime> runtime;
     std::unique_ptr<host::CommandService> service;
 };

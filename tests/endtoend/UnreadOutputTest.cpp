@@ -61,8 +61,8 @@ TEST_P(UnreadOutput, DoesNotHoldUpTheEndAfterASignal) {
                    QStringLiteral("--frames")});
     reader.start(QStringLiteral("sleep"), {QStringLiteral("600")});
     ASSERT_TRUE(program.waitForStarted(patienceMs));
-    constexpr std::uint64_t manyPolls = 20 * (pointCount / 127 + 1);
-    ASSERT_TRUE(Plant::eventually([&] { return simulator.counts(1).telegrams > manyPolls; }));
+    constexpr std::uint64_t telegramsOfPoll = pointCount / 127 + 1;
+    ASSERT_TRUE(Plant::eventually([&] { return simulator.counts(1).telegrams > 20 * telegramsOfPoll; }));
 
     program.terminate();
     EXPECT_TRUE(program.waitForFinished(patienceMs));

@@ -40,12 +40,16 @@ protected:
         second.name = "tank";
         site.channels[0].rtus.push_back(second);
     }
-    ~Dispatching() override { EXPECT_EQ(CReply::liveCount(), 0); }
+    void TearDown() override {
+        made.reset();
+        EXPECT_EQ(CReply::liveCount(), 0);
+    }
 
     CommandDispatcher& dispatcher(std::chrono::milliseconds timeLimit = std::chrono::hours(1)) {
         if (!made)
             made = std::make_unique<CommandDispatcher>(
                 site, [this](int, int id) { return &rtus[id]; },
+                [this](int, int id) { return refusing == id; },
                 [timeLimit](const host::Channel&) { return timeLimit; });
         return *made;
     }
@@ -62,6 +66,7 @@ protected:
     CommandResults results; // outlives the dispatcher, which tells them
     std::unique_ptr<CommandDispatcher> made;
     int nextNumber = 0;
+    std::atomic<int> refusing{0}; // the RTU whose controller refuses what the driver takes for done
 };
 
 } // namespace
@@ -111,6 +116,16 @@ TEST_F(Dispatching, ADriverRefusalIsTheResult) {
     rtus[7].refuse(DriverErrorResult::UnsupportedAddress);
     submit(SwitchPoint{1, true});
     EXPECT_THAT(results.await(1), ElementsAre(Pair(0, DriverErrorResult::UnsupportedAddress)));
+}
+
+TEST_F(Dispatching, WhatTheControllerRefusedIsBadDataAlthoughTheDriverTakesItForDone) {
+    rtus[7].answerAtOnce(success);
+    rtus[8].answerAtOnce(success);
+    refusing = 7;
+    submit(SwitchPoint{1, true}, 7);
+    EXPECT_THAT(results.await(1), ElementsAre(Pair(0, DriverErrorResult::BadData)));
+    submit(SwitchPoint{1, true}, 8);
+    EXPECT_THAT(results.await(2), ElementsAre(Pair(0, DriverErrorResult::BadData), Pair(1, success)));
 }
 
 TEST_F(Dispatching, AListIsCarriedOutAsDriverCallsInTheirOrder) {
@@ -200,7 +215,8 @@ TEST_F(Dispatching, AResultAtTheMomentOfTheStopIsToldOnce) {
     for (int round = 0; round < 200; ++round) {
         CommandResults told;
         CommandedRtu rtu;
-        CommandDispatcher own(site, [&](int, int) { return &rtu; });
+        CommandDispatcher own(
+            site, [&](int, int) { return &rtu; }, [](int, int) { return false; });
         own.submit({4, 7, SwitchPoint{1, true}}, told.of(0));
         own.submit({4, 7, SwitchPoint{1, false}}, told.of(1));
         rtu.awaitCalls(1);
@@ -231,9 +247,11 @@ TEST_F(Dispatching, AResultMayBeAnsweredWithTheNextCommand) {
 TEST_F(Dispatching, TenThousandCommandsFromFourThreadsHaveTenThousandResults) {
     constexpr int threads = 4;
     constexpr int commandsOfEach = 2'500;
+    constexpr int commandsInAll = threads * commandsOfEach;
     rtus[7].answerAtOnce(success);
     dispatcher();
     std::vector<std::thread> operators;
+    operators.reserve(threads);
     for (int thread = 0; thread < threads; ++thread)
         operators.emplace_back([this, thread] {
             for (int i = 0; i < commandsOfEach; ++i) {
@@ -245,9 +263,9 @@ TEST_F(Dispatching, TenThousandCommandsFromFourThreadsHaveTenThousandResults) {
         });
     for (std::thread& one : operators)
         one.join();
-    const CommandResults::List told = results.await(threads * commandsOfEach);
+    const CommandResults::List told = results.await(commandsInAll);
     dispatcher().stop();
-    ASSERT_EQ(results.all().size(), std::size_t{threads} * commandsOfEach);
+    ASSERT_EQ(results.all().size(), std::size_t{commandsInAll});
 
     const std::vector<std::string> calls = rtus[7].calls();
     ASSERT_EQ(calls.size(), told.size());

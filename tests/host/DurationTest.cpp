@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+using host::durationFault;
 using host::parseDuration;
 using namespace std::chrono_literals;
 
@@ -23,4 +24,12 @@ TEST(Duration, IsNothingBeyondWhatTheDriverCanCount) {
     EXPECT_FALSE(parseDuration("2147483648ms"));
     EXPECT_FALSE(parseDuration("4294967296ms"));
     EXPECT_FALSE(parseDuration("4294967295h"));
+}
+
+TEST(Duration, OfACommandLineIsAbove0) {
+    EXPECT_EQ(durationFault("1ms"), "");
+    for (const char* const text : {"0s", "0ms", "10", ""})
+        EXPECT_EQ(durationFault(text), "\"" + std::string(text) +
+                                           "\" is no time above 0; write a number and its unit: 500ms, 10s, "
+                                           "2m, 1h");
 }

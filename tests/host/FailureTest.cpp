@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 using host::FailureCollapser;
-using host::failureText;
+using host::failureReason;
 using host::TransmitType;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -19,23 +19,28 @@ const FailureCollapser::Source rtu{1, 2};
 
 } // namespace
 
-TEST(FailureText, NamesChannelRtuAndWhatToCheck) {
+TEST(FailureText, NamesChannelAndRtu) {
     const host::Site site = smallSite();
     const host::Channel& channel = site.channels[0];
-    const std::string text = failureText(channel, &channel.rtus[0], "Request result : Timeout", "");
-    EXPECT_THAT(
-        text,
-        AllOf(HasSubstr("channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5): no complete answer"),
-              HasSubstr("200 ms"), HasSubstr("check"), HasSubstr("udp://127.0.0.1:9")));
-    EXPECT_THAT(
-        failureText(channel, nullptr, "Error opening channel", ""),
-        AllOf(HasSubstr("channel 4 \"waterworks\": cannot open udp://127.0.0.1:9"), HasSubstr("check")));
+    EXPECT_EQ(nameOf(channel, &channel.rtus[0]),
+              "channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5)");
+    EXPECT_EQ(nameOf(channel, nullptr), "channel 4 \"waterworks\"");
+}
+
+TEST(FailureText, TellsWhatToCheck) {
+    const host::Site site = smallSite();
+    const host::Channel& channel = site.channels[0];
+    EXPECT_THAT(failureReason(channel, &channel.rtus[0], "Request result : Timeout", ""),
+                AllOf(HasSubstr("no complete answer"), HasSubstr("200 ms"), HasSubstr("check"),
+                      HasSubstr("station number 5"), HasSubstr("udp://127.0.0.1:9")));
+    EXPECT_THAT(failureReason(channel, nullptr, "Error opening channel", ""),
+                AllOf(HasSubstr("cannot open udp://127.0.0.1:9"), HasSubstr("check")));
 }
 
 TEST(FailureText, TellsSilenceOnEthernetAsWhatItIs) {
     const host::Site site = smallSite();
     const host::Channel& channel = site.channels[0];
-    EXPECT_THAT(failureText(channel, &channel.rtus[0], "Request result : Chennel Error", ""),
+    EXPECT_THAT(failureReason(channel, &channel.rtus[0], "Request result : Chennel Error", ""),
                 HasSubstr("no complete answer"));
 }
 
@@ -43,7 +48,7 @@ TEST(FailureText, TellsRefusalsFromDamage) {
     const host::Site site = smallSite();
     const host::Channel& channel = site.channels[0];
     const auto text = [&](const char* protocolError) {
-        return failureText(channel, &channel.rtus[0], "Request result : Bad Data", protocolError);
+        return failureReason(channel, &channel.rtus[0], "Request result : Bad Data", protocolError);
     };
     EXPECT_THAT(text("Ack Error: 1"), HasSubstr("refused"));
     EXPECT_THAT(text("Nak Error"), HasSubstr("refused"));

@@ -48,6 +48,15 @@ TEST(HostRuntime, StartsNothingWithoutAPlugin) {
     EXPECT_TRUE(runtime.rtuFigures().empty());
 }
 
+TEST(HostRuntime, StartsNothingWhenThePluginMakesNoChannel) {
+    const host::Site site = smallSite();
+    RecordingCore core;
+    HostRuntime runtime(site, core);
+    EXPECT_EQ(runtime.start(EMPTY_HANDED_PLUGIN_FILE),
+              "channel 4 \"waterworks\": the plug-in made no channel");
+    EXPECT_TRUE(runtime.channelFigures().empty());
+}
+
 TEST(HostRuntime, RunsTheSiteThroughThePlugin) {
     const host::Site site = smallSite();
     RecordingCore core;

@@ -80,7 +80,11 @@ TEST_F(Program, EndsWithTwoOnWrongUsage) {
     EXPECT_EQ(run({}).status, 2);
     EXPECT_EQ(run({QStringLiteral("fly")}).status, 2);
     EXPECT_EQ(run({QStringLiteral("run")}).status, 2);
-    EXPECT_EQ(run({QStringLiteral("run"), site, QStringLiteral("--for"), QStringLiteral("10")}).status, 2);
+    for (const char* const duration : {"10", "0s"})
+        EXPECT_EQ(
+            run({QStringLiteral("run"), site, QStringLiteral("--for"), QString::fromLatin1(duration)}).status,
+            2)
+            << duration;
     for (const char* const format : {"xml", "0", ""})
         EXPECT_EQ(run({QStringLiteral("run"), site, QStringLiteral("--format"), QString::fromLatin1(format)})
                       .status,

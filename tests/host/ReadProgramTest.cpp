@@ -6,7 +6,6 @@ using sim::Media;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
-using testing::Not;
 
 namespace {
 

@@ -48,7 +48,9 @@ TEST(RunLog, TellsFailuresAndTheirEndButNotSuccess) {
     EXPECT_THAT(log.takeMessages(), IsEmpty());
     writeResult(LogLevel::RequestFailure, "Request result : Timeout");
     writeResult(LogLevel::RequestFailure, "Request result : Timeout");
-    EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("no complete answer")));
+    EXPECT_THAT(log.takeMessages(),
+                ElementsAre(HasSubstr("channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5): "
+                                      "no complete answer")));
     writeResult(LogLevel::Success, "Request result : Success");
     EXPECT_THAT(log.takeMessages(), ElementsAre(HasSubstr("answers again")));
 }
@@ -171,12 +173,16 @@ TEST(RunLog, TellsAListenerHowEachRequestEnded) {
 TEST(RunLog, KnowsARefusedWriteOnASerialLine) {
     const host::Site site = serialSite();
     Results results(site);
+    EXPECT_FALSE(results.log.wasLastRequestRefused(4, 7));
     writeFrame(PacketType::Sent, sentHeader, "B5 00 05 0D 03 00 C8 00 01 7A 3D ");
     writeFrame(PacketType::Received, receivedHeader, "B5 02 00 01 33 D5 ");
     writeResult(LogLevel::Success, "Request result : Success");
+    EXPECT_TRUE(results.log.wasLastRequestRefused(4, 7));
+    EXPECT_FALSE(results.log.wasLastRequestRefused(4, 8));
     writeFrame(PacketType::Sent, sentHeader, "B5 00 05 0D 03 00 C8 00 01 7A 3D ");
     writeFrame(PacketType::Received, receivedHeader, "B5 02 00 00 23 F4 ");
     writeResult(LogLevel::Success, "Request result : Success");
+    EXPECT_FALSE(results.log.wasLastRequestRefused(4, 7));
     ASSERT_EQ(results.all.size(), 2U);
     EXPECT_EQ(results.all[0].kind, RequestResult::Kind::Refused);
     EXPECT_EQ(results.all[1].kind, RequestResult::Kind::Answered);

@@ -103,6 +103,23 @@ TEST_F(TableLayout, ShowsEveryPointOnOneOfItsPagesUnderItsHeadings) {
     EXPECT_EQ(pointLines, 50U);
 }
 
+TEST_F(TableLayout, ShowsTheHeadingsOfAnRtuThatBeginsInTheMiddleOfAPage) {
+    usePoints(10);
+    host::Rtu second = site.channels[0].rtus[0];
+    second.name = "tank";
+    site.channels[0].rtus.push_back(second);
+    const TablePage first = layOut(80, 24);
+    EXPECT_EQ(first.pageCount, 1U); // the title, the channel, and two RTUs with ten points each fill it
+    EXPECT_EQ(first.lines.size(), 24U);
+    EXPECT_THAT(first.lines[13].text, StartsWith(" tank"));
+    // One line less, and the last point goes to a page of its own.
+    EXPECT_EQ(layOut(80, 23).pageCount, 2U);
+    const TablePage last = layOut(80, 23, 1);
+    ASSERT_EQ(last.lines.size(), 4U);
+    EXPECT_THAT(last.lines[0].text, HasSubstr("page 2 of 2"));
+    EXPECT_THAT(last.lines[2].text, StartsWith(" tank"));
+}
+
 TEST_F(TableLayout, ShowsTheNewestMessagesLast) {
     contents.messages = {"old", "new"};
     const TablePage page = layOut(80, 24);

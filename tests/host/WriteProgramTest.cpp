@@ -60,10 +60,16 @@ TEST_F(Write, SendsConsecutiveRegistersAsLists) {
         << "31, 31 and 8 values";
 }
 
-TEST_F(Write, AFloatingPointZeroIsReadBackAsZero) {
-    memory().setFloat(Media::Registers, 30, 5);
-    EXPECT_EQ(run("write LINK R30:float=0 --verify --station 5 --timeout 10s").status, 0);
-    EXPECT_EQ(memory().getFloat(Media::Registers, 30), 0);
+TEST_P(WriteOnEveryLine, AFloatingPointZeroIsReadBackAsZero) {
+    for (const char* const zero : {"0", "-0", "0.0"}) {
+        memory().setFloat(Media::Registers, 30, 5);
+        const Ending ending =
+            run("write LINK R30:float=" + std::string(zero) + " --verify --station 5 --timeout 10s");
+        EXPECT_EQ(ending.status, 0) << ending.errors;
+        EXPECT_EQ(word(Media::Registers, 30), 0U) << zero;
+        EXPECT_EQ(memory().getFloat(Media::Registers, 30), 0) << zero;
+        EXPECT_EQ(run("read LINK R30:float --station 5 --timeout 10s").output, "R30 = 0\n") << zero;
+    }
 }
 
 TEST_F(Write, ReadsNoOutputs) {

@@ -331,8 +331,10 @@ TEST_F(AnalogWriteTest, ReleasesNothingLater) {
 TEST_F(AnalogWriteTest, ValuesGivenOnManyThreadsAllArrive) {
     constexpr int threadCount = 4;
     constexpr int valuesEach = 100;
+    constexpr int valuesInAll = threadCount * valuesEach;
     setPoint("R");
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int thread = 0; thread < threadCount; ++thread)
         threads.emplace_back([this, thread] {
             for (int i = 0; i < valuesEach; ++i)
@@ -341,10 +343,10 @@ TEST_F(AnalogWriteTest, ValuesGivenOnManyThreadsAllArrive) {
     for (std::thread& thread : threads)
         thread.join();
     std::set<QByteArray> arrived;
-    for (int turn = 0; turn < threadCount * valuesEach; ++turn)
+    for (int turn = 0; turn < valuesInAll; ++turn)
         protocol->processNextRequest();
-    EXPECT_EQ(protocol->exchanges.size(), threadCount * valuesEach);
+    EXPECT_EQ(protocol->exchanges.size(), valuesInAll);
     for (const SBusRequestItem& item : protocol->items())
         arrived.insert(item.data);
-    EXPECT_EQ(arrived.size(), std::size_t{threadCount * valuesEach});
+    EXPECT_EQ(arrived.size(), std::size_t{valuesInAll});
 }

@@ -1,7 +1,6 @@
 #include "CommandBench.h"
 
 using Halvex::DriverErrorResult;
-using Halvex::LogLevel;
 
 namespace {
 

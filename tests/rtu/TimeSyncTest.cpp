@@ -103,9 +103,9 @@ TEST_F(TimeSyncTest, SendsTheTimeOfTheLocalZone) {
                                  .arg(qAbs(minutesEast) % 60, 2, 10, QLatin1Char('0'))
                                  .toLatin1()
                                  .constData());
-        const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(minutesEast * 60);
+        const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(qint64{minutesEast} * 60);
         EXPECT_EQ(rtu->timeSync(nullptr), accepted);
-        const QDateTime after = QDateTime::currentDateTimeUtc().addSecs(minutesEast * 60);
+        const QDateTime after = QDateTime::currentDateTimeUtc().addSecs(qint64{minutesEast} * 60);
         const SentRequest request = sendOnlyRequest();
         ASSERT_EQ(request.items.size(), 1);
         EXPECT_TRUE(liesBetween(request.items[0].data, before, after))

@@ -118,11 +118,19 @@ TEST_F(Program, ListsEveryMistakeOfItsArgumentsAndItsSiteFile) {
               exitUsage);
     EXPECT_EQ(err.str(),
               "--fault: no fault is called 'fire': choose from drop, late, duplicate, crc, nak, short\n"
-              "--late-delay: '1' is no time; write it with its unit, as in 10s\n"
-              "--for: '10' is no time; write it with its unit, as in 10s\n"
+              "--late-delay: '1' is no time above 0; write it with its unit, as in 10s\n"
+              "--for: '10' is no time above 0; write it with its unit, as in 10s\n"
               "--size: 'X=1' must be a letter and a number up to 65536, as in R=16384\n"
               "--set: 'R1=1': the station comes first, as in 5/R200=7 or, on line 2, 2:5/R200=7\n" +
                   site + ":1: channel: there must be at least one [[channel]] table\n");
+    EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(Program, TakesNoTimeOfZeroForATimeWithoutEnd) {
+    for (const char* const nothing : {"0s", "0ms", "0.4ms", ""})
+        EXPECT_EQ(run({serialSite(), "--for", nothing}), exitUsage) << nothing;
+    EXPECT_EQ(run({serialSite(), "--late-delay", "0s"}), exitUsage);
+    EXPECT_THAT(err.str(), HasSubstr("--for: '0s' is no time above 0; write it with its unit, as in 10s\n"));
     EXPECT_EQ(out.str(), "");
 }
 

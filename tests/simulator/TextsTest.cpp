@@ -11,6 +11,7 @@ using namespace std::chrono_literals;
 TEST(Durations, NeedAUnit) {
     EXPECT_EQ(parseDuration("300ms"), 300ms);
     EXPECT_EQ(parseDuration("1.5s"), 1500ms);
+    EXPECT_EQ(parseDuration("2m"), 2min);
     EXPECT_EQ(parseDuration("2min"), 2min);
     EXPECT_EQ(parseDuration("1h"), 1h);
     for (const char* text : {"", "10", "s", "-1s", "1 s", "1.2.3s", "1d", "1e9h", "9999999h"})

@@ -1,4 +1,4 @@
-#include "Controller.h"
+#include "Outcome.h"
 
 #include <utility>
 
