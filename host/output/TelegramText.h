@@ -10,6 +10,9 @@ namespace host {
 
 using TelegramBytes = std::vector<std::uint8_t>;
 
+// The host reads the driver's telegrams on its own, so that what it tells of them is what went out and not
+// what the driver meant.
+
 // A request telegram in words, as its bytes say: "write 2 registers from R10: 12, 13", "switch O200 on",
 // "set the clock to 2023-12-31 23:59:58, Sunday, week 52". `isFloat` tells whether the registers hold
 // floating-point words. A telegram that is none of these is told as unknown.
