@@ -25,6 +25,9 @@ target_compile_definitions(project_settings INTERFACE
 if(SBUS_SANITIZE)
     add_compile_options(-fsanitize=${SBUS_SANITIZE} -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${SBUS_SANITIZE})
+    if(SBUS_SANITIZE MATCHES undefined)
+        add_compile_options(-fno-sanitize-recover=undefined) # a report ends the program, as the others' do
+    endif()
 endif()
 if(SBUS_BUILD_FUZZERS)
     # The TOML library's test for blanks has an unreachable() that letters such as U+01D6 outside of quotes reach;

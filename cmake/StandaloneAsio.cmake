@@ -14,7 +14,7 @@ if(WIN32)
     target_compile_definitions(standalone_asio INTERFACE _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX)
     target_link_libraries(standalone_asio INTERFACE ws2_32 mswsock)
 endif()
-if(SBUS_SANITIZE MATCHES thread)
+if(SBUS_SANITIZE MATCHES thread AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # The compiler warns of Asio's memory fences, which the sanitizer does not follow.
     target_compile_options(standalone_asio INTERFACE -Wno-tsan)
 endif()

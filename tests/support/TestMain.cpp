@@ -1,3 +1,7 @@
+#ifdef SBUS_SANITIZED
+#include "ProgramReports.h"
+#endif
+
 #include <QApplication>
 
 #include <gmock/gmock.h>
@@ -10,6 +14,9 @@ int main(int argc, char** argv) {
         return RUN_ALL_TESTS();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("LC_ALL", "C.UTF-8"); // English texts, whatever the language of the developer's system
+#ifdef SBUS_SANITIZED
+    testing::UnitTest::GetInstance()->listeners().Append(new ProgramReports);
+#endif
     QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }
