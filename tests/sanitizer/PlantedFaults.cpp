@@ -130,7 +130,28 @@ void takeNewLocksInEitherOrder() {
     }
 }
 
+// Another thread's event loop carries out what is posted to it, waited for or not.
+void postToAnotherThread() {
+    QThread thread;
+    thread.start();
+    auto receiver = std::make_unique<QObject>();
+    receiver->moveToThread(&thread);
+    int posted = 0;
+    int awaited = 0;
+    for (int round = 0; round < 200; ++round) {
+        QMetaObject::invokeMethod(
+            receiver.get(), [&posted] { ++posted; }, Qt::QueuedConnection);
+        const auto addRound = [&] { awaited += posted + round; };
+        QMetaObject::invokeMethod(receiver.get(), addRound, Qt::BlockingQueuedConnection);
+        counter += awaited;
+    }
+    thread.quit();
+    thread.wait();
+    counter += posted;
+}
+
 void none() {
+    postToAnotherThread();
     countInTurns();
     countWithWhateverLockSucceeds();
     readWhatThreadsLeft();

@@ -54,6 +54,32 @@ bool seenEnded(QThread* thread, bool hasEnded) {
     return hasEnded;
 }
 
+// A function that one thread posts to another one: what was done before comes before the call, and what the
+// call does comes before the end of the object. Who waits for the call drops the object after it.
+class PostedSlot : public QtPrivate::QSlotObjectBase {
+public:
+    explicit PostedSlot(QSlotObjectBase* postedSlot) : QSlotObjectBase(&act), slot(postedSlot) {
+        __tsan_release(this);
+    }
+
+private:
+    static void act(int operation, QSlotObjectBase* base, QObject* receiver, void** arguments, bool* result) {
+        auto* const self = static_cast<PostedSlot*>(base);
+        __tsan_acquire(self);
+        if (operation == Call) {
+            self->slot->call(receiver, arguments);
+            __tsan_release(self);
+        } else if (operation == Destroy) {
+            self->slot->destroyIfLastRef();
+            delete self;
+        } else if (operation == Compare) {
+            *result = self->slot->compare(arguments);
+        }
+    }
+
+    QSlotObjectBase* const slot;
+};
+
 } // namespace
 
 QMutex::~QMutex() {
@@ -117,4 +143,13 @@ bool QThread::wait(QDeadlineTimer deadline) {
 bool QThread::wait(unsigned long time) {
     static const auto next = nextNamed<bool(QThread*, unsigned long)>("_ZN7QThread4waitEm");
     return seenEnded(this, next(this, time));
+}
+
+// Posted events are handed over under a lock inside of QtCore, and waited for with a semaphore there.
+bool QMetaObject::invokeMethodImpl(QObject* object, QtPrivate::QSlotObjectBase* slot, Qt::ConnectionType type,
+                                   void* result) {
+    static const auto next = nextNamed<bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType,
+                                            void*)>(
+        "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv");
+    return next(object, new PostedSlot(slot), type, result);
 }
