@@ -61,12 +61,12 @@ void CRtu::Values::collectBad(Entries& entries, QVector<PointUpdate>& changed) {
     }
 }
 
-QVector<PointUpdate> CRtu::Values::states(const CPointList& points) const {
+QVector<PointUpdate> CRtu::Values::states(const CPointList& all) const {
     const std::lock_guard<std::mutex> lock(mutex);
     QVector<PointUpdate> result;
-    for (const StatusPoint* point : points.GetStatusPointList())
+    for (const StatusPoint* point : all.GetStatusPointList())
         result << stateOf(statusEntries, point->number, false);
-    for (const AnalogPoint* point : points.GetAnalogPointList())
+    for (const AnalogPoint* point : all.GetAnalogPointList())
         result << stateOf(analogEntries, point->number, true);
     return result;
 }

@@ -20,7 +20,7 @@ public:
     QVector<PointUpdate> publishStaged();
     // Drops what is staged; the points that were good until now.
     QVector<PointUpdate> turnBad();
-    QVector<PointUpdate> states(const CPointList& points) const;
+    QVector<PointUpdate> states(const CPointList& all) const;
 
     // The figures of one ended request are added; the connected flag stays the caller's.
     void countRequest(const RtuStatus& ended);
