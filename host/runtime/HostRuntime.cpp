@@ -107,10 +107,14 @@ void HostRuntime::stopAtOnce() {
 // drained, has its waits cut short. Lines with short time-outs come first, so that no line waits for another.
 void HostRuntime::waitForThreads() {
     std::multimap<std::chrono::milliseconds, CChannel*> byTimeOut;
-    for (const RunningChannel& running : channels)
-        byTimeOut.emplace(longestTimeOut(*running.configured), running.channel.get());
     QElapsedTimer elapsed;
     elapsed.start();
+    for (const RunningChannel& running : channels) {
+        // No request is in progress. What may be is the look-up of a host name, behind which the line sleeps.
+        if (!running.channel->IsConnect())
+            running.channel->InterruptLinks();
+        byTimeOut.emplace(longestTimeOut(*running.configured), running.channel.get());
+    }
     for (const auto& [timeOut, channel] : byTimeOut) {
         const qint64 left = std::max<qint64>(0, timeOut.count() - elapsed.elapsed());
         if (!channel->wait(static_cast<unsigned long>(left)))
