@@ -13,7 +13,7 @@ void RunningSite::start(const std::string& pluginFile) {
     store = std::make_unique<host::ValueStore>(description);
     core.add(*store);
     log = std::make_unique<host::RunLog>(description, false);
-    runtime = std::make_unique<host::HostRuntime>(description, core);
+    runtime = std::make_unique<host::HostRuntime>(description, core, makeLink);
     ASSERT_EQ(runtime->start(pluginFile), "");
     service = std::make_unique<host::CommandService>(
         description, core, [this](int channel, int id) { return runtime->findRtu(channel, id); },

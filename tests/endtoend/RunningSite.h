@@ -5,6 +5,8 @@
 #include "runtime/RunLog.h"
 #include "runtime/ValueStore.h"
 
+#include <HalvexDriverLink/CLink.h>
+
 #include <memory>
 #include <mutex>
 #include <string>
@@ -24,6 +26,8 @@ public:
     host::Site& site() { return description; }
     // Hears of values and states like the host's own parts do; outlives the run.
     void listen(HalvexDriverCoreInterface& listener) { core.add(listener); }
+    // With links of the test's own making.
+    void makeLinks(host::HostRuntime::LinkFactory factory) { makeLink = std::move(factory); }
 
     void start(const std::string& pluginFile);
     void stop();
@@ -42,6 +46,7 @@ private:
     std::vector<std::string> told;
     std::unique_ptr<host::ValueStore> store;
     host::CoreFanOut core;
+    host::HostRuntime::LinkFactory makeLink = host::makeLink;
     std::unique_ptr<host::RunLog> log;
     std::unique_ptr<host::HostRuntime> runtime;
     std::unique_ptr<host::CommandService> service;
