@@ -56,7 +56,7 @@ class BadUdpLine : public testing::TestWithParam<Disturbance> {};
 TEST_P(BadUdpLine, ShowsNoWrongValueEndsEveryCommandAndRecovers) {
     UdpRelay relay;
     Shape shape;
-    shape.lines = count(4, 64);
+    shape.lines = count(12, 64);
     TaggedPlant plant(shape, through(relay));
     plant.start();
     CommandLoad commands(plant);
