@@ -41,27 +41,30 @@ bool holdsAnotherRequest(sim::Framing framing, const QByteArray& original, const
 
 LineTrouble::~LineTrouble() = default;
 
-BadSerialLine::BadSerialLine(sim::Framing lineFraming, const Maltreatment& maltreatment, std::uint64_t seed)
-    : framing(lineFraming), ways{Way{{maltreatment.telegrams, 4 * seed}, {maltreatment.chunks, 4 * seed + 1}},
+BadSerialLine::BadSerialLine(sim::Framing lineFraming, const Maltreatment& maltreatment, std::uint64_t seed,
+                             std::atomic<unsigned>& sparedCount)
+    : framing(lineFraming), ways{Way{{maltreatment.telegrams, 4 * seed}, {maltreatment.pieces, 4 * seed + 1}},
                                  Way{{maltreatment.telegrams, 4 * seed + 2},
-                                     {maltreatment.chunks, 4 * seed + 3}}},
-      random(seed) {}
+                                     {maltreatment.pieces, 4 * seed + 3}}},
+      random(seed), spared(sparedCount) {}
 
 std::vector<Passage> BadSerialLine::pass(Direction direction, const QByteArray& bytes,
                                          Clock::time_point now) {
     Way& way = ways[static_cast<std::size_t>(direction)];
     std::vector<Delivery> deliveries;
     for (const Delivery& telegram : way.telegrams.pass(bytes, now))
-        for (const QByteArray& chunk : cut(telegram.bytes))
-            for (Delivery& delivery : way.chunks.pass(chunk, telegram.time))
+        for (const QByteArray& piece : cut(telegram.bytes))
+            for (Delivery& delivery : way.pieces.pass(piece, telegram.time))
                 deliveries.push_back(std::move(delivery));
     std::stable_sort(deliveries.begin(), deliveries.end(),
                      [](const Delivery& a, const Delivery& b) { return a.time < b.time; });
     QByteArray arriving;
     for (const Delivery& delivery : deliveries)
         arriving += delivery.bytes;
-    if (looksRight(direction, bytes, arriving))
+    if (looksRight(direction, bytes, arriving)) {
         deliveries = {{bytes, now}};
+        ++spared;
+    }
     std::vector<Passage> passages;
     for (Delivery& delivery : deliveries)
         passages.push_back({direction, std::move(delivery)});
@@ -69,16 +72,16 @@ std::vector<Passage> BadSerialLine::pass(Direction direction, const QByteArray& 
 }
 
 std::vector<QByteArray> BadSerialLine::cut(const QByteArray& bytes) {
-    constexpr std::uint64_t mostChunks = 4;
-    std::vector<QByteArray> chunks;
+    constexpr std::uint64_t mostPieces = 4;
+    std::vector<QByteArray> pieces;
     QByteArray rest = bytes;
-    for (std::uint64_t left = random() % mostChunks; left > 0 && rest.size() > 1; --left) {
+    for (std::uint64_t left = random() % mostPieces; left > 0 && rest.size() > 1; --left) {
         const int size = 1 + static_cast<int>(random() % static_cast<std::uint64_t>(rest.size() - 1));
-        chunks.push_back(rest.left(size));
+        pieces.push_back(rest.left(size));
         rest.remove(0, size);
     }
-    chunks.push_back(rest);
-    return chunks;
+    pieces.push_back(rest);
+    return pieces;
 }
 
 bool BadSerialLine::looksRight(Direction direction, const QByteArray& original,

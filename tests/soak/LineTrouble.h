@@ -6,6 +6,7 @@
 #include <Telegram.h>
 
 #include <array>
+#include <atomic>
 
 namespace soak {
 
@@ -25,27 +26,29 @@ public:
                                       Clock::time_point now) = 0;
 };
 
-// A seeded bad line: telegrams suffer as wholes, and are cut into up to four chunks which suffer each for
+// A seeded bad line: telegrams suffer as wholes, and are cut into up to four pieces which suffer each for
 // itself.
 //
 // What a checksum of 16 bits cannot tell from a good telegram, one garbled telegram in 65,536, is no fault of
-// whoever takes it: such a telegram passes whole. Chunks that were held back can meet the next telegram,
+// whoever takes it: such a telegram passes whole. Pieces that were held back can meet the next telegram,
 // which nobody looks at here; there the same odds are left.
 class BadSerialLine : public LineTrouble {
 public:
     struct Maltreatment {
         Rates telegrams;
-        Rates chunks;
+        Rates pieces;
     };
 
-    BadSerialLine(sim::Framing lineFraming, const Maltreatment& maltreatment, std::uint64_t seed);
+    // What is spared is added to `sparedCount`, which outlives the line.
+    BadSerialLine(sim::Framing lineFraming, const Maltreatment& maltreatment, std::uint64_t seed,
+                  std::atomic<unsigned>& sparedCount);
 
     std::vector<Passage> pass(Direction direction, const QByteArray& bytes, Clock::time_point now) override;
 
 private:
     struct Way {
         Impairment telegrams;
-        Impairment chunks;
+        Impairment pieces;
     };
 
     std::vector<QByteArray> cut(const QByteArray& bytes);
@@ -54,6 +57,7 @@ private:
     const sim::Framing framing;
     std::array<Way, 2> ways; // by direction
     std::mt19937_64 random;
+    std::atomic<unsigned>& spared;
 };
 
 } // namespace soak
