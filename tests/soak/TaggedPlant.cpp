@@ -9,6 +9,14 @@ namespace soak {
 
 using sim::Media;
 
+namespace {
+
+sim::Framing framingOf(LineType type) {
+    return type == LineType::SerialBreakMode ? sim::Framing::BreakMode : sim::Framing::DataMode;
+}
+
+} // namespace
+
 TaggedPlant::TaggedPlant(const Shape& plantShape, const HostEnd& hostEnd)
     : built(plantShape), simulator(simulatedSite(), built.controllers) {
     EXPECT_LE(placesOfStation() * static_cast<unsigned>(built.lines * built.stations), mostPlaces);
@@ -35,14 +43,13 @@ sim::Site TaggedPlant::simulatedSite() const {
     std::vector<int> stations;
     for (int station = 1; station <= built.stations; ++station)
         stations.push_back(station);
-    const sim::Framing framing =
-        built.type == LineType::SerialBreakMode ? sim::Framing::BreakMode : sim::Framing::DataMode;
     sim::Site site;
     for (int line = 1; line <= built.lines; ++line) {
         const std::string device = folder.filePath(QStringLiteral("line%1").arg(line)).toStdString();
-        site.lines.push_back(built.type == LineType::Ethernet
+        const LineType type = built.typeOf(line);
+        site.lines.push_back(type == LineType::Ethernet
                                  ? sim::udpLine(line, stations)
-                                 : sim::serialLine(line, stations, framing, device));
+                                 : sim::serialLine(line, stations, framingOf(type), device));
     }
     return site;
 }
@@ -51,7 +58,8 @@ host::Channel TaggedPlant::hostChannel(int lineId, const host::LinkEnd& end) {
     host::Channel channel;
     channel.id = lineId;
     channel.name = "line " + std::to_string(lineId);
-    channel.type = built.type == LineType::Ethernet ? host::LineType::Ethernet : host::LineType::Serial;
+    channel.type =
+        built.typeOf(lineId) == LineType::Ethernet ? host::LineType::Ethernet : host::LineType::Serial;
     channel.primary = end;
     for (int station = 1; station <= built.stations; ++station)
         channel.rtus.push_back(hostRtu(lineId, station));
@@ -64,8 +72,8 @@ host::Rtu TaggedPlant::hostRtu(int lineId, int station) {
     rtu.name = "station " + std::to_string(station);
     rtu.station = static_cast<unsigned>(station);
     rtu.timeout = built.timeout;
-    rtu.transmitType =
-        built.type == LineType::SerialBreakMode ? host::TransmitType::Break : host::TransmitType::Data;
+    rtu.transmitType = built.typeOf(lineId) == LineType::SerialBreakMode ? host::TransmitType::Break
+                                                                         : host::TransmitType::Data;
     rtu.breakDelayMs = 1;
     rtu.scan = built.scan;
     unsigned place = firstPlaceOf(lineId, station);

@@ -10,12 +10,14 @@
 
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <thread>
 
 namespace soak {
 
 struct Shape {
     LineType type = LineType::Ethernet;
+    std::optional<LineType> typeOfEvenLines; // none: the same
     int lines = 1;
     int stations = 1;         // of each line, from 1 on
     unsigned registers = 100; // of each station, R0 and so on; they move
@@ -24,6 +26,8 @@ struct Shape {
     std::chrono::milliseconds timeout{150};
     host::ScanTimes scan{std::chrono::hours(1), std::chrono::milliseconds(50), std::chrono::milliseconds(50)};
     sim::Options controllers;
+
+    LineType typeOf(int lineId) const { return lineId % 2 == 0 ? typeOfEvenLines.value_or(type) : type; }
 
     Shape() { controllers.records = 1'000'000; } // of writes: those of every command
 };
