@@ -1,3 +1,4 @@
+#include "CommandLoad.h"
 #include "GoodValueAges.h"
 #include "RelayedPlant.h"
 #include "Soak.h"
@@ -19,14 +20,17 @@ TEST(DeadStation, OfFiveOnAUdpLinkLeavesTheOthersTimely) {
     plant.host().listen(ages);
     plant.start();
     plant.controllers().silence(1, dead, true);
+    CommandLoad commands(plant);
     ages.begin();
     std::this_thread::sleep_for(count(5s, 60s));
     const auto oldest = ages.oldestBesides(dead);
     EXPECT_LE(oldest, shape.scan.status + 2 * shape.timeout);
 
+    commands.finish();
     plant.controllers().silence(1, dead, false);
     plant.expectRecovery();
     plant.expectNoWrongValue();
     tellFigures("oldest value of the others " + std::to_string(oldest.count()) + " ms of " +
-                std::to_string((shape.scan.status + 2 * shape.timeout).count()) + ", " + plant.figuresText());
+                std::to_string((shape.scan.status + 2 * shape.timeout).count()) + ", " + plant.figuresText() +
+                ", " + commands.figuresText());
 }

@@ -26,12 +26,15 @@ TEST(StoppedHost, CatchesUpOnEachScanOnce) {
     const auto process = static_cast<pid_t>(host.processId());
     const auto stoppedFor = count(4s, 30s);
     ASSERT_EQ(kill(process, SIGSTOP), 0);
+    const std::unique_ptr<QProcess> command = host.beginWrite("pump-house/P1_START=on");
     std::this_thread::sleep_for(stoppedFor);
     const Clock::time_point continued = Clock::now();
     ASSERT_EQ(kill(process, SIGCONT), 0);
     host.expectFresh();
     const std::size_t untilFresh = host.polls(WatchedHost::Scan::Analog, continued).size();
     EXPECT_LE(untilFresh, 3U);
+    EXPECT_TRUE(WatchedHost::endWrite(*command));
+    EXPECT_TRUE(Plant::eventually([&] { return host.pulses().size() == 1; }));
     std::this_thread::sleep_for(2s);
     const std::size_t status = host.polls(WatchedHost::Scan::Status, continued).size();
     const std::size_t analog = host.polls(WatchedHost::Scan::Analog, continued).size();

@@ -1,6 +1,7 @@
 #include "WatchedHost.h"
 
 #include "Printers.h"
+#include "ProcessFigures.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -77,7 +78,7 @@ WatchedHost::~WatchedHost() {
     mover.join();
 }
 
-void WatchedHost::writeSite() {
+void WatchedHost::writeSite() const {
     QFile file(site);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("[[channel]]\nid = 1\nname = \"waterworks\"\ntype = \"SBus-Ethernet\"\n"
@@ -111,6 +112,8 @@ void WatchedHost::start() {
                   {QStringLiteral("run"), site, QStringLiteral("--format"), QStringLiteral("json")});
     ASSERT_TRUE(program.waitForStarted(patienceMs));
     awaitFresh(ValueJudge::Demanded::AllPoints);
+    descriptors = openDescriptors(processId());
+    threads = runningThreads(processId());
 }
 
 void WatchedHost::expectFresh() {
@@ -126,6 +129,10 @@ void WatchedHost::awaitFresh(ValueJudge::Demanded which) {
 }
 
 void WatchedHost::stop() {
+    const bool areAsMany = Plant::eventually([this] {
+        return openDescriptors(processId()) == descriptors && runningThreads(processId()) == threads;
+    });
+    EXPECT_TRUE(areAsMany);
     program.terminate();
     EXPECT_TRUE(program.waitForFinished(patienceMs));
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
@@ -133,11 +140,16 @@ void WatchedHost::stop() {
     EXPECT_EQ(valueJudge.wrongCount(), 0U) << valueJudge.wrongValues();
 }
 
-bool WatchedHost::write(const char* value) {
-    QProcess command;
-    command.setProcessEnvironment(environment);
-    command.start(QStringLiteral(HOST_PROGRAM),
-                  {QStringLiteral("ctl"), site, QStringLiteral("write"), QString::fromLatin1(value)});
+std::unique_ptr<QProcess> WatchedHost::beginWrite(const char* value) const {
+    auto command = std::make_unique<QProcess>();
+    command->setProcessEnvironment(environment);
+    command->start(QStringLiteral(HOST_PROGRAM),
+                   {QStringLiteral("ctl"), site, QStringLiteral("write"), QString::fromLatin1(value)});
+    EXPECT_TRUE(command->waitForStarted(patienceMs));
+    return command;
+}
+
+bool WatchedHost::endWrite(QProcess& command) {
     return command.waitForFinished(patienceMs) && command.exitStatus() == QProcess::NormalExit &&
            command.exitCode() == 0;
 }

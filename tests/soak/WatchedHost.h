@@ -28,14 +28,18 @@ public:
     explicit WatchedHost(const Periods& hostPeriods, const QProcessEnvironment& more = {});
     ~WatchedHost();
 
-    // Returns when it has shown every value.
+    // Returns when it has shown every value; from here on descriptors and threads are to stay as many.
     void start();
     // It shows values that are newer than this call, and returns when it has.
     void expectFresh();
-    // Ends the program in order. It has shown no wrong value.
+    // Ends the program in order. It has shown no wrong value, and has as many descriptors and threads as
+    // before.
     void stop();
-    // "pump-house/P1_START=on", by sbus-host ctl. Whether the command had success.
-    bool write(const char* value);
+    // "pump-house/P1_START=on", by sbus-host ctl; from its beginning to its end, or both. Whether the command
+    // had success.
+    std::unique_ptr<QProcess> beginWrite(const char* value) const;
+    static bool endWrite(QProcess& command);
+    bool write(const char* value) const { return endWrite(*beginWrite(value)); }
 
     qint64 processId() const { return program.processId(); }
     // What has come of the status poll's and of the analog poll's telegrams since `since`.
@@ -50,7 +54,7 @@ public:
     ValueJudge& judge() { return valueJudge; }
 
 private:
-    void writeSite();
+    void writeSite() const;
     void note(const QByteArray& telegram, Clock::time_point time);
     void awaitFresh(ValueJudge::Demanded which);
     void readOutput();
@@ -67,6 +71,8 @@ private:
     std::uint16_t port = 0;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     QProcess program;
+    int descriptors = 0;
+    int threads = 0;
     std::atomic<bool> moving{true};
     std::thread mover;
 };
