@@ -78,7 +78,7 @@ host::Rtu TaggedPlant::hostRtu(int lineId, int station) {
     rtu.scan = built.scan;
     unsigned place = firstPlaceOf(lineId, station);
     for (unsigned i = 0; i < built.registers; ++i)
-        addPoint(rtu, lineId, 1 + i, {'R', i}, place++, ValueJudge::Kind::Moving);
+        addPoint(rtu, lineId, 1 + i, {'R', i * built.stride}, place++, ValueJudge::Kind::Moving);
     for (unsigned i = 0; i < built.flags; ++i)
         addPoint(rtu, lineId, firstFlagPoint + i, {'F', i}, place++, ValueJudge::Kind::Bit);
     for (unsigned i = 0; i < built.setPoints; ++i)
@@ -99,23 +99,22 @@ void TaggedPlant::addPoint(host::Rtu& rtu, int lineId, unsigned id, host::Elemen
 }
 
 void TaggedPlant::fillMemories() {
+    setRegisters(0);
+    for (int line = 1; line <= built.lines; ++line)
+        for (int station = 1; station <= built.stations; ++station) {
+            const unsigned first = firstPlaceOf(line, station) + built.registers;
+            for (unsigned i = 0; i < built.flags; ++i)
+                simulator.memory(line, station).set(Media::Flags, i, taggedBit(first + i));
+        }
+}
+
+void TaggedPlant::setRegisters(std::uint16_t move) {
+    std::vector<std::uint32_t> words(built.registers * built.stride);
     for (int line = 1; line <= built.lines; ++line)
         for (int station = 1; station <= built.stations; ++station) {
             const unsigned first = firstPlaceOf(line, station);
             for (unsigned i = 0; i < built.registers; ++i)
-                simulator.memory(line, station).set(Media::Registers, i, taggedWord(first + i, 0));
-            for (unsigned i = 0; i < built.flags; ++i)
-                simulator.memory(line, station).set(Media::Flags, i, taggedBit(first + built.registers + i));
-        }
-}
-
-void TaggedPlant::move() {
-    const std::uint16_t next = valueJudge.nextMove();
-    std::vector<std::uint32_t> words(built.registers);
-    for (int line = 1; line <= built.lines; ++line)
-        for (int station = 1; station <= built.stations; ++station) {
-            for (unsigned i = 0; i < built.registers; ++i)
-                words[i] = taggedWord(firstPlaceOf(line, station) + i, next);
+                words[i * built.stride] = taggedWord(first + i, move);
             simulator.memory(line, station).set(Media::Registers, 0, words);
         }
 }
@@ -124,7 +123,7 @@ void TaggedPlant::start() {
     moving = true;
     mover = std::thread([this] {
         while (moving) {
-            move();
+            setRegisters(valueJudge.nextMove());
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
     });

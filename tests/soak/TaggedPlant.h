@@ -20,9 +20,10 @@ struct Shape {
     std::optional<LineType> typeOfEvenLines; // none: the same
     int lines = 1;
     int stations = 1;         // of each line, from 1 on
-    unsigned registers = 100; // of each station, R0 and so on; they move
+    unsigned registers = 100; // of each station, from R0 on; they move
+    unsigned stride = 1;      // from one register to the next; beyond 1 each is a telegram of its own
     unsigned flags = 60;      // F0 and so on; they stand still
-    unsigned setPoints = 4;   // R1000 and so on; they are commanded
+    unsigned setPoints = 4;   // R30000 and so on; they are commanded
     std::chrono::milliseconds timeout{150};
     host::ScanTimes scan{std::chrono::hours(1), std::chrono::milliseconds(50), std::chrono::milliseconds(50)};
     sim::Options controllers;
@@ -39,9 +40,9 @@ struct Shape {
 // States: made (controllers play), running, stopped for good. Main thread.
 class TaggedPlant {
 public:
-    static constexpr unsigned firstFlagPoint = 1001;
-    static constexpr unsigned firstSetPoint = 2001;
-    static constexpr unsigned firstSetPointElement = 1000;
+    static constexpr unsigned firstFlagPoint = 10'001;
+    static constexpr unsigned firstSetPoint = 20'001;
+    static constexpr unsigned firstSetPointElement = 30'000;
 
     // Where the host finds the line `lineId`, which is one of 1 to `lines`: the relay's end of it.
     using HostEnd = std::function<host::LinkEnd(const sim::Simulator& controllers, int lineId)>;
@@ -87,7 +88,7 @@ private:
     void addPoint(host::Rtu& rtu, int lineId, unsigned id, host::ElementAddress address, unsigned place,
                   ValueJudge::Kind kind);
     void fillMemories();
-    void move();
+    void setRegisters(std::uint16_t move);
 
     const Shape built;
     QTemporaryDir folder; // of serial devices

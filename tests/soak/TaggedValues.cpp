@@ -25,13 +25,15 @@ void ValueJudge::noteCommand(unsigned place, std::uint16_t number) {
     commanded[place] = number;
 }
 
-void ValueJudge::demandFresh() {
+void ValueJudge::demandFresh(Demanded which) {
     const std::lock_guard<std::mutex> lock(mutex);
     demanded = static_cast<std::uint16_t>(move + 1);
     for (auto& [id, rtu] : rtus) {
-        for (auto& [number, entry] : rtu.points)
-            entry.isFresh = false;
-        rtu.stale = rtu.points.size();
+        rtu.stale = 0;
+        for (auto& [number, entry] : rtu.points) {
+            entry.isFresh = which == Demanded::MovingPoints && entry.kind != Kind::Moving;
+            rtu.stale += entry.isFresh ? 0 : 1;
+        }
         rtu.requestsAtDemand = rtu.requests;
     }
 }
@@ -113,6 +115,8 @@ void ValueJudge::noteWrong(const PointUpdate& update, const Entry& entry) {
 bool ValueJudge::isPossible(const Entry& entry, std::uint32_t value) const {
     if (entry.kind == Kind::Bit)
         return value == taggedBit(entry.place);
+    if (entry.kind == Kind::Standing)
+        return value == taggedWord(entry.place, 0);
     const auto shown = static_cast<std::uint16_t>(value);
     if (entry.kind == Kind::Moving)
         return value >> 16 == entry.place && isPossibleMove(entry, shown);

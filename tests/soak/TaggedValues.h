@@ -29,6 +29,7 @@ public:
     // What a point may show.
     enum class Kind {
         Bit,      // the place's own
+        Standing, // the word of move 0
         Moving,   // words of moves up to the present one, which never go back
         Commanded // 0, or words of commands up to the last one given
     };
@@ -44,8 +45,10 @@ public:
     void noteCommand(unsigned place, std::uint16_t number);
 
     // From now on a moving point is fresh when it is good and shows a move that begins after this call, any
-    // other point when it is read well once more.
-    void demandFresh();
+    // other point when it is read well once more. Of what tells changes alone, moving points are all to be
+    // had.
+    enum class Demanded { AllPoints, MovingPoints };
+    void demandFresh(Demanded which = Demanded::AllPoints);
     // Whether all points have been fresh since; and the most requests that an RTU has ended until all of its
     // points were.
     bool isAllFresh() const;

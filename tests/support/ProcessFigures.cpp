@@ -3,6 +3,7 @@
 #include <ctime>
 #include <filesystem>
 #include <iterator>
+#include <string>
 
 #include <fcntl.h>
 #include <malloc.h>
@@ -11,9 +12,13 @@
 
 namespace {
 
-int entriesOf(const char* directory) {
+int entriesOf(const std::string& directory) {
     const std::filesystem::directory_iterator entries(directory);
     return static_cast<int>(std::distance(begin(entries), end(entries)));
+}
+
+std::string folderOf(long process) {
+    return "/proc/" + std::to_string(process);
 }
 
 std::chrono::nanoseconds processorTime(clockid_t clock) {
@@ -30,6 +35,14 @@ int openDescriptors() {
 
 int runningThreads() {
     return entriesOf("/proc/self/task");
+}
+
+int openDescriptors(long process) {
+    return entriesOf(folderOf(process) + "/fd");
+}
+
+int runningThreads(long process) {
+    return entriesOf(folderOf(process) + "/task");
 }
 
 bool allowDescriptors(std::size_t count) {

@@ -8,6 +8,9 @@
 
 int openDescriptors();
 int runningThreads();
+// The same of another process, by its number.
+int openDescriptors(long process);
+int runningThreads(long process);
 // Raises the limit on open descriptors. Whether the system allows as many.
 bool allowDescriptors(std::size_t count);
 

@@ -1,0 +1,58 @@
+#include "CommandLoad.h"
+#include "GoodValueAges.h"
+#include "LateTimer.h"
+#include "Soak.h"
+
+#include <gtest/gtest.h>
+
+using namespace soak;
+using namespace std::chrono_literals;
+
+namespace {
+
+class DeadStation : public testing::TestWithParam<LineType> {};
+
+TaggedPlant::HostEnd directly() {
+    return [](const sim::Simulator& controllers, int lineId) {
+        host::SerialEnd end;
+        end.device = controllers.device(lineId);
+        return end;
+    };
+}
+
+} // namespace
+
+// Its status poll and its analog poll cost a time-out each. Its integrity poll would cost one more, but is
+// left for later here: once an hour.
+TEST_P(DeadStation, OfFiveOnASerialLineLeavesTheOthersTimely) {
+    constexpr int dead = 3;
+    Shape shape;
+    shape.type = GetParam();
+    shape.stations = 5;
+    shape.timeout = 400ms;
+    shape.scan = {1h, 1s, 1s};
+    TaggedPlant plant(shape, directly());
+    GoodValueAges ages;
+    plant.host().listen(ages);
+    plant.start();
+    plant.controllers().silence(1, dead, true);
+    ages.begin();
+    const LateTimer control;
+    std::this_thread::sleep_for(count(5s, 60s));
+    const auto oldest = ages.oldestBesides(dead);
+    const auto late = std::chrono::duration_cast<std::chrono::milliseconds>(control.latest());
+    EXPECT_LE(oldest, shape.scan.status + 2 * shape.timeout + late);
+
+    plant.controllers().silence(1, dead, false);
+    plant.expectRecovery();
+    plant.expectNoWrongValue();
+    tellFigures("oldest value of the others " + std::to_string(oldest.count()) + " ms of " +
+                std::to_string((shape.scan.status + 2 * shape.timeout).count()) + ", a timer up to " +
+                std::to_string(late.count()) + " ms late, " + plant.figuresText());
+}
+
+INSTANTIATE_TEST_SUITE_P(In, DeadStation,
+                         testing::Values(LineType::SerialDataMode, LineType::SerialBreakMode),
+                         [](const auto& type) {
+                             return type.param == LineType::SerialBreakMode ? "BreakMode" : "DataMode";
+                         });
