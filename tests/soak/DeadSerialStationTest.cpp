@@ -31,16 +31,17 @@ TEST_P(DeadStation, OfFiveOnASerialLineLeavesTheOthersTimely) {
     shape.stations = 5;
     shape.timeout = 400ms;
     shape.scan = {1h, 1s, 1s};
+    GoodValueAges ages; // outlives the plant, which tells it of values until its end
     TaggedPlant plant(shape, directly());
-    GoodValueAges ages;
     plant.host().listen(ages);
     plant.start();
     plant.controllers().silence(1, dead, true);
     ages.begin();
-    const LateTimer control;
+    std::optional<LateTimer> control(std::in_place);
     std::this_thread::sleep_for(count(5s, 60s));
     const auto oldest = ages.oldestBesides(dead);
-    const auto late = std::chrono::duration_cast<std::chrono::milliseconds>(control.latest());
+    const auto late = std::chrono::duration_cast<std::chrono::milliseconds>(control->latest());
+    control.reset();
     EXPECT_LE(oldest, shape.scan.status + 2 * shape.timeout + late);
 
     plant.controllers().silence(1, dead, false);

@@ -15,8 +15,8 @@ TEST(DeadStation, OfFiveOnAUdpLinkLeavesTheOthersTimely) {
     shape.stations = 5;
     shape.timeout = 400ms;
     shape.scan = {1h, 1s, 1s};
+    GoodValueAges ages; // outlives the plant, which tells it of values until its end
     TaggedPlant plant(shape, through(relay));
-    GoodValueAges ages;
     plant.host().listen(ages);
     plant.start();
     plant.controllers().silence(1, dead, true);

@@ -149,13 +149,17 @@ void TaggedPlant::awaitRequests(std::uint64_t count) {
     } while (ended < goal);
 }
 
-void TaggedPlant::expectRecovery() {
+void TaggedPlant::expectFreshValues() {
     // A cycle is a status poll and an analog poll. One request was on its way before, and a line that was
     // opened anew asks for an integrity poll.
     constexpr std::uint64_t mostRequests = 3 * 2 + 2;
     valueJudge.demandFresh();
     ASSERT_TRUE(Plant::eventually([this] { return valueJudge.isAllFresh(); }));
     EXPECT_LE(valueJudge.mostRequestsUntilFresh(), mostRequests);
+}
+
+void TaggedPlant::expectRecovery() {
+    expectFreshValues();
     const bool areAsMany =
         Plant::eventually([this] { return openDescriptors() == descriptors && runningThreads() == threads; });
     EXPECT_TRUE(areAsMany) << openDescriptors() << " descriptors after " << descriptors << ", "

@@ -66,7 +66,9 @@ public:
     // Waits until so many more requests have ended, over all RTUs, as long as any do.
     void awaitRequests(std::uint64_t count);
     // Nothing is broken any more: each RTU has all its points fresh before it has ended more than the
-    // requests of three cycles, and descriptors and threads are as many as at the start.
+    // requests of three cycles.
+    void expectFreshValues();
+    // The same, and descriptors and threads are as many as at the start.
     void expectRecovery();
     void expectNoWrongValue() const;
 
