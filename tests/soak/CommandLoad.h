@@ -18,10 +18,13 @@ public:
     CommandLoad& operator=(const CommandLoad&) = delete;
     ~CommandLoad();
 
+    // Of serial lines: an acknowledge that comes late, or twice, can pass for that of the next command.
+    void allowLateAcknowledges() { mayBeLate = true; }
     // Waits until the plant has ended so many requests besides the commands.
     void awaitPolls(std::uint64_t count);
     // Gives no more commands and waits for the results of those that were given. Each has had exactly one; of
-    // each that succeeded, the element has held the value.
+    // each that succeeded, the element has held the value, or late acknowledges are allowed and the one
+    // before it has been carried out.
     void finish();
     // "1203 commands, 1100 done"
     std::string figuresText() const;
@@ -50,6 +53,8 @@ private:
     void expectElementsHeldTheValues();
 
     TaggedPlant& plant;
+    bool mayBeLate = false;
+    unsigned lateCount = 0;
     mutable std::mutex mutex;   // guards what follows
     std::deque<Given> commands; // a deque: its elements stay where they are
     std::vector<Operator> operators;
