@@ -7,6 +7,7 @@
 // older value of its own points once more, and nothing else.
 
 #include "CommandLoad.h"
+#include "LateTimer.h"
 #include "SerialRelay.h"
 #include "Soak.h"
 
@@ -86,14 +87,17 @@ TEST_P(BadSerialLines, ShowNoWrongValueEndEveryCommandAndRecover) {
                                     isBreakMode ? sim::Framing::BreakMode : sim::Framing::DataMode,
                                     GetParam().maltreatment, static_cast<std::uint64_t>(line), spared));
     }
+    std::optional<LateTimer> control(std::in_place);
     commands.awaitPolls(count(200U, 100'000U));
     commands.finish();
     relay.heal();
+    const auto late = std::chrono::duration_cast<std::chrono::milliseconds>(control->latest());
+    control.reset();
     plant.expectRecovery();
     plant.expectNoWrongValue();
     EXPECT_GT(plant.figures().failed, 0U);
     tellFigures(plant.figuresText() + ", " + commands.figuresText() + ", " + std::to_string(spared) +
-                " telegrams spared");
+                " telegrams spared, a timer up to " + std::to_string(late.count()) + " ms late");
 }
 
 INSTANTIATE_TEST_SUITE_P(Suffering, BadSerialLines,
