@@ -1,7 +1,7 @@
-#include "CommandLoad.h"
 #include "GoodValueAges.h"
 #include "LateTimer.h"
 #include "Soak.h"
+#include "TaggedPlant.h"
 
 #include <gtest/gtest.h>
 
@@ -30,7 +30,7 @@ TEST_P(DeadStation, OfFiveOnASerialLineLeavesTheOthersTimely) {
     shape.type = GetParam();
     shape.stations = 5;
     shape.timeout = 400ms;
-    shape.scan = {1h, 1s, 1s};
+    shape.scan = {1s, 1s, 1s};
     GoodValueAges ages; // outlives the plant, which tells it of values until its end
     TaggedPlant plant(shape, directly());
     plant.host().listen(ages);
@@ -49,7 +49,8 @@ TEST_P(DeadStation, OfFiveOnASerialLineLeavesTheOthersTimely) {
     plant.expectNoWrongValue();
     tellFigures("oldest value of the others " + std::to_string(oldest.count()) + " ms of " +
                 std::to_string((shape.scan.status + 2 * shape.timeout).count()) + ", a timer up to " +
-                std::to_string(late.count()) + " ms late, " + plant.figuresText());
+                std::to_string(late.count()) + " ms late, " + plant.figuresText() + ", " +
+                commands.figuresText());
 }
 
 INSTANTIATE_TEST_SUITE_P(In, DeadStation,
