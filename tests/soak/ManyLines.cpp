@@ -1,10 +1,10 @@
 #include "ManyLines.h"
 
+#include <QCoreApplication>
+
 #include <asio/io_context.hpp>
 #include <asio/ip/udp.hpp>
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 namespace {
 
@@ -14,7 +14,7 @@ std::uint16_t nextFreePort() {
     using asio::ip::udp;
     constexpr std::uint16_t lowest = 20'000;
     constexpr std::uint16_t count = 12'000;
-    static std::uint16_t next = static_cast<std::uint16_t>(getpid() * 97 % count);
+    static std::uint16_t next = static_cast<std::uint16_t>(QCoreApplication::applicationPid() * 97 % count);
     asio::io_context context;
     for (;;) {
         next = static_cast<std::uint16_t>((next + 1) % count);
