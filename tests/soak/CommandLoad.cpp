@@ -10,10 +10,11 @@
 
 namespace soak {
 
-CommandLoad::CommandLoad(TaggedPlant& commandedPlant) : plant(commandedPlant) {
+CommandLoad::CommandLoad(TaggedPlant& commandedPlant, int sparedStation) : plant(commandedPlant) {
     for (int line = 1; line <= plant.shape().lines; ++line)
         for (int station = 1; station <= plant.shape().stations; ++station)
-            operators.push_back({line, station});
+            if (station != sparedStation)
+                operators.push_back({line, station});
     thread = std::thread([this] { run(); });
 }
 

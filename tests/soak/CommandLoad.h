@@ -13,7 +13,8 @@ namespace soak {
 // States: commanding (as made), finished. Lives while the plant runs. Main thread.
 class CommandLoad {
 public:
-    explicit CommandLoad(TaggedPlant& commandedPlant);
+    // Of each line, one station may be left alone.
+    explicit CommandLoad(TaggedPlant& commandedPlant, int sparedStation = 0);
     CommandLoad(const CommandLoad&) = delete;
     CommandLoad& operator=(const CommandLoad&) = delete;
     ~CommandLoad();
