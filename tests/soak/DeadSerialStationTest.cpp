@@ -40,7 +40,7 @@ TEST_P(DeadStation, OfFiveOnASerialLineLeavesTheOthersTimely) {
     shape.type = GetParam().type;
     shape.stations = 5;
     shape.timeout = GetParam().timeout;
-    shape.scan = {GetParam().period, GetParam().period, GetParam().period};
+    shape.scan = {1h, GetParam().period, GetParam().period};
     GoodValueAges ages; // outlives the plant, which tells it of values until its end
     TaggedPlant plant(shape, directly());
     plant.host().listen(ages);

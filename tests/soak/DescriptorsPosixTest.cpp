@@ -106,8 +106,11 @@ TEST(Descriptors, MoreThan1024InUseLeaveLinksThatOpenPollAndRecover) {
     ManyLines plant(ManyLines::mixed(soak::count<std::size_t>(9, 300)));
     const TakenDescriptors taken(1100);
     ASSERT_GT(taken.highest(), 1024);
-    for (int line = 1; line <= plant.count(); ++line)
+    for (int line = 1; line <= plant.count(); ++line) {
         plant.addRegisters(line, 1);
+        plant.rtu(line).scan = {1h, 1h, soak::count(100ms, 2000ms)}; // so many lines want a processor as well
+        plant.rtu(line).timeout = soak::count(500ms, 3000ms);
+    }
     plant.start();
     std::uint32_t value = 1;
     expectFresh(plant, value);
