@@ -8,7 +8,8 @@ namespace sbus {
 
 // Makes a count that goes on from a time-of-day reading, which starts again from 0 after a day and jumps
 // when somebody sets the clock. A clock that is set back by less than half a day makes the count stand still
-// for one reading; one that is set forward makes it jump. Not thread-safe.
+// for one reading; one that is set forward makes it jump. So two readings must not lie half a day apart, or
+// the count stands still for the time between them. Not thread-safe.
 class ContinuousClock {
 public:
     // `reading`: milliseconds, 0 to 86,399,999.

@@ -148,6 +148,9 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     if (store.lostChanges() > 0)
         console.error.write(std::to_string(store.lostChanges()) +
                             " changes were lost: they came faster than the output was read\n");
+    if (const auto dropped = CLogger::GetInstance()->figures().dropped; dropped > 0)
+        console.error.write(std::to_string(dropped) +
+                            " log lines were lost: the log directory's disk is full, fails or is too slow\n");
     return judge(outcomes);
 }
 

@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <map>
 
 namespace host {
 
@@ -19,6 +20,13 @@ namespace {
 int commTypeCode(LineType type) {
     using Halvex::CommTypeCode;
     return static_cast<int>(type == LineType::Serial ? CommTypeCode::SBusSerial : CommTypeCode::SBusEthernet);
+}
+
+std::chrono::milliseconds longestTimeOut(const Channel& channel) {
+    std::chrono::milliseconds longest{0};
+    for (const Rtu& rtu : channel.rtus)
+        longest = std::max(longest, rtu.timeout);
+    return longest;
 }
 
 } // namespace
@@ -95,21 +103,23 @@ void HostRuntime::stopAtOnce() {
     stop();
 }
 
+// A line that needs longer than its own longest time-out, for many telegrams of one request or because it is
+// drained, has its waits cut short. Lines with short time-outs come first, so that no line waits for another.
 void HostRuntime::waitForThreads() {
-    std::chrono::milliseconds longest{0};
-    for (const Channel& channel : site.channels)
-        for (const Rtu& rtu : channel.rtus)
-            longest = std::max(longest, rtu.timeout);
+    std::multimap<std::chrono::milliseconds, CChannel*> byTimeOut;
     QElapsedTimer elapsed;
     elapsed.start();
     for (const RunningChannel& running : channels) {
-        const qint64 left = std::max<qint64>(0, longest.count() - elapsed.elapsed());
-        running.channel->wait(static_cast<unsigned long>(left));
-    }
-    // Many telegrams of one request, or a drain of the line, may take longer: their waits are cut short.
-    for (const RunningChannel& running : channels)
-        if (running.channel->isRunning())
+        // No request is in progress. What may be is the look-up of a host name, behind which the line sleeps.
+        if (!running.channel->IsConnect())
             running.channel->InterruptLinks();
+        byTimeOut.emplace(longestTimeOut(*running.configured), running.channel.get());
+    }
+    for (const auto& [timeOut, channel] : byTimeOut) {
+        const qint64 left = std::max<qint64>(0, timeOut.count() - elapsed.elapsed());
+        if (!channel->wait(static_cast<unsigned long>(left)))
+            channel->InterruptLinks();
+    }
     for (const RunningChannel& running : channels)
         running.channel->wait();
 }

@@ -53,7 +53,7 @@ public:
     // Loads the plug-in, makes and starts every channel. Empty, or what went wrong; then nothing runs.
     std::string start(const std::string& pluginPath);
     // Ends the channels' threads, closes and deletes the channels, ends the driver and unloads it. A request
-    // in progress has the longest session time-out to end by itself.
+    // in progress has the longest session time-out of its channel to end by itself.
     void stop();
     // The same, but gives no request the time to end: as if nothing had come in answer.
     void stopAtOnce();

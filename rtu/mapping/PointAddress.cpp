@@ -5,7 +5,9 @@
 namespace sbus {
 
 std::optional<PointAddress> matchAddress(const QString& text) {
-    QRegExp pattern(QStringLiteral("([A-Z])(\\d{1,5})"));
+    // Qt keeps patterns, with their texts, when the plug-in is unloaded: the text must not be a part of the
+    // plug-in.
+    QRegExp pattern(QString::fromLatin1("([A-Z])(\\d{1,5})"));
     if (!pattern.exactMatch(text))
         return std::nullopt;
     return PointAddress{pattern.cap(1), pattern.cap(2)};

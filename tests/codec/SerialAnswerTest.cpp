@@ -110,3 +110,23 @@ TEST(SerialAnswer, TheStartIsTakenOffInDataModeOnly) {
     EXPECT_EQ(toHex(sbus::serial::withoutStart(hex("05 02 AA BB"), breakMode)), "05 02 AA BB");
     EXPECT_EQ(toHex(sbus::serial::withoutStart(hex("05 02 AA BB"), otherMode)), "05 02 AA BB");
 }
+
+// What nothing in a Break Mode answer tells apart.
+
+TEST(SerialAnswer, InBreakModeTheEchoOfAReadPassesForAnAnswerOfFiveBytes) {
+    SBusRequestItem item;
+    item.command = 2;
+    item.count = 39; // flags; of 33 to 40 the answer has five bytes and a checksum
+    const QByteArray echo = sbus::serial::readFrame(item, 5, breakMode);
+    EXPECT_EQ(echo.size(), sbus::serial::readAnswerSize(5, breakMode));
+    EXPECT_EQ(checkReadAnswer(echo, breakMode), ReadAnswer::Good);
+    EXPECT_EQ(checkReadAnswer(sbus::serial::readFrame(item, 5, dataMode), dataMode), ReadAnswer::FrameError);
+}
+
+TEST(SerialAnswer, InBreakModeAZeroThatIsLostInFrontAndOneThatComesBehindAreNotSeen) {
+    const QByteArray answer = withChecksum(hex("00 00 00 05"));
+    EXPECT_EQ(checkReadAnswer(answer.mid(1) + hex("00"), breakMode), ReadAnswer::Good);
+    const QByteArray inDataMode = withChecksum(hex("B5 01 00 00 00 05"));
+    EXPECT_EQ(checkReadAnswer(inDataMode.left(2) + inDataMode.mid(3) + hex("00"), dataMode),
+              ReadAnswer::ChecksumError);
+}

@@ -1,3 +1,4 @@
+#include "ScriptedLink.h"
 #include "TaskChannel.h"
 
 #include <gtest/gtest.h>
@@ -47,6 +48,38 @@ TEST_F(CChannelScan, LateScanIsAskedOnceAndCountsOverruns) {
     checkAt(3600); // kind 0 was due at 900, 1800, 2700 and 3600; kinds 1 and 2 three times each
     EXPECT_EQ(rtu->polls, (Kinds{0, 1, 2}));
     EXPECT_EQ(channel.GetChannelStatus().scanOverruns, 3U + 2U + 2U);
+}
+
+TEST_F(CChannelScan, ASilentRtuIsAskedForItsMostFrequentKindAlone) {
+    channel.SetLinks(std::make_unique<ScriptedLink>());
+    TestRtu* silent = channel.addRtu(1, {9'000, 900, 300});
+    TestRtu* other = channel.addRtu(2, {9'000, 900, 300});
+    silent->PutRtuStatus(false, false, 0, 0, 1, 0);
+    for (qint64 time = 0; time < 3'000; time += 10)
+        checkAt(time);
+    EXPECT_EQ(silent->polls.count(0), 0);
+    EXPECT_EQ(silent->polls.count(1), 0);
+    EXPECT_GE(silent->polls.count(2), 8);
+    EXPECT_EQ(other->polls.count(1), 3);
+    EXPECT_EQ(other->polls.count(2), 10);
+
+    silent->PutRtuStatus(true, true, 0, 1, 0, 0);
+    silent->polls.clear();
+    for (qint64 time = 3'000; time < 3'900; time += 10)
+        checkAt(time);
+    EXPECT_EQ(silent->polls.count(1), 1);
+    EXPECT_EQ(silent->polls.count(2), 3);
+}
+
+// As when each of its time-outs closes the line, and the driver polls it when the line is open again.
+TEST_F(CChannelScan, ASilentRtuIsNotAskedWhileItsRequestsEnd) {
+    channel.SetLinks(std::make_unique<ScriptedLink>());
+    TestRtu* silent = channel.addRtu(1, periods);
+    for (qint64 time = 0; time < 5'000; time += 500) {
+        silent->PutRtuStatus(false, false, 0, 0, 0, 1);
+        checkAt(time);
+    }
+    EXPECT_TRUE(silent->polls.isEmpty());
 }
 
 TEST_F(CChannelScan, DisabledRtuIsNotAsked) {

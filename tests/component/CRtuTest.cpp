@@ -1,5 +1,5 @@
+#include "AnsweringLink.h"
 #include "RecordingCore.h"
-#include "ScriptedLink.h"
 #include "TaskChannel.h"
 
 #include <gtest/gtest.h>
@@ -23,16 +23,6 @@ protected:
     RecordingCore core;
     TaskChannel channel{&core, 9};
     CRtu rtu{&core, &channel, configuration()};
-};
-
-// A link whose round trips a test makes.
-class AnsweringLink : public ScriptedLink {
-public:
-    void exchange(std::chrono::milliseconds answerTime) {
-        noteSent(1, Clock::now());
-        std::this_thread::sleep_for(answerTime);
-        noteReceived(1);
-    }
 };
 
 } // namespace
@@ -149,6 +139,23 @@ TEST_F(CRtuBase, KeepsTheLastAndTheSlowestRoundTripOfItsLink) {
     EXPECT_GE(second.lastRoundTrip, milliseconds(1));
     EXPECT_GE(second.slowestRoundTrip, first.slowestRoundTrip);
     EXPECT_NE(second.lastRoundTrip, first.lastRoundTrip);
+}
+
+// A refusal or a spoilt answer is a failure too, but not silence.
+TEST_F(CRtuBase, IsSilentAfterARequestOfWhichNothingCameBack) {
+    auto owned = std::make_unique<AnsweringLink>();
+    AnsweringLink* link = owned.get();
+    channel.SetLinks(std::move(owned));
+    EXPECT_FALSE(rtu.IsSilent());
+    rtu.PutRtuStatus(false, false, 0, 0, 1, 0);
+    EXPECT_TRUE(rtu.IsSilent());
+    link->exchange(std::chrono::milliseconds(1));
+    rtu.PutRtuStatus(false, false, 0, 0, 0, 1);
+    EXPECT_FALSE(rtu.IsSilent());
+    rtu.PutRtuStatus(false, false, 0, 0, 0, 1);
+    EXPECT_TRUE(rtu.IsSilent());
+    rtu.PutRtuStatus(true, true, 0, 1, 0, 0); // a poll of a kind that has no points
+    EXPECT_FALSE(rtu.IsSilent());
 }
 
 TEST_F(CRtuBase, RequestWithoutAnAnswerKeepsTheLastRoundTrip) {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <future>
-
 namespace {
 
 sim::Site simulatedSite(LineType type, const QTemporaryDir& folder, unsigned baud) {
@@ -23,11 +21,7 @@ CommandedPlant::CommandedPlant(LineType lineType, const sim::Options& options, u
     : type(lineType), simulator(simulatedSite(lineType, folder, baud), options) {
     const std::string fault = simulator.start();
     EXPECT_EQ(fault, "");
-    site.channels.push_back(hostLine(baud));
-}
-
-CommandedPlant::~CommandedPlant() {
-    stop();
+    running.site().channels.push_back(hostLine(baud));
 }
 
 host::Channel CommandedPlant::hostLine(unsigned baud) const {
@@ -72,46 +66,15 @@ void CommandedPlant::pollSeldom() {
 
 // Returns when the controller has answered for the first time.
 void CommandedPlant::start() {
-    values = std::make_unique<host::ValueStore>(site);
-    core.add(*values);
-    log = std::make_unique<host::RunLog>(site, false);
-    runtime = std::make_unique<host::HostRuntime>(site, core);
-    ASSERT_EQ(runtime->start(PLUGIN_FILE), "");
-    service = std::make_unique<host::CommandService>(
-        site, core, [this](int channel, int id) { return runtime->findRtu(channel, id); },
-        [this](int channel, int id) { return log->wasLastRequestRefused(channel, id); },
-        [this](const std::string& text) {
-            const std::lock_guard<std::mutex> lock(mutex);
-            told.push_back(text);
-        });
-    ASSERT_TRUE(Plant::eventually([this] { return runtime->rtuFigures().at(0).status.answers > 0; }));
-}
-
-void CommandedPlant::stop() {
-    if (service)
-        service->stop();
-    if (runtime)
-        runtime->stop();
-}
-
-Halvex::DriverErrorResult CommandedPlant::carryOut(const host::CommandAction& action) {
-    std::promise<Halvex::DriverErrorResult> promise;
-    std::future<Halvex::DriverErrorResult> result = promise.get_future();
-    const std::string refusal = commands().submit(
-        command(action), [&promise](Halvex::DriverErrorResult ended) { promise.set_value(ended); });
-    EXPECT_EQ(refusal, "");
-    return refusal.empty() ? result.get() : Halvex::DriverErrorResult::NotSupported;
+    running.start(PLUGIN_FILE);
+    ASSERT_TRUE(Plant::eventually([this] { return running.haveAllAnswered(); }));
 }
 
 bool CommandedPlant::reads(unsigned point, double value) const {
-    const std::vector<host::PointRef>& refs = values->points();
+    const std::vector<host::PointRef>& refs = running.values().points();
     for (std::size_t i = 0; i < refs.size(); ++i)
         if (refs[i].point->id == point)
-            return values->states()[i].quality == PointQuality::Good && values->states()[i].value == value;
+            return running.values().states()[i].quality == PointQuality::Good &&
+                   running.values().states()[i].value == value;
     return false;
-}
-
-std::vector<std::string> CommandedPlant::messages() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return told;
 }

@@ -1,17 +1,11 @@
 #pragma once
 
 #include "EveryLine.h"
-
-#include "runtime/CommandService.h"
-#include "runtime/HostRuntime.h"
-#include "runtime/RunLog.h"
-#include "runtime/ValueStore.h"
+#include "RunningSite.h"
 
 #include <Simulator.h>
 
 #include <QTemporaryDir>
-
-#include <mutex>
 
 // A whole plant in one process: simulated controllers, and a host that runs them through the plug-in's file
 // and takes commands. One line, one controller: station 5, RTU 7 of channel 1.
@@ -22,25 +16,26 @@ public:
     static constexpr int rtuId = 7;
 
     explicit CommandedPlant(LineType type, const sim::Options& options = {}, unsigned baud = 115'200);
-    ~CommandedPlant();
 
     // Before start().
-    host::Rtu& rtu() { return site.channels[0].rtus[0]; }
+    host::Rtu& rtu() { return running.site().channels[0].rtus[0]; }
     host::Point& addPoint(unsigned id, const host::ElementAddress& address);
     // So seldom that commands have the line to themselves.
     void pollSeldom();
 
     void start();
-    void stop();
+    void stop() { running.stop(); }
 
     sim::Simulator& controllers() { return simulator; }
     sim::Memory& memory() { return simulator.memory(lineId, station); }
-    host::CommandTaker& commands() { return *service; }
+    host::CommandTaker& commands() { return running.commands(); }
     static host::Command command(const host::CommandAction& action) { return {lineId, rtuId, action}; }
     // Its result.
-    Halvex::DriverErrorResult carryOut(const host::CommandAction& action);
+    Halvex::DriverErrorResult carryOut(const host::CommandAction& action) {
+        return running.carryOut(command(action));
+    }
     bool reads(unsigned point, double value) const;
-    std::vector<std::string> messages() const;
+    std::vector<std::string> messages() const { return running.messages(); }
 
 private:
     host::Channel hostLine(unsigned baud) const;
@@ -48,12 +43,5 @@ private:
     const LineType type;
     QTemporaryDir folder; // of the serial device
     sim::Simulator simulator;
-    host::Site site;
-    mutable std::mutex mutex; // guards the messages
-    std::vector<std::string> told;
-    std::unique_ptr<host::ValueStore> values;
-    host::CoreFanOut core;
-    std::unique_ptr<host::RunLog> log;
-    std::unique_ptr<host::HostRuntime> runtime;
-    std::unique_ptr<host::CommandService> service;
+    RunningSite running;
 };

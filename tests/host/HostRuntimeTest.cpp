@@ -4,6 +4,7 @@
 
 #include <HalvexAbstractDriver/DriverPluginInterface.h>
 #include <HalvexDriverComponent/CRtu.h>
+#include <HalvexDriverLink/CLink.h>
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -13,9 +14,37 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 using host::DriverPlugin;
 using host::HostRuntime;
 using testing::HasSubstr;
+
+namespace {
+
+// A line whose waits end only when they are interrupted, whatever their time-out.
+class EndlessLink : public CLink {
+public:
+    void reset() override { clearInterrupt(); }
+    int open() override { return 0; }
+    void close() override {}
+    int send(const char*, int, int) override { return 0; }
+    int receive(char*, int, int& received, int) override {
+        received = 0;
+        waits = true;
+        while (!isInterrupted())
+            QThread::msleep(1);
+        return -1;
+    }
+    int kind() const override { return udpKind; }
+
+    std::atomic<bool> waits{false};
+
+private:
+    void wake() override {}
+};
+
+} // namespace
 
 TEST(DriverPlugin, IsLoadedByItsMetadataAndUnloaded) {
     DriverPlugin plugin;
@@ -100,6 +129,31 @@ TEST(HostRuntime, StopsWhileARequestWaitsForItsAnswer) {
     elapsed.start();
     runtime.stop();
     EXPECT_LT(elapsed.elapsed(), 30'000); // ends at all; how soon depends on the machine's load
+}
+
+TEST(HostRuntime, InterruptsALineAtItsOwnTimeOutHoweverLongThatOfAnother) {
+    host::Site site = smallSite();
+    site.channels.push_back(site.channels[0]);
+    site.channels[0].rtus[0].timeout = std::chrono::minutes(10);
+    site.channels[0].rtus[0].points.clear(); // idle
+    site.channels[1].id = 5;
+    site.channels[1].primary = host::UdpEnd{"endless", 1};
+    EndlessLink* endless = nullptr;
+    RecordingCore core;
+    HostRuntime runtime(site, core, [&](const host::LinkEnd& end) -> std::unique_ptr<CLink> {
+        if (std::get<host::UdpEnd>(end).host != "endless")
+            return host::makeLink(end);
+        auto link = std::make_unique<EndlessLink>();
+        endless = link.get();
+        return link;
+    });
+    ASSERT_EQ(runtime.start(PLUGIN_FILE), "");
+    while (!endless->waits)
+        QThread::msleep(10);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    runtime.stop();
+    EXPECT_LT(elapsed.elapsed(), 300'000);
 }
 
 TEST(HostRuntime, StopsWhileALineCannotBeOpened) {

@@ -57,6 +57,17 @@ TEST_F(ContinuousClockTest, NeverGoesBackWhenSomebodySetsTheClockBack) {
     EXPECT_GE(clock.elapsed(), before);
 }
 
+// The count began a moment ago, so an hour earlier is 23 hours after its beginning by the circle of a day.
+TEST_F(ContinuousClockTest, StandsStillWhenTheClockIsSetBackToBeforeItsStart) {
+    sbus::ContinuousClock clock = clockFrom(0);
+    reading = 5'000;
+    EXPECT_EQ(clock.elapsed(), 5'000u);
+    reading += day - 3'600'000;
+    EXPECT_EQ(clock.elapsed(), 5'000u);
+    reading += 100;
+    EXPECT_EQ(clock.elapsed(), 5'100u);
+}
+
 TEST_F(ContinuousClockTest, CountsFromALaterOriginOnceItIsMoved) {
     sbus::ContinuousClock clock = clockFrom(1'000);
     reading = 5'000;

@@ -1,10 +1,13 @@
 #include <HalvexDriverComponent/CChannel.h>
 #include <HalvexDriverComponent/CRtu.h>
+#include <HalvexDriverComponent/Halvex.h>
 #include <HalvexDriverLink/CLink.h>
 
 #include "ReplyRegistry.h"
 #include "ScanSchedule.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -15,6 +18,23 @@ constexpr int failuresUntilChange = 3;
 qint64 steadyMilliseconds() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
+
+struct Scan {
+    int kind;
+    int periodMs;
+};
+
+// Of those with a period.
+Scan mostFrequentScan(const ScanPeriods& periods) {
+    using Halvex::PollKind;
+    Scan best{static_cast<int>(PollKind::Integrity), std::numeric_limits<int>::max()};
+    for (const auto& [kind, periodMs] :
+         {std::pair{PollKind::Status, periods.statusMs}, std::pair{PollKind::Analog, periods.analogMs},
+          std::pair{PollKind::Integrity, periods.integrityMs}})
+        if (periodMs > 0 && periodMs < best.periodMs)
+            best = {static_cast<int>(kind), periodMs};
+    return best;
 }
 
 } // namespace
@@ -40,6 +60,7 @@ CRtu* CChannel::AddRtu(const RemoteTerminalUnit& info) {
     CRtu* rtu = CreateRtu(info);
     if (!rtu)
         return nullptr;
+    rests.erase(rtus.value(info.id));
     delete std::exchange(rtus[info.id], rtu);
     restartScans();
     return rtu;
@@ -79,8 +100,25 @@ void CChannel::CheckScan() {
         schedule->skipTo(now);
     for (const ScanSchedule::Poll& poll : schedule->due(now))
         if (CRtu* rtu = rtus.value(poll.rtuId, nullptr))
-            rtu->RequestPoll(poll.kind, nullptr);
+            askFor(*rtu, poll.kind, now);
     scanOverruns += schedule->takeOverruns();
+}
+
+void CChannel::askFor(CRtu& rtu, int kind, qint64 now) {
+    if (rtu.IsSilent() && !(kind == mostFrequentScan(rtu.GetRtuInfo().periods).kind && hasRested(rtu, now)))
+        return;
+    rtu.RequestPoll(kind, nullptr);
+}
+
+// Whether no request of this RTU has ended for its period and for half a time-out: the others of the line,
+// which take turns with it, need some time.
+bool CChannel::hasRested(const CRtu& rtu, qint64 now) {
+    const quint64 requests = rtu.GetRtuStatus().requests;
+    const auto [rest, isNew] = rests.try_emplace(&rtu, Rest{requests, now});
+    if (!isNew && rest->second.requests != requests)
+        rest->second = {requests, now};
+    const int periodMs = mostFrequentScan(rtu.GetRtuInfo().periods).periodMs;
+    return now - rest->second.since >= std::max(periodMs, rtu.sessionTimeOut() / 2);
 }
 
 void CChannel::PutCommFailDuration() {

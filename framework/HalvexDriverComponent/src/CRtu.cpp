@@ -145,7 +145,8 @@ bool CRtu::PutRtuStatus(bool, bool, unsigned requests, unsigned answers, unsigne
     ended.answers = answers;
     ended.timeOuts = timeOuts;
     ended.errors = errors;
-    takeRoundTrips(ended);
+    if (takeRoundTrips(ended))
+        silent.store(answers == 0 && ended.lastRoundTrip.count() == 0, std::memory_order_relaxed);
     values->countRequest(ended);
     if (channel && answers > 0)
         channel->NoteAnswer();
@@ -154,14 +155,16 @@ bool CRtu::PutRtuStatus(bool, bool, unsigned requests, unsigned answers, unsigne
     return tellStatus();
 }
 
-// A command that was refused offline has had no exchange, and its thread must keep its hands off the link.
-void CRtu::takeRoundTrips(RtuStatus& ended) const {
+// False for a command that was refused offline: it has had no exchange, and its thread must keep its hands
+// off the link.
+bool CRtu::takeRoundTrips(RtuStatus& ended) const {
     CLink* const link = channel ? channel->GetLink() : nullptr;
     if (!link || (channel->isRunning() && QThread::currentThread() != channel))
-        return;
+        return false;
     const RoundTrips trips = link->takeRoundTrips();
     ended.lastRoundTrip = trips.last;
     ended.slowestRoundTrip = trips.slowest;
+    return true;
 }
 
 RtuStatus CRtu::GetRtuStatus() const {

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -61,7 +62,9 @@ public:
     void SetConnect(bool connect);
 
     // Asks each enabled RTU for the polls that are due. A poll that is late by whole periods is asked for
-    // once; the periods missed count as overruns.
+    // once; the periods missed count as overruns. Each request of a silent RTU keeps the others waiting for a
+    // whole time-out: it is asked for its most frequent kind of poll alone, and not while something else asks
+    // it, such as a driver that polls all RTUs of a line when it is opened.
     void CheckScan();
     // Counts a failed open; the third in a row changes to the other end.
     void PutCommFailDuration();
@@ -85,6 +88,8 @@ public:
 
 private:
     void makeSchedule(qint64 now);
+    void askFor(CRtu& rtu, int kind, qint64 now);
+    bool hasRested(const CRtu& rtu, qint64 now);
     void changeLink();
     void disconnectRtus();
     void beginFailure();
@@ -101,6 +106,12 @@ private:
     std::atomic<bool> scansRestarted{true};
     bool scansPaused = false; // the channel was not connected at the last CheckScan
     std::function<qint64()> scanClock;
+    // Of silent RTUs: the requests that had ended when a poll was last due, and since when they are as many.
+    struct Rest {
+        quint64 requests = 0;
+        qint64 since = 0;
+    };
+    std::map<const CRtu*, Rest> rests;
     std::unique_ptr<ReplyRegistry> replies;
 
     // In a row on the end in use.

@@ -3,15 +3,46 @@
 #include <ctime>
 #include <filesystem>
 #include <iterator>
+#include <string>
 
 #include <fcntl.h>
 #include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-int openDescriptors() {
-    const std::filesystem::directory_iterator entries("/proc/self/fd");
+namespace {
+
+int entriesOf(const std::string& directory) {
+    const std::filesystem::directory_iterator entries(directory);
     return static_cast<int>(std::distance(begin(entries), end(entries)));
+}
+
+std::string folderOf(long process) {
+    return "/proc/" + std::to_string(process);
+}
+
+std::chrono::nanoseconds processorTime(clockid_t clock) {
+    timespec time{};
+    clock_gettime(clock, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+} // namespace
+
+int openDescriptors() {
+    return entriesOf("/proc/self/fd");
+}
+
+int runningThreads() {
+    return entriesOf("/proc/self/task");
+}
+
+int openDescriptors(long process) {
+    return entriesOf(folderOf(process) + "/fd");
+}
+
+int runningThreads(long process) {
+    return entriesOf(folderOf(process) + "/task");
 }
 
 bool allowDescriptors(std::size_t count) {
@@ -39,9 +70,11 @@ TakenDescriptors::~TakenDescriptors() {
 }
 
 std::chrono::nanoseconds threadProcessorTime() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    return processorTime(CLOCK_THREAD_CPUTIME_ID);
+}
+
+std::chrono::nanoseconds processProcessorTime() {
+    return processorTime(CLOCK_PROCESS_CPUTIME_ID);
 }
 
 std::size_t allocatedBytes() {

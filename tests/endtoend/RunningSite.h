@@ -1,0 +1,53 @@
+#pragma once
+
+#include "runtime/CommandService.h"
+#include "runtime/HostRuntime.h"
+#include "runtime/RunLog.h"
+#include "runtime/ValueStore.h"
+
+#include <HalvexDriverLink/CLink.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+// A host that runs a site through the plug-in's file and takes commands, as `sbus-host run` does, but in the
+// test's own process.
+// States: made (the site is being described), running, stopped for good. Main thread, but for commands().
+class RunningSite {
+public:
+    RunningSite() = default;
+    RunningSite(const RunningSite&) = delete;
+    RunningSite& operator=(const RunningSite&) = delete;
+    ~RunningSite();
+
+    // Before start().
+    host::Site& site() { return description; }
+    // Hears of values and states like the host's own parts do; outlives the run.
+    void listen(HalvexDriverCoreInterface& listener) { core.add(listener); }
+    // With links of the test's own making.
+    void makeLinks(host::HostRuntime::LinkFactory factory) { makeLink = std::move(factory); }
+
+    void start(const std::string& pluginFile);
+    void stop();
+
+    host::HostRuntime& hostRuntime() { return *runtime; }
+    host::CommandTaker& commands() { return *service; }
+    Halvex::DriverErrorResult carryOut(const host::Command& command);
+    // Whether every RTU has answered at least once.
+    bool haveAllAnswered() const;
+    const host::ValueStore& values() const { return *store; }
+    std::vector<std::string> messages() const;
+
+private:
+    host::Site description;
+    mutable std::mutex mutex; // guards the messages
+    std::vector<std::string> told;
+    std::unique_ptr<host::ValueStore> store;
+    host::CoreFanOut core;
+    host::HostRuntime::LinkFactory makeLink = host::makeLink;
+    std::unique_ptr<host::RunLog> log;
+    std::unique_ptr<host::HostRuntime> runtime;
+    std::unique_ptr<host::CommandService> service;
+};

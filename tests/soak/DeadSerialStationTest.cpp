@@ -1,0 +1,73 @@
+#include "CommandLoad.h"
+#include "GoodValueAges.h"
+#include "LateTimer.h"
+#include "Soak.h"
+
+#include <gtest/gtest.h>
+
+using namespace soak;
+using namespace std::chrono_literals;
+
+namespace {
+
+struct Times {
+    const char* name;
+    LineType type;
+    std::chrono::milliseconds period;
+    std::chrono::milliseconds timeout;
+};
+
+// The line's other requests in between. Less than a time-out.
+constexpr auto someTurns = 200ms;
+
+class DeadStation : public testing::TestWithParam<Times> {};
+
+TaggedPlant::HostEnd directly() {
+    return [](const sim::Simulator& controllers, int lineId) {
+        host::SerialEnd end;
+        end.device = controllers.device(lineId);
+        return end;
+    };
+}
+
+} // namespace
+
+// Its status poll and its analog poll cost a time-out each. Its integrity poll would cost one more, but is
+// left for later here: once an hour.
+TEST_P(DeadStation, OfFiveOnASerialLineLeavesTheOthersTimely) {
+    constexpr int dead = 3;
+    Shape shape;
+    shape.type = GetParam().type;
+    shape.stations = 5;
+    shape.timeout = GetParam().timeout;
+    shape.scan = {1h, GetParam().period, GetParam().period};
+    GoodValueAges ages; // outlives the plant, which tells it of values until its end
+    TaggedPlant plant(shape, directly());
+    plant.host().listen(ages);
+    plant.start();
+    plant.controllers().silence(1, dead, true);
+    CommandLoad commands(plant, dead);
+    ages.begin();
+    std::optional<LateTimer> control(std::in_place);
+    std::this_thread::sleep_for(count(5s, 60s));
+    const auto oldest = ages.oldestBesides(dead);
+    const auto late = std::chrono::duration_cast<std::chrono::milliseconds>(control->latest());
+    control.reset();
+    const std::chrono::milliseconds allowed = shape.scan.status + 2 * shape.timeout;
+    EXPECT_LE(oldest, allowed + someTurns + late);
+    commands.finish();
+
+    plant.controllers().silence(1, dead, false);
+    plant.expectRecovery();
+    plant.expectNoWrongValue();
+    tellFigures("oldest value of the others " + std::to_string(oldest.count()) + " ms of " +
+                std::to_string(allowed.count()) + ", a timer up to " + std::to_string(late.count()) +
+                " ms late, " + plant.figuresText() + ", " + commands.figuresText());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    With, DeadStation,
+    testing::Values(Times{"TimeOutsShorterThanPeriodsInDataMode", LineType::SerialDataMode, 1s, 400ms},
+                    Times{"TimeOutsShorterThanPeriodsInBreakMode", LineType::SerialBreakMode, 1s, 400ms},
+                    Times{"TimeOutsLongerThanPeriods", LineType::SerialDataMode, 200ms, 600ms}),
+    [](const auto& times) { return std::string(times.param.name); });
