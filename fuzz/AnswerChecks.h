@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Checksum.h"
 #include "CommandCode.h"
 #include "Decoding.h"
 #include "FuzzInput.h"
@@ -9,33 +10,12 @@
 // What the fuzz targets of both framings need: an answer, as it comes or with its checksum made right so that
 // the fuzzer gets past it, and a reading of it that shares no code with the product's.
 
-inline std::uint16_t referenceChecksum(const QByteArray& bytes) {
-    std::uint32_t remainder = 0;
-    for (const char character : bytes)
-        for (int bit = 7; bit >= 0; --bit) {
-            const std::uint32_t in = static_cast<std::uint8_t>(character) >> bit & 1U;
-            const std::uint32_t out = remainder >> 15 & 1U;
-            remainder = (remainder << 1 & 0xFFFFU) ^ ((in ^ out) != 0 ? 0x1021U : 0U);
-        }
-    return static_cast<std::uint16_t>(remainder);
-}
-
-inline bool endsWithItsChecksum(const QByteArray& telegram) {
-    if (telegram.size() < 2)
-        return false;
-    const std::uint16_t checksum = referenceChecksum(telegram.left(telegram.size() - 2));
-    return telegram.at(telegram.size() - 2) == static_cast<char>(checksum >> 8) &&
-           telegram.at(telegram.size() - 1) == static_cast<char>(checksum & 0xFF);
-}
-
 inline QByteArray takeAnswer(FuzzInput& input, bool makesChecksumRight) {
     const QByteArray bytes(reinterpret_cast<const char*>(input.rest()), static_cast<int>(input.restSize()));
     if (!makesChecksumRight)
         return bytes;
     QByteArray right = bytes;
-    const std::uint16_t checksum = referenceChecksum(bytes);
-    right.append(static_cast<char>(checksum >> 8));
-    right.append(static_cast<char>(checksum & 0xFF));
+    appendReferenceChecksum(right);
     return right;
 }
 

@@ -20,6 +20,7 @@ public:
         const unsigned high = byte();
         return static_cast<std::uint16_t>(high << 8 | byte());
     }
+    bool isEmpty() const { return left == 0; }
 
     const std::uint8_t* rest() const { return next; }
     std::size_t restSize() const { return left; }
