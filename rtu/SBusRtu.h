@@ -54,6 +54,7 @@ private:
     QList<SBusRequestItem> buildStatusItems(const QList<StatusPoint*>& statusPoints);
     SBusRequest requestOf(const QString& name, const QList<SBusRequestItem>& items);
     void submitCommand(const QString& name, const QList<SBusRequestItem>& items, CReply* reply);
+    void putStatus(unsigned pointNumber, QStringView elementNumber, char value);
     void schedulePulseRelease(const StatusPoint& point, const SBusRequestItem& switchOn);
     // Null for a kind that is no poll. A poll that was never built has no RTU.
     const SBusRequest* preparedPollOf(int kind) const;

@@ -2,6 +2,7 @@
 
 #include "SBusRtu.h"
 
+#include "ElementWalk.h"
 #include "SaiaFloat.h"
 #include "WriteItems.h"
 
@@ -21,34 +22,32 @@ double analogValue(int raw, const QString& media, const AnalogPoint& point) {
 // Of the second address only the number is compared, and the value put for it is the one that was read at
 // the first: what stands at a second address of its own is never put.
 void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QList<quint8>& bits) {
-    for (int i = 0; i < bits.size(); ++i) {
-        const QString number = QString::number(start + static_cast<quint32>(i), 10);
-        const auto value = static_cast<char>(bits.at(i));
-        const auto found = statusIndex.constFind(media + number);
-        if (found == statusIndex.cend())
-            continue;
-        for (const unsigned pointNumber : *found) {
-            const StatusPoint* const point = GetPointList()->GetStatusPoint(pointNumber);
-            if (point == nullptr)
-                continue;
-            if (point->firstAddressNumber == number)
-                PutStatusPoint(false, pointNumber, value, 0, stamp.now(), true);
-            if (point->secondAddressNumber == number)
-                PutStatusPoint(false, pointNumber, value, 0, stamp.now(), false);
-        }
+    sbus::ElementWalk walk(statusIndex, media, start);
+    for (const quint8 bit : bits) {
+        if (const QList<unsigned>* const numbers = walk.points())
+            for (const unsigned pointNumber : *numbers)
+                putStatus(pointNumber, walk.number(), static_cast<char>(bit));
+        walk.next();
     }
 }
 
+void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char value) {
+    const StatusPoint* const point = GetPointList()->GetStatusPoint(pointNumber);
+    if (point == nullptr)
+        return;
+    if (point->firstAddressNumber == elementNumber)
+        PutStatusPoint(false, pointNumber, value, 0, stamp.now(), true);
+    if (point->secondAddressNumber == elementNumber)
+        PutStatusPoint(false, pointNumber, value, 0, stamp.now(), false);
+}
+
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
-    for (int i = 0; i < words.size(); ++i) {
-        const QString key = media + QString::number(start + static_cast<quint32>(i), 10);
-        const auto found = analogIndex.constFind(key);
-        if (found == analogIndex.cend())
-            continue;
-        for (const unsigned pointNumber : *found) {
-            const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber);
-            if (point != nullptr)
-                PutAnalogPoint(false, pointNumber, analogValue(words.at(i), media, *point), 0, stamp.now());
-        }
+    sbus::ElementWalk walk(analogIndex, media, start);
+    for (const int word : words) {
+        if (const QList<unsigned>* const numbers = walk.points())
+            for (const unsigned pointNumber : *numbers)
+                if (const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber))
+                    PutAnalogPoint(false, pointNumber, analogValue(word, media, *point), 0, stamp.now());
+        walk.next();
     }
 }
