@@ -8,9 +8,9 @@
 
 namespace {
 
-double analogValue(int raw, const QString& media, const AnalogPoint& point) {
+double analogValue(int raw, bool isTimer, const QString& media, const AnalogPoint& point) {
     const auto word = static_cast<quint32>(raw);
-    if (media == QLatin1String("T"))
+    if (isTimer)
         return word;
     if (sbus::isFloatRegister(media, point.dataType))
         return sbus::decodeSaiaFloat(word);
@@ -42,12 +42,14 @@ void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char va
 }
 
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
+    const bool isTimer = media == QLatin1String("T");
     sbus::ElementWalk walk(analogIndex, media, start);
     for (const int word : words) {
         if (const QList<unsigned>* const numbers = walk.points())
             for (const unsigned pointNumber : *numbers)
                 if (const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber))
-                    PutAnalogPoint(false, pointNumber, analogValue(word, media, *point), 0, stamp.now());
+                    PutAnalogPoint(false, pointNumber, analogValue(word, isTimer, media, *point), 0,
+                                   stamp.now());
         walk.next();
     }
 }
