@@ -22,6 +22,7 @@ double analogValue(int raw, bool isTimer, const QString& media, const AnalogPoin
 // Of the second address only the number is compared, and the value put for it is the one that was read at
 // the first: what stands at a second address of its own is never put.
 void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QList<quint8>& bits) {
+    stamp.renew();
     sbus::ElementWalk walk(statusIndex, media, start);
     for (const quint8 bit : bits) {
         if (const QList<unsigned>* const numbers = walk.points())
@@ -36,20 +37,21 @@ void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char va
     if (point == nullptr)
         return;
     if (point->firstAddressNumber == elementNumber)
-        PutStatusPoint(false, pointNumber, value, 0, stamp.now(), true);
+        PutStatusPoint(false, pointNumber, value, 0, stamp.value(), true);
     if (point->secondAddressNumber == elementNumber)
-        PutStatusPoint(false, pointNumber, value, 0, stamp.now(), false);
+        PutStatusPoint(false, pointNumber, value, 0, stamp.value(), false);
 }
 
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
     const bool isTimer = media == QLatin1String("T");
+    stamp.renew();
     sbus::ElementWalk walk(analogIndex, media, start);
     for (const int word : words) {
         if (const QList<unsigned>* const numbers = walk.points())
             for (const unsigned pointNumber : *numbers)
                 if (const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber))
                     PutAnalogPoint(false, pointNumber, analogValue(word, isTimer, media, *point), 0,
-                                   stamp.now());
+                                   stamp.value());
         walk.next();
     }
 }
