@@ -2,9 +2,17 @@
 
 #include <algorithm>
 
+CRtu::Values::Entry& CRtu::Values::Entries::of(unsigned number) {
+    if (Entry* const entry = table.find(number))
+        return *entry;
+    Entry& entry = byNumber[number];
+    table.enter(number, &entry, byNumber.size());
+    return entry;
+}
+
 void CRtu::Values::stageStatus(unsigned number, double value, const CMidTime& stamp, bool first) {
     const std::lock_guard<std::mutex> lock(mutex);
-    Entry& entry = statusEntries[number];
+    Entry& entry = statusEntries.of(number);
     if (!first && entry.firstAddressSeen)
         return;
     entry.firstAddressSeen = first;
@@ -13,7 +21,7 @@ void CRtu::Values::stageStatus(unsigned number, double value, const CMidTime& st
 
 void CRtu::Values::stageAnalog(unsigned number, double value, const CMidTime& stamp) {
     const std::lock_guard<std::mutex> lock(mutex);
-    stage(analogEntries[number], {true, number, value, stamp, PointQuality::Good});
+    stage(analogEntries.of(number), {true, number, value, stamp, PointQuality::Good});
 }
 
 void CRtu::Values::stage(Entry& entry, const PointUpdate& update) {
@@ -26,12 +34,12 @@ void CRtu::Values::stage(Entry& entry, const PointUpdate& update) {
 
 QVector<PointUpdate> CRtu::Values::publishStaged() {
     const std::lock_guard<std::mutex> lock(mutex);
-    QVector<PointUpdate> updates;
-    updates.reserve(static_cast<int>(staged.size()));
+    QVector<PointUpdate> updates(static_cast<int>(staged.size()));
+    PointUpdate* update = updates.data();
     for (Entry* entry : staged) {
         entry->published = entry->staged;
         entry->isStaged = false;
-        updates << entry->published;
+        *update++ = entry->published;
     }
     anyGood = anyGood || !staged.empty();
     staged.clear();
@@ -53,7 +61,7 @@ QVector<PointUpdate> CRtu::Values::turnBad() {
 }
 
 void CRtu::Values::collectBad(Entries& entries, QVector<PointUpdate>& changed) {
-    for (auto& [number, entry] : entries) {
+    for (auto& [number, entry] : entries.byNumber) {
         if (entry.published.quality != PointQuality::Good)
             continue;
         entry.published.quality = PointQuality::Bad;
@@ -72,8 +80,8 @@ QVector<PointUpdate> CRtu::Values::states(const CPointList& points) const {
 }
 
 PointUpdate CRtu::Values::stateOf(const Entries& entries, unsigned number, bool analog) {
-    const auto found = entries.find(number);
-    if (found != entries.end() && found->second.published.quality != PointQuality::NeverRead)
+    const auto found = entries.byNumber.find(number);
+    if (found != entries.byNumber.end() && found->second.published.quality != PointQuality::NeverRead)
         return found->second.published;
     PointUpdate neverRead;
     neverRead.analog = analog;

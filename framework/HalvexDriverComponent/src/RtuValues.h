@@ -1,5 +1,7 @@
 #pragma once
 
+#include "NumberTable.h"
+
 #include <HalvexDriverComponent/CRtu.h>
 
 #include <mutex>
@@ -35,7 +37,13 @@ private:
         bool isStaged = false;
         bool firstAddressSeen = false;
     };
-    using Entries = std::unordered_map<unsigned, Entry>;
+    // One for each point that was put at least once.
+    struct Entries {
+        Entry& of(unsigned number);
+
+        std::unordered_map<unsigned, Entry> byNumber;
+        NumberTable<Entry> table;
+    };
 
     void stage(Entry& entry, const PointUpdate& update);
     static void collectBad(Entries& entries, QVector<PointUpdate>& changed);
