@@ -8,8 +8,14 @@
 
 #include <QMap>
 
+#include <memory>
+
 class SBusDelayedQueue;
 class SBusProtocolBase;
+
+namespace sbus {
+class ElementFinder;
+}
 
 // One Saia PCD station. Keeps the three polls ready, hands copies of them to the channel's engine when the
 // host asks, puts the values that come back into the host's points, and makes requests of its commands.
@@ -67,6 +73,8 @@ private:
     SBusRequest integrityPoll;
     PointIndex analogIndex;
     PointIndex statusIndex;
+    const std::unique_ptr<sbus::ElementFinder> analogFinder; // the channel's thread, once the polls are built
+    const std::unique_ptr<sbus::ElementFinder> statusFinder;
     ValueStamp stamp; // the channel's thread
     SBusDelayedQueue* delayedQueue = nullptr;
 };

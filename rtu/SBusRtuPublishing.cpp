@@ -2,7 +2,7 @@
 
 #include "SBusRtu.h"
 
-#include "ElementWalk.h"
+#include "ElementFinder.h"
 #include "SaiaFloat.h"
 #include "WriteItems.h"
 
@@ -23,13 +23,12 @@ double analogValue(int raw, bool isTimer, const QString& media, const AnalogPoin
 // the first: what stands at a second address of its own is never put.
 void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QList<quint8>& bits) {
     stamp.renew();
-    sbus::ElementWalk walk(statusIndex, media, start);
-    for (const quint8 bit : bits) {
-        if (const QList<unsigned>* const numbers = walk.points())
+    const auto& found = statusFinder->find(media, start, bits.size());
+    sbus::ElementKey key(media, start);
+    for (int i = 0; i < bits.size(); ++i, key.next())
+        if (const QList<unsigned>* const numbers = found.at(i))
             for (const unsigned pointNumber : *numbers)
-                putStatus(pointNumber, walk.number(), static_cast<char>(bit));
-        walk.next();
-    }
+                putStatus(pointNumber, key.number(), static_cast<char>(bits.at(i)));
 }
 
 void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char value) {
@@ -45,13 +44,14 @@ void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char va
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
     const bool isTimer = media == QLatin1String("T");
     stamp.renew();
-    sbus::ElementWalk walk(analogIndex, media, start);
-    for (const int word : words) {
-        if (const QList<unsigned>* const numbers = walk.points())
-            for (const unsigned pointNumber : *numbers)
-                if (const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber))
-                    PutAnalogPoint(false, pointNumber, analogValue(word, isTimer, media, *point), 0,
-                                   stamp.value());
-        walk.next();
+    const auto& found = analogFinder->find(media, start, words.size());
+    for (int i = 0; i < words.size(); ++i) {
+        const QList<unsigned>* const numbers = found.at(i);
+        if (numbers == nullptr)
+            continue;
+        for (const unsigned pointNumber : *numbers)
+            if (const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber))
+                PutAnalogPoint(false, pointNumber, analogValue(words.at(i), isTimer, media, *point), 0,
+                               stamp.value());
     }
 }
