@@ -68,7 +68,7 @@ BENCHMARK_CAPTURE(serialPolls, data, dataMode, 19'200, 5)
     ->Name("SerialLine/data/19200")
     ->Iterations(1)
     ->UseManualTime();
-BENCHMARK_CAPTURE(serialPolls, data, dataMode, 115'200, 10)
+BENCHMARK_CAPTURE(serialPolls, data, dataMode, 115'200, 20)
     ->Name("SerialLine/data/115200")
     ->Iterations(1)
     ->UseManualTime();
@@ -76,7 +76,7 @@ BENCHMARK_CAPTURE(serialPolls, break, breakMode, 19'200, 5)
     ->Name("SerialLine/break/19200")
     ->Iterations(1)
     ->UseManualTime();
-BENCHMARK_CAPTURE(serialPolls, break, breakMode, 115'200, 10)
+BENCHMARK_CAPTURE(serialPolls, break, breakMode, 115'200, 20)
     ->Name("SerialLine/break/115200")
     ->Iterations(1)
     ->UseManualTime();
