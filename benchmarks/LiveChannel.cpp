@@ -3,6 +3,7 @@
 #include <HalvexDriverComponent/CRtu.h>
 
 #include <chrono>
+#include <stdexcept>
 #include <thread>
 
 LiveChannel::LiveChannel(HalvexDriverCoreInterface& core, int id, Halvex::CommTypeCode type,
@@ -33,6 +34,10 @@ LiveChannel::~LiveChannel() {
 }
 
 void LiveChannel::waitForConnection() const {
-    while (!channel.IsConnect())
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!channel.IsConnect()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            throw std::runtime_error("a channel does not connect; are there descriptors left for its link?");
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 }

@@ -19,6 +19,7 @@ public:
     LiveChannel(const LiveChannel&) = delete;
     LiveChannel& operator=(const LiveChannel&) = delete;
 
+    // Throws when it takes absurdly long.
     void waitForConnection() const;
 
 private:

@@ -9,6 +9,7 @@ import json
 import pathlib
 import platform
 import re
+import resource
 import subprocess
 import sys
 import tempfile
@@ -116,6 +117,8 @@ def channel_rows(slow):
 
 def main():
     first_line = machine()
+    _, most = resource.getrlimit(resource.RLIMIT_NOFILE)
+    resource.setrlimit(resource.RLIMIT_NOFILE, (most, most))  # 1,000 channels need 4,000 descriptors
     quick, slow = medians(QUICK, QUICK_ROUNDS), medians("SerialLine|Channels", SLOW_ROUNDS)
     sections = (("**Ethernet, over the loopback: one poll telegram**", ethernet_rows(quick)),
                 ("**Serial, bytes paced by the simulator**", serial_rows(slow)),
