@@ -114,12 +114,10 @@ int CLinkUdp::send(const char* data, int length, int timeoutMs) {
         const asio::const_buffer telegram(data, static_cast<std::size_t>(length));
         Clock::time_point begun = Clock::now();
         const Clock::time_point deadline = begun + std::chrono::milliseconds(std::max(timeoutMs, 0));
-        WaitLoop::Outcome outcome;
-        for (int i = 0; i < sendAttempts; ++i) {
+        WaitLoop::Outcome outcome = socket->send(end, telegram, deadline);
+        for (int i = 1; i < sendAttempts && isAbsence(outcome.error); ++i) {
             begun = Clock::now();
             outcome = socket->send(end, telegram, deadline);
-            if (!isAbsence(outcome.error))
-                break;
         }
         // A controller that is reported absent each time shows as silence, like any absent one.
         if (outcome.error && !isAbsence(outcome.error))
