@@ -26,3 +26,12 @@ void BenchChannel::addRegisters(unsigned count) {
         ownRtu->GetPointList()->AddAnalogPoint(point);
     }
 }
+
+void BenchChannel::addFlags(unsigned count) {
+    for (unsigned number = 0; number < count; ++number) {
+        StatusPoint point;
+        point.number = number + 1;
+        point.firstAddress = QStringLiteral("F%1").arg(number);
+        ownRtu->GetPointList()->AddStatusPoint(point);
+    }
+}

@@ -19,6 +19,8 @@ public:
     SBusRtu& rtu() { return *ownRtu; }
     // `count` integer registers from R0 on, numbered from 1.
     void addRegisters(unsigned count);
+    // `count` flags from F0 on, numbered from 1.
+    void addFlags(unsigned count);
 
 protected:
     void run() override {}

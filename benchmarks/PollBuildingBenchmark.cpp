@@ -1,4 +1,5 @@
 #include "BenchChannel.h"
+#include "HeapUse.h"
 
 #include <benchmark/benchmark.h>
 
@@ -8,14 +9,21 @@
 namespace {
 
 void buildsPolls(benchmark::State& state) {
+    const std::size_t before = heapBytes();
     BenchChannel channel;
     channel.addRegisters(static_cast<unsigned>(state.range(0)));
+    const std::size_t listed = heapBytes();
+    channel.rtu().InitRtu();
+    const std::size_t built = heapBytes();
     while (state.KeepRunning()) {
         state.PauseTiming();
         channel.rtu().GetPointList()->RestoreAnalogPoints();
         state.ResumeTiming();
         channel.rtu().InitRtu();
     }
+    const auto points = static_cast<double>(state.range(0));
+    state.counters["bytes_per_listed_point"] = static_cast<double>(listed - before) / points;
+    state.counters["bytes_per_polled_point"] = static_cast<double>(built - before) / points;
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(buildsPolls)->Name("PollBuilding/points")->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);

@@ -139,8 +139,10 @@ void SBusProtocolBase::publish(const SBusRequest& request, const SBusRequestItem
 }
 
 void SBusProtocolBase::logFrame(int channelId, int rtuId, PacketType type, const char* bytes, int length) {
-    for (const QString& line : sbus::hexDump(bytes, length))
-        CLogger::GetInstance()->writeConPacket(channelId, rtuId, type, line, false);
+    CLogger* const logger = CLogger::GetInstance();
+    sbus::HexDump dump(bytes, length);
+    while (dump.next())
+        logger->writeConPacket(channelId, rtuId, type, dump.line(), false);
 }
 
 unsigned SBusProtocolBase::sendFrame(const SBusRequest& request, const QByteArray& frame) {

@@ -1,5 +1,6 @@
 #include "SBusRtu.h"
 
+#include "ElementFinder.h"
 #include "PointRecords.h"
 #include "ReadItems.h"
 #include "SBusProtocolBase.h"
@@ -34,7 +35,9 @@ QList<SBusRequestItem> readItemsOf(const ElementsByMedia& table) {
 } // namespace
 
 SBusRtu::SBusRtu(CChannel* owner, HalvexDriverCoreInterface* coreInterface, const RemoteTerminalUnit& rtu)
-    : CRtu(coreInterface, owner, rtu), channel(owner) {}
+    : CRtu(coreInterface, owner, rtu), channel(owner),
+      analogFinder(std::make_unique<sbus::ElementFinder>(analogIndex)),
+      statusFinder(std::make_unique<sbus::ElementFinder>(statusIndex)) {}
 
 SBusRtu::~SBusRtu() = default;
 
@@ -114,6 +117,7 @@ void SBusRtu::buildPollTable() {
 QList<SBusRequestItem> SBusRtu::buildAnalogItems(const QList<AnalogPoint*>& analogPoints) {
     ElementsByMedia media;
     analogIndex.clear();
+    analogFinder->forget();
     for (AnalogPoint* const point : analogPoints) {
         const sbus::PointAddress address = sbus::parseAnalogAddress(*point);
         addElement(media, address);
@@ -126,6 +130,7 @@ QList<SBusRequestItem> SBusRtu::buildAnalogItems(const QList<AnalogPoint*>& anal
 QList<SBusRequestItem> SBusRtu::buildStatusItems(const QList<StatusPoint*>& statusPoints) {
     ElementsByMedia media;
     statusIndex.clear();
+    statusFinder->forget();
     for (StatusPoint* const point : statusPoints) {
         for (const sbus::PointAddress& address : sbus::parseStatusAddresses(*point))
             addElement(media, address);

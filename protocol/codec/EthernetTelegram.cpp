@@ -4,6 +4,7 @@
 #include "Telegram.h"
 
 #include <QDataStream>
+#include <QtEndian>
 
 namespace sbus::ethernet {
 namespace {
@@ -24,19 +25,22 @@ QByteArray framed(const QByteArray& body, quint16 sequence) {
     return frame;
 }
 
-struct Header {
-    qint32 length = 0;
-    quint8 version = 0;
-    quint8 protocolType = 0;
-    quint16 sequence = 0;
-    quint8 attribute = 0;
-};
+constexpr int sequenceOffset = 6; // behind length, version and protocol type
+constexpr int attributeOffset = 8;
 
-Header headerOf(const QByteArray& telegram) {
-    Header header;
-    QDataStream stream(telegram);
-    stream >> header.length >> header.version >> header.protocolType >> header.sequence >> header.attribute;
-    return header;
+// 0 where the telegram ends before the field does.
+template <typename Number>
+Number numberAt(const QByteArray& telegram, int offset) {
+    const bool isThere = telegram.size() >= offset + static_cast<int>(sizeof(Number));
+    return isThere ? qFromBigEndian<Number>(telegram.constData() + offset) : Number{0};
+}
+
+quint16 sequenceOf(const QByteArray& telegram) {
+    return numberAt<quint16>(telegram, sequenceOffset);
+}
+
+quint8 attributeOf(const QByteArray& telegram) {
+    return numberAt<quint8>(telegram, attributeOffset);
 }
 
 // The code stands in the two bytes before the checksum. An acknowledge too short to hold one is answered
@@ -44,11 +48,7 @@ Header headerOf(const QByteArray& telegram) {
 quint16 acknowledgeCodeOf(const QByteArray& telegram) {
     constexpr int codeSize = 2;
     const int offset = telegram.size() - checksumSize - codeSize;
-    if (offset < headerSize)
-        return 0xFFFF;
-    quint16 code = 0;
-    QDataStream(telegram.mid(offset, codeSize)) >> code;
-    return code;
+    return offset < headerSize ? quint16{0xFFFF} : numberAt<quint16>(telegram, offset);
 }
 
 AnswerCheck checkChecksum(const QByteArray& telegram) {
@@ -75,27 +75,27 @@ bool carriesSequence(quint32 command) {
 }
 
 qint32 announcedLength(const QByteArray& bytes) {
-    return headerOf(bytes).length;
+    return numberAt<qint32>(bytes, 0);
 }
 
 AnswerCheck checkReadAnswer(const QByteArray& telegram, quint16 expectedSequence) {
     using Result = AnswerCheck::Result;
-    const Header header = headerOf(telegram);
-    if (header.sequence != expectedSequence)
+    if (sequenceOf(telegram) != expectedSequence)
         return {Result::InvalidSequence};
-    if (header.attribute == responseAttribute)
+    const unsigned attribute = attributeOf(telegram);
+    if (attribute == responseAttribute)
         return checkChecksum(telegram);
-    const unsigned code = header.attribute == acknowledgeAttribute ? acknowledgeCodeOf(telegram) : 0U;
-    return {Result::AcknowledgeError, code != 0 ? code : header.attribute};
+    const unsigned code = attribute == acknowledgeAttribute ? acknowledgeCodeOf(telegram) : 0U;
+    return {Result::AcknowledgeError, code != 0 ? code : attribute};
 }
 
 AnswerCheck checkWriteAnswer(const QByteArray& telegram, quint16 expectedSequence) {
     using Result = AnswerCheck::Result;
-    const Header header = headerOf(telegram);
-    if (header.sequence != expectedSequence)
+    if (sequenceOf(telegram) != expectedSequence)
         return {Result::InvalidSequence};
-    if (header.attribute != acknowledgeAttribute)
-        return {Result::AcknowledgeError, header.attribute};
+    const unsigned attribute = attributeOf(telegram);
+    if (attribute != acknowledgeAttribute)
+        return {Result::AcknowledgeError, attribute};
     if (const quint16 code = acknowledgeCodeOf(telegram))
         return {Result::AcknowledgeError, code};
     return checkChecksum(telegram);

@@ -1,26 +1,28 @@
 #include "HexDump.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace sbus {
 
-QStringList hexDump(const char* bytes, int length) {
-    constexpr int bytesInLine = 18;
+HexDump::HexDump(const char* dumpedBytes, int length) : at(dumpedBytes), end(dumpedBytes + length) {}
+
+bool HexDump::next() {
+    constexpr std::ptrdiff_t bytesInLine = 18;
     constexpr int charactersOfByte = 3;
     constexpr char digits[] = "0123456789ABCDEF";
-    QStringList lines;
-    int at = 0;
-    do {
-        const int end = qMin(at + bytesInLine, length);
-        QString line((end - at) * charactersOfByte, Qt::Uninitialized);
-        QChar* character = line.data(); // every telegram goes through here, whether or not somebody looks
-        for (; at < end; ++at) {
-            const auto byte = static_cast<quint8>(bytes[at]);
-            *character++ = QLatin1Char(digits[byte >> 4]);
-            *character++ = QLatin1Char(digits[byte & 0x0F]);
-            *character++ = QLatin1Char(' ');
-        }
-        lines.append(line);
-    } while (at < length);
-    return lines;
+    if (begun && at == end)
+        return false;
+    begun = true;
+    const char* const lineEnd = at + std::min(bytesInLine, end - at);
+    text.resize(static_cast<int>(lineEnd - at) * charactersOfByte);
+    for (QChar* character = text.data(); at != lineEnd; ++at) {
+        const auto byte = static_cast<quint8>(*at);
+        *character++ = QLatin1Char(digits[byte >> 4]);
+        *character++ = QLatin1Char(digits[byte & 0x0F]);
+        *character++ = QLatin1Char(' ');
+    }
+    return true;
 }
 
 } // namespace sbus

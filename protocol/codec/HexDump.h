@@ -1,10 +1,27 @@
 #pragma once
 
-#include <QStringList>
+#include <QString>
 
 namespace sbus {
 
-// Upper-case hex, 18 bytes a line, one blank after each byte. No bytes give one empty line.
-QStringList hexDump(const char* bytes, int length);
+// The lines of a hex dump: upper-case, 18 bytes a line, one blank after each byte. No bytes give one empty
+// line. Every telegram is dumped, whether or not somebody looks: so the lines are made one by one in the same
+// place.
+class HexDump {
+public:
+    // The bytes must stay until the last line is made.
+    HexDump(const char* dumpedBytes, int length);
+
+    // Makes the next line; false behind the last one.
+    bool next();
+    // Good until the next one is made.
+    const QString& line() const { return text; }
+
+private:
+    const char* at;
+    const char* const end;
+    bool begun = false;
+    QString text;
+};
 
 } // namespace sbus

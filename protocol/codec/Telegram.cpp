@@ -3,20 +3,27 @@
 #include "CommandCode.h"
 
 #include <QDataStream>
+#include <QtEndian>
 
 namespace sbus {
 namespace {
 
+// The eight shift steps of a byte are made at once: what is shifted out at the top comes back at the bits 12,
+// 5 and 0 of the polynomial, so it reaches the top again four steps later at the earliest. One after the
+// other the steps of a long answer take 8 us, a fifth of its way over the loopback.
 quint16 checksumOf(const char* bytes, int length) {
-    constexpr quint32 polynomial = 0x1021;
-    constexpr quint32 topBit = 0x8000;
     quint32 crc = 0;
     for (int i = 0; i < length; ++i) {
-        crc ^= static_cast<quint32>(static_cast<quint8>(bytes[i])) << 8;
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & topBit) != 0 ? (crc << 1) ^ polynomial : crc << 1;
+        quint32 fedBack = ((crc >> 8) ^ static_cast<quint8>(bytes[i])) & 0xFF;
+        fedBack ^= fedBack >> 4;
+        crc = (crc << 8) ^ (fedBack << 12) ^ (fedBack << 5) ^ fedBack;
     }
     return static_cast<quint16>(crc);
+}
+
+// High byte first.
+quint16 checksumAt(const char* bytes) {
+    return qFromBigEndian<quint16>(bytes);
 }
 
 void writeRaw(QDataStream& stream, const QByteArray& data) {
@@ -38,8 +45,9 @@ void appendChecksum(QByteArray& frame) {
 }
 
 bool hasValidChecksum(const QByteArray& telegram) {
-    return telegram.size() >= checksumSize &&
-           telegram.right(checksumSize) == crc16(telegram.left(telegram.size() - checksumSize));
+    const int covered = telegram.size() - checksumSize;
+    return covered >= 0 &&
+           checksumOf(telegram.constData(), covered) == checksumAt(telegram.constData() + covered);
 }
 
 QByteArray readBody(const SBusRequestItem& item, int station) {

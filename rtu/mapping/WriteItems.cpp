@@ -55,7 +55,7 @@ SBusRequestItem writeItem(const QString& media, int address, quint32 count, cons
 }
 
 bool isFloatRegister(const QString& media, unsigned dataType) {
-    return media == QLatin1String("R") && dataType == static_cast<unsigned>(Halvex::PointDataType::Float);
+    return dataType == static_cast<unsigned>(Halvex::PointDataType::Float) && media == QLatin1String("R");
 }
 
 QByteArray setPointData(const QString& media, unsigned dataType, double value) {

@@ -29,6 +29,13 @@ TEST(Checksum, AgreesWithAnotherWayOfWorkingItOutForEveryByteValueAtEveryPlace) 
         }
 }
 
+TEST(Checksum, AgreesWithAnotherWayOfWorkingItOutAfterEveryTwoBytes) {
+    for (int value = 0; value < 0x10000; ++value) {
+        const QByteArray bytes = bigEndian16(static_cast<quint16>(value)) + hex("00");
+        ASSERT_EQ(toHex(sbus::crc16(bytes)), toHex(bigEndian16(referenceChecksum(bytes)))) << toHex(bytes);
+    }
+}
+
 TEST(Checksum, IsAppendedBehindAllThatTheFrameHolds) {
     QByteArray frame = hex("B5 00 01 02 08 00 64");
     sbus::appendChecksum(frame);

@@ -6,8 +6,16 @@
 
 namespace {
 
+QStringList dumpOf(const char* bytes, int length) {
+    QStringList lines;
+    sbus::HexDump dump(bytes, length);
+    while (dump.next())
+        lines << dump.line();
+    return lines;
+}
+
 QStringList dumpOf(const QByteArray& bytes) {
-    return sbus::hexDump(bytes.constData(), bytes.size());
+    return dumpOf(bytes.constData(), bytes.size());
 }
 
 const QString eighteenZeros = QString("00 ").repeated(18);
@@ -20,7 +28,7 @@ TEST(HexDump, EachByteIsTwoUpperCaseDigitsAndABlank) {
 
 TEST(HexDump, NoBytesGiveOneEmptyLine) {
     EXPECT_EQ(dumpOf({}), QStringList{""});
-    EXPECT_EQ(sbus::hexDump(nullptr, 0), QStringList{""});
+    EXPECT_EQ(dumpOf(nullptr, 0), QStringList{""});
 }
 
 TEST(HexDump, EighteenBytesFitOnOneLine) {
@@ -37,4 +45,13 @@ TEST(HexDump, ThirtySixBytesAreTwoFullLines) {
 
 TEST(HexDump, BytesAboveHexSevenFAreNotSignExtended) {
     EXPECT_EQ(dumpOf(hex("80 FF")), QStringList{"80 FF "});
+}
+
+TEST(HexDump, ALineThatWasKeptStaysAsItWas) {
+    const QByteArray bytes = QByteArray(18, '\0') + hex("FE");
+    sbus::HexDump dump(bytes.constData(), bytes.size());
+    ASSERT_TRUE(dump.next());
+    const QString kept = dump.line();
+    ASSERT_TRUE(dump.next());
+    EXPECT_EQ(kept, eighteenZeros);
 }

@@ -35,6 +35,31 @@ TEST(CPointList, FindsPointsByNumberAndKind) {
     EXPECT_EQ(list.GetAnalogPoint(8), nullptr);
 }
 
+TEST(CPointList, FindsPointsHoweverFarApartTheirNumbersAre) {
+    CPointList list;
+    QMap<unsigned, AnalogPoint*> added;
+    // 500 lies far beyond the first points, and in the middle of them in the end.
+    for (const unsigned number : {500U, 4'294'967'295U, 2'147'483'648U, 0U})
+        added[number] = list.AddAnalogPoint(analogPoint(number, "R1"));
+    for (unsigned number = 1; number <= 1000; number += 3)
+        added[number] = list.AddAnalogPoint(analogPoint(number, "R1"));
+    for (auto point = added.cbegin(); point != added.cend(); ++point)
+        EXPECT_EQ(list.GetAnalogPoint(point.key()), point.value()) << point.key();
+    for (const unsigned number : {2U, 498U, 1001U, 2'147'483'647U})
+        EXPECT_EQ(list.GetAnalogPoint(number), nullptr) << number;
+}
+
+TEST(CPointList, FindsNoPointOfAnEmptiedList) {
+    CPointList list;
+    for (const unsigned number : {1U, 4'000'000'000U})
+        list.AddStatusPoint(statusPoint(number, "I1"));
+    list.Clear();
+    EXPECT_EQ(list.GetStatusPoint(1), nullptr);
+    EXPECT_EQ(list.GetStatusPoint(4'000'000'000U), nullptr);
+    StatusPoint* const added = list.AddStatusPoint(statusPoint(1, "F9"));
+    EXPECT_EQ(list.GetStatusPoint(1), added);
+}
+
 TEST(CPointList, ListsPointsInAscendingNumber) {
     CPointList list;
     for (const unsigned number : {30U, 10U, 20U})

@@ -237,6 +237,21 @@ TEST_F(CRtuValues, NewValueMakesItsOwnPointGoodAgain) {
     EXPECT_EQ(state(12).value, 9.0);
 }
 
+TEST_F(CRtuValues, PointsWithDistantNumbersKeepTheirValuesApart) {
+    for (const unsigned number : {4'294'967'295U, 300U, 2'147'483'648U}) {
+        AnalogPoint point;
+        point.number = number;
+        rtu.GetPointList()->AddAnalogPoint(point);
+        putAnalog(number, number);
+    }
+    putAnalog(300, -1);
+    rtu.PutDatapoints();
+    EXPECT_EQ(state(4'294'967'295U).value, 4'294'967'295.0);
+    EXPECT_EQ(state(2'147'483'648U).value, 2'147'483'648.0);
+    EXPECT_EQ(state(300).value, -1);
+    EXPECT_EQ(state(11).quality, PointQuality::NeverRead);
+}
+
 TEST_F(CRtuValues, FiveThousandPointsArePublishedInOneCall) {
     for (unsigned number = 100; number < 5100; ++number) {
         AnalogPoint point;

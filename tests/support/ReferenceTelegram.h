@@ -9,17 +9,15 @@
 // Telegrams as a controller would write them, worked out apart from the plug-in's own code, so that a
 // mistake there is not met by the same mistake here.
 
-// CRC-16 with polynomial 0x1021 and start value 0, by whole bytes rather than by bits.
+// CRC-16 with polynomial 0x1021 and start value 0, one shift step after the other.
 inline quint16 referenceChecksum(const QByteArray& bytes) {
     unsigned crc = 0;
     for (const char byte : bytes) {
-        crc = ((crc >> 8) | (crc << 8)) & 0xFFFFu;
-        crc ^= static_cast<quint8>(byte);
-        crc ^= (crc & 0xFFu) >> 4;
-        crc ^= (crc << 12) & 0xFFFFu;
-        crc ^= ((crc & 0xFFu) << 5) & 0xFFFFu;
+        crc ^= static_cast<unsigned>(static_cast<quint8>(byte)) << 8;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 0x8000u) != 0 ? (crc << 1) ^ 0x1021u : crc << 1;
     }
-    return static_cast<quint16>(crc);
+    return static_cast<quint16>(crc & 0xFFFFu);
 }
 
 inline QByteArray bigEndian16(unsigned value) {

@@ -2,9 +2,20 @@
 
 #include <algorithm>
 
-void CRtu::Values::stageStatus(unsigned number, double value, const CMidTime& stamp, bool first) {
+CRtu::Values::Entry& CRtu::Values::Entries::of(unsigned number, std::mutex& mutex) {
+    if (Entry* const entry = table.find(number))
+        return *entry;
+    const auto found = byNumber.find(number);
+    if (found != byNumber.end())
+        return found->second;
     const std::lock_guard<std::mutex> lock(mutex);
-    Entry& entry = statusEntries[number];
+    Entry& entry = byNumber[number];
+    table.enter(number, &entry, byNumber.size());
+    return entry;
+}
+
+void CRtu::Values::stageStatus(unsigned number, double value, const CMidTime& stamp, bool first) {
+    Entry& entry = statusEntries.of(number, mutex);
     if (!first && entry.firstAddressSeen)
         return;
     entry.firstAddressSeen = first;
@@ -12,11 +23,11 @@ void CRtu::Values::stageStatus(unsigned number, double value, const CMidTime& st
 }
 
 void CRtu::Values::stageAnalog(unsigned number, double value, const CMidTime& stamp) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    stage(analogEntries[number], {true, number, value, stamp, PointQuality::Good});
+    stage(analogEntries.of(number, mutex), {true, number, value, stamp, PointQuality::Good});
 }
 
 void CRtu::Values::stage(Entry& entry, const PointUpdate& update) {
+    dropIfTurnedBad();
     entry.staged = update;
     if (entry.isStaged)
         return;
@@ -24,14 +35,26 @@ void CRtu::Values::stage(Entry& entry, const PointUpdate& update) {
     staged.push_back(&entry);
 }
 
+// What was staged before the values turned bad is part of what failed.
+void CRtu::Values::dropIfTurnedBad() {
+    const unsigned turns = turnsBad.load(std::memory_order_acquire);
+    if (turns == turnsBadSeen)
+        return;
+    turnsBadSeen = turns;
+    for (Entry* entry : staged)
+        entry->isStaged = false;
+    staged.clear();
+}
+
 QVector<PointUpdate> CRtu::Values::publishStaged() {
     const std::lock_guard<std::mutex> lock(mutex);
-    QVector<PointUpdate> updates;
-    updates.reserve(static_cast<int>(staged.size()));
+    dropIfTurnedBad();
+    QVector<PointUpdate> updates(static_cast<int>(staged.size()));
+    PointUpdate* update = updates.data();
     for (Entry* entry : staged) {
         entry->published = entry->staged;
         entry->isStaged = false;
-        updates << entry->published;
+        *update++ = entry->published;
     }
     anyGood = anyGood || !staged.empty();
     staged.clear();
@@ -40,9 +63,7 @@ QVector<PointUpdate> CRtu::Values::publishStaged() {
 
 QVector<PointUpdate> CRtu::Values::turnBad() {
     const std::lock_guard<std::mutex> lock(mutex);
-    for (Entry* entry : staged)
-        entry->isStaged = false;
-    staged.clear();
+    turnsBad.fetch_add(1, std::memory_order_release);
     QVector<PointUpdate> changed;
     if (anyGood) {
         collectBad(statusEntries, changed);
@@ -53,7 +74,7 @@ QVector<PointUpdate> CRtu::Values::turnBad() {
 }
 
 void CRtu::Values::collectBad(Entries& entries, QVector<PointUpdate>& changed) {
-    for (auto& [number, entry] : entries) {
+    for (auto& [number, entry] : entries.byNumber) {
         if (entry.published.quality != PointQuality::Good)
             continue;
         entry.published.quality = PointQuality::Bad;
@@ -72,8 +93,8 @@ QVector<PointUpdate> CRtu::Values::states(const CPointList& all) const {
 }
 
 PointUpdate CRtu::Values::stateOf(const Entries& entries, unsigned number, bool analog) {
-    const auto found = entries.find(number);
-    if (found != entries.end() && found->second.published.quality != PointQuality::NeverRead)
+    const auto found = entries.byNumber.find(number);
+    if (found != entries.byNumber.end() && found->second.published.quality != PointQuality::NeverRead)
         return found->second.published;
     PointUpdate neverRead;
     neverRead.analog = analog;

@@ -1,14 +1,18 @@
 #pragma once
 
+#include "NumberTable.h"
+
 #include <HalvexDriverComponent/CRtu.h>
 
+#include <atomic>
 #include <mutex>
 #include <unordered_map>
 #include <vector>
 
 // The figures of one RTU, and of each of its points what is staged and what is published.
-// Any thread; `publishing` is taken around a change together with telling the host of it, so that changes
-// reach the host in their order.
+// Staging and publishing on one thread, the channel's, so that a value can be staged without a lock;
+// everything else on any. `publishing` is taken around a change together with telling the host of it, so that
+// changes reach the host in their order.
 class CRtu::Values {
 public:
     // A value that was read under a status point's second address never takes the place of one that was read
@@ -18,7 +22,7 @@ public:
 
     // What is staged becomes the points' good state.
     QVector<PointUpdate> publishStaged();
-    // Drops what is staged; the points that were good until now.
+    // What is staged will never be published; the points that were good until now.
     QVector<PointUpdate> turnBad();
     QVector<PointUpdate> states(const CPointList& all) const;
 
@@ -30,21 +34,33 @@ public:
 
 private:
     struct Entry {
-        PointUpdate published;
+        PointUpdate published; // under the mutex
         PointUpdate staged;
         bool isStaged = false;
         bool firstAddressSeen = false;
     };
-    using Entries = std::unordered_map<unsigned, Entry>;
+    // One for each point that was put at least once.
+    struct Entries {
+        // Takes the mutex for a new one.
+        Entry& of(unsigned number, std::mutex& mutex);
+
+        std::unordered_map<unsigned, Entry> byNumber;
+        NumberTable<Entry> table;
+    };
 
     void stage(Entry& entry, const PointUpdate& update);
+    void dropIfTurnedBad();
     static void collectBad(Entries& entries, QVector<PointUpdate>& changed);
     static PointUpdate stateOf(const Entries& entries, unsigned number, bool analog);
 
     mutable std::mutex mutex;
     Entries statusEntries;
     Entries analogEntries;
-    std::vector<Entry*> staged;
+    std::atomic<unsigned> turnsBad{0}; // changes under the mutex
     bool anyGood = false;
     RtuStatus status;
+
+    // The staging thread's own.
+    std::vector<Entry*> staged;
+    unsigned turnsBadSeen = 0;
 };

@@ -45,7 +45,12 @@ struct CLinkUdp::Socket : LinkEnd<udp::socket> {
         return perform(start, deadline);
     }
 
+    // At once, as a rule; a wait is for a system that has no room for the datagram.
     Outcome send(udp::socket& end, asio::const_buffer buffer, Clock::time_point deadline) {
+        Outcome outcome;
+        outcome.count = end.send(buffer, 0, outcome.error);
+        if (outcome.error != asio::error::would_block)
+            return outcome;
         const auto start = [&](auto handler) { end.async_send(buffer, std::move(handler)); };
         return perform(start, deadline);
     }
@@ -54,10 +59,11 @@ struct CLinkUdp::Socket : LinkEnd<udp::socket> {
     int discard(udp::socket& end) {
         int discarded = 0;
         for (int i = 0; i < mostUnread; ++i) {
-            const Outcome outcome = receive(end, asio::buffer(scrap), Clock::time_point::min());
-            if (outcome.error && !isAbsence(outcome.error))
+            asio::error_code error;
+            const std::size_t count = end.receive(asio::buffer(scrap), 0, error);
+            if (error && !isAbsence(error))
                 break;
-            discarded += static_cast<int>(outcome.count);
+            discarded += static_cast<int>(count);
         }
         return discarded;
     }
@@ -86,6 +92,9 @@ int CLinkUdp::open() {
         // Connected, so that the system itself drops every other sender's datagrams.
         if (!error)
             end.connect(peer, error);
+        // What can be done at once needs no turn of the loop that waits.
+        if (!error)
+            end.non_blocking(true, error);
         return error;
     });
     if (result == 0)
@@ -105,12 +114,10 @@ int CLinkUdp::send(const char* data, int length, int timeoutMs) {
         const asio::const_buffer telegram(data, static_cast<std::size_t>(length));
         Clock::time_point begun = Clock::now();
         const Clock::time_point deadline = begun + std::chrono::milliseconds(std::max(timeoutMs, 0));
-        WaitLoop::Outcome outcome;
-        for (int i = 0; i < sendAttempts; ++i) {
+        WaitLoop::Outcome outcome = socket->send(end, telegram, deadline);
+        for (int i = 1; i < sendAttempts && isAbsence(outcome.error); ++i) {
             begun = Clock::now();
             outcome = socket->send(end, telegram, deadline);
-            if (!isAbsence(outcome.error))
-                break;
         }
         // A controller that is reported absent each time shows as silence, like any absent one.
         if (outcome.error && !isAbsence(outcome.error))
