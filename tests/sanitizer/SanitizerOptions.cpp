@@ -14,3 +14,8 @@ extern "C" const char* __asan_default_options() {
 extern "C" const char* __ubsan_default_options() {
     return "print_stacktrace=1";
 }
+
+// Qt's platform without a screen, on which all tests run, never deletes the screen that it does not have.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libqoffscreen.so\n";
+}
