@@ -30,8 +30,8 @@ TEST_P(DeadStation, OfFiveOnAUdpLinkLeavesTheOthersTimely) {
     shape.stations = 5;
     shape.timeout = GetParam().timeout;
     shape.scan = {1h, GetParam().period, GetParam().period};
-    TaggedPlant plant(shape, through(relay));
     GoodValueAges ages;
+    TaggedPlant plant(shape, through(relay));
     plant.host().listen(ages);
     plant.start();
     plant.controllers().silence(1, dead, true);
