@@ -18,7 +18,7 @@ constexpr unsigned setPoints = 4;
 struct Madness {
     const char* name;
     std::function<std::unique_ptr<LineTrouble>(int line)> make;
-    bool letsPollsSucceed;
+    bool letsPollsSucceed; // else some fail; a busy machine lets others fail as well
 };
 
 // Answers to the reads of flags, registers and set points, with and without the start of Data Mode.
@@ -60,7 +60,10 @@ TEST_P(MadPeer, IsNeverBelievedAndTheLineRecoversFromIt) {
             relay.trouble(line, GetParam().make(line + shape.lines * round));
         plant.awaitRequests(20);
         const TaggedPlant::Figures after = plant.figures();
-        EXPECT_EQ(after.failed == before.failed, GetParam().letsPollsSucceed);
+        if (GetParam().letsPollsSucceed)
+            EXPECT_GT(after.requests - before.requests, after.failed - before.failed);
+        else
+            EXPECT_GT(after.failed, before.failed);
         relay.heal();
         plant.expectFreshValues();
         slowest = std::max(slowest, plant.judge().mostRequestsUntilFresh());
