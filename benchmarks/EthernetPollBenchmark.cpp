@@ -54,7 +54,7 @@ void bareSocket(benchmark::State& state) {
     std::int64_t received = 0;
     while (state.KeepRunning()) {
         socket.send(asio::buffer(request.constData(), static_cast<std::size_t>(request.size())));
-        received += socket.receive(asio::buffer(answer)) > registersInTelegram * 4 ? 1 : 0;
+        received += socket.receive(asio::buffer(answer)) > std::size_t{registersInTelegram} * 4 ? 1 : 0;
     }
     if (received != state.iterations())
         state.SkipWithError("not every request was answered with all of its values");
