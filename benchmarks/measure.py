@@ -10,6 +10,7 @@ import pathlib
 import platform
 import re
 import resource
+import statistics
 import subprocess
 import sys
 import tempfile
@@ -33,12 +34,20 @@ def medians(pattern, rounds):
              "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.1",
              "--benchmark_out_format=json", f"--benchmark_out={out.name}"],
             check=True, stdout=subprocess.DEVNULL)
-        runs = json.load(open(out.name))["benchmarks"]
+        runs = [run for run in json.load(open(out.name))["benchmarks"] if run["run_type"] == "iteration"]
+    figures = {}
     for run in runs:
         if run.get("error_occurred"):
-            print(f"{run['name']}: {run['error_message']}", file=sys.stderr)
-    return {re.sub(r"/(iterations:1|manual_time|real_time)", "", run["run_name"]): run
-            for run in runs if run.get("aggregate_name") == "median"}
+            sys.exit(f"{run['name']}: {run['error_message']}")
+        if run.get("line_share") == 0:
+            print(f"{run['name']}: a poll failed; the machine is too busy to pace the line", file=sys.stderr)
+            continue
+        name = re.sub(r"/(iterations:1|manual_time|real_time)", "", run["run_name"])
+        for key, value in run.items():
+            if isinstance(value, (int, float)):
+                figures.setdefault(name, {}).setdefault(key, []).append(value)
+    return {name: {key: statistics.median(values) for key, values in kept.items()}
+            for name, kept in figures.items()}
 
 
 def instructions(step):
