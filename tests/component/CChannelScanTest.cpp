@@ -59,7 +59,7 @@ TEST_F(CChannelScan, ASilentRtuIsAskedForItsMostFrequentKindAlone) {
         checkAt(time);
     EXPECT_EQ(silent->polls.count(0), 0);
     EXPECT_EQ(silent->polls.count(1), 0);
-    EXPECT_GE(silent->polls.count(2), 8);
+    EXPECT_EQ(silent->polls.count(2), 6); // from 1,000 ms on, its time-out
     EXPECT_EQ(other->polls.count(1), 3);
     EXPECT_EQ(other->polls.count(2), 10);
 
@@ -75,11 +75,22 @@ TEST_F(CChannelScan, ASilentRtuIsAskedForItsMostFrequentKindAlone) {
 TEST_F(CChannelScan, ASilentRtuIsNotAskedWhileItsRequestsEnd) {
     channel.SetLinks(std::make_unique<ScriptedLink>());
     TestRtu* silent = channel.addRtu(1, periods);
+    channel.addRtu(2, periods);
     for (qint64 time = 0; time < 5'000; time += 500) {
         silent->PutRtuStatus(false, false, 0, 0, 0, 1);
         checkAt(time);
     }
     EXPECT_TRUE(silent->polls.isEmpty());
+}
+
+TEST_F(CChannelScan, ASilentRtuThatHasItsLineToItselfIsAskedAsEver) {
+    channel.SetLinks(std::make_unique<ScriptedLink>());
+    TestRtu* silent = channel.addRtu(1, periods);
+    for (const qint64 time : {0, 300, 600}) {
+        silent->PutRtuStatus(false, false, 0, 0, 1, 0);
+        checkAt(time);
+    }
+    EXPECT_EQ(silent->polls, (Kinds{0, 1, 2}));
 }
 
 TEST_F(CChannelScan, DisabledRtuIsNotAsked) {

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 namespace {
 
 // The line's other requests in between, and what a busy machine adds to them. Less than a time-out.
-constexpr auto someTurns = 200ms;
+constexpr auto someTurns = 600ms;
 
 struct Times {
     const char* name;
@@ -30,14 +30,17 @@ TEST_P(DeadStation, OfFiveOnAUdpLinkLeavesTheOthersTimely) {
     shape.stations = 5;
     shape.timeout = GetParam().timeout;
     shape.scan = {1h, GetParam().period, GetParam().period};
-    GoodValueAges ages; // outlives the plant, which tells it of values until its end
+    GoodValueAges ages;
     TaggedPlant plant(shape, through(relay));
     plant.host().listen(ages);
     plant.start();
     plant.controllers().silence(1, dead, true);
+    // Its requests that wait in the driver's table when the station dies take a time-out each, and nobody can
+    // take them back.
+    std::this_thread::sleep_for(3 * shape.timeout);
     CommandLoad commands(plant, dead);
     ages.begin();
-    std::this_thread::sleep_for(count(6s, 60s));
+    std::this_thread::sleep_for(count(5s, 60s));
     const auto oldest = ages.oldestBesides(dead);
     const std::chrono::milliseconds allowed = shape.scan.status + 2 * shape.timeout;
     EXPECT_LE(oldest, allowed + someTurns);
@@ -51,7 +54,7 @@ TEST_P(DeadStation, OfFiveOnAUdpLinkLeavesTheOthersTimely) {
 }
 
 INSTANTIATE_TEST_SUITE_P(With, DeadStation,
-                         testing::Values(Times{"TimeOutsShorterThanPeriods", 1s, 600ms},
-                                         Times{"TimeOutsAsLongAsPeriods", 600ms, 600ms},
-                                         Times{"TimeOutsLongerThanPeriods", 200ms, 600ms}),
+                         testing::Values(Times{"TimeOutsShorterThanPeriods", 2s, 1s},
+                                         Times{"TimeOutsAsLongAsPeriods", 1s, 1s},
+                                         Times{"TimeOutsLongerThanPeriods", 700ms, 1s}),
                          [](const auto& times) { return std::string(times.param.name); });

@@ -104,21 +104,23 @@ void CChannel::CheckScan() {
     scanOverruns += schedule->takeOverruns();
 }
 
+// An RTU that has its line to itself keeps nobody waiting.
 void CChannel::askFor(CRtu& rtu, int kind, qint64 now) {
-    if (rtu.IsSilent() && !(kind == mostFrequentScan(rtu.GetRtuInfo().periods).kind && hasRested(rtu, now)))
+    const bool isBurden = rtus.size() > 1 && rtu.IsSilent();
+    if (isBurden && !(kind == mostFrequentScan(rtu.GetRtuInfo().periods).kind && hasRested(rtu, now)))
         return;
     rtu.RequestPoll(kind, nullptr);
 }
 
-// Whether no request of this RTU has ended for its period and for half a time-out: the others of the line,
-// which take turns with it, need some time.
+// Whether no request of this RTU has ended for its period, and for as long as its last one took from the
+// others.
 bool CChannel::hasRested(const CRtu& rtu, qint64 now) {
     const quint64 requests = rtu.GetRtuStatus().requests;
     const auto [rest, isNew] = rests.try_emplace(&rtu, Rest{requests, now});
     if (!isNew && rest->second.requests != requests)
         rest->second = {requests, now};
     const int periodMs = mostFrequentScan(rtu.GetRtuInfo().periods).periodMs;
-    return now - rest->second.since >= std::max(periodMs, rtu.sessionTimeOut() / 2);
+    return now - rest->second.since >= std::max(periodMs, rtu.sessionTimeOut());
 }
 
 void CChannel::PutCommFailDuration() {
