@@ -19,7 +19,8 @@ public:
     CommandLoad& operator=(const CommandLoad&) = delete;
     ~CommandLoad();
 
-    // Of serial lines: an acknowledge that comes late, or twice, can pass for that of the next command.
+    // Of serial lines: an acknowledge that comes late, or twice, can pass for that of the next command, and
+    // in Break Mode any byte 06.
     void allowLateAcknowledges() { mayBeLate = true; }
     // Waits until the plant has ended so many requests besides the commands.
     void awaitPolls(std::uint64_t count);
