@@ -110,3 +110,10 @@ TEST(SerialAnswer, TheStartIsTakenOffInDataModeOnly) {
     EXPECT_EQ(toHex(sbus::serial::withoutStart(hex("05 02 AA BB"), breakMode)), "05 02 AA BB");
     EXPECT_EQ(toHex(sbus::serial::withoutStart(hex("05 02 AA BB"), otherMode)), "05 02 AA BB");
 }
+
+TEST(SerialAnswer, AnAnswerTooShortForAStartHasAWrongOneInDataMode) {
+    for (const QByteArray& answer : {QByteArray(), hex("B5"), hex("02")}) {
+        EXPECT_EQ(checkReadAnswer(answer, dataMode), ReadAnswer::FrameError);
+        EXPECT_EQ(checkWriteAnswer(answer, dataMode), WriteAnswer::FrameError);
+    }
+}
