@@ -51,3 +51,18 @@ TEST_F(ChannelDisconnect, TakesTheLinkFromTheEngineSoThatCommandsFailAtOnce) {
     EXPECT_EQ(rtu->analogWrite(1, 7, reply), static_cast<int>(DriverErrorResult::Success));
     EXPECT_EQ(reply->wait(0), DriverErrorResult::ChannelError);
 }
+
+// Our own hosts' maps have no empty place; another host's may.
+TEST_F(ChannelDisconnect, PassesOverAnEmptyPlaceAmongTheRtus) {
+    const CRtu* const first = addPollingRtu(1, 5);
+    const CRtu* const last = addPollingRtu(3, 6);
+    auto& places = const_cast<QMap<int, CRtu*>&>(channel->GetRtuMap());
+    places.insert(2, nullptr);
+    setLink();
+    channel->SetCommType(ethernet);
+    EXPECT_TRUE(channel->InitChannel());
+    tellLinkState(*channel, true);
+    EXPECT_TRUE(first->IsConnect());
+    EXPECT_TRUE(last->IsConnect());
+    places.remove(2);
+}

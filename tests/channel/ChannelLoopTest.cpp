@@ -256,3 +256,12 @@ TEST_F(ChannelLoop, EndsOnShutdownWhileItsLinkDoesNotOpen) {
     EXPECT_TRUE(channel->isFinished());
     EXPECT_FALSE(channel->IsConnect());
 }
+
+TEST_F(ChannelLoop, GoesOnTurningOnALineOfAnUnknownType) {
+    countScans();
+    channel->SetConnect(true); // a host's doing: such a line never connects by itself
+    startWith(0);
+    EXPECT_TRUE(waitUntil([this] { return scanClockReadings >= 3; }));
+    stop();
+    EXPECT_TRUE(channel->IsConnect());
+}

@@ -130,3 +130,10 @@ TEST(SerialAnswer, InBreakModeAZeroThatIsLostInFrontAndOneThatComesBehindAreNotS
     EXPECT_EQ(checkReadAnswer(inDataMode.left(2) + inDataMode.mid(3) + hex("00"), dataMode),
               ReadAnswer::ChecksumError);
 }
+
+TEST(SerialAnswer, AnAnswerTooShortForAStartHasAWrongOneInDataMode) {
+    for (const QByteArray& answer : {QByteArray(), hex("B5"), hex("02")}) {
+        EXPECT_EQ(checkReadAnswer(answer, dataMode), ReadAnswer::FrameError);
+        EXPECT_EQ(checkWriteAnswer(answer, dataMode), WriteAnswer::FrameError);
+    }
+}

@@ -197,3 +197,12 @@ TEST_F(ResultReportingTest, TheWaitingSideMayGiveUpAtTheMomentOfTheResult) {
     }
     EXPECT_EQ(CReply::liveCount(), before);
 }
+
+TEST_F(ResultReportingTest, ARequestWithoutAnRtuIsLoggedWithoutAChannelToo) {
+    ScriptedProtocol alone(nullptr);
+    alone.reportResult(0, orphan(), nullptr, {});
+    const QList<LogLine> lines = log.lines();
+    ASSERT_EQ(lines.size(), 1);
+    EXPECT_EQ(lines[0].text, orphanText);
+    EXPECT_EQ(lines[0].channelId, 0);
+}

@@ -261,3 +261,16 @@ TEST_F(SerialExchangeTest, AWholePollThatFailsHandsOverNothing) {
     EXPECT_TRUE(rtu->handedOver.isEmpty());
     EXPECT_EQ(log.texts(LogLine::Route::All), QStringList{"Request result : Bad Data"});
 }
+
+// A line's driver over a link of the other kind.
+class SerialOverDatagrams : public ExchangeTest<SBusSerialDriver> {
+protected:
+    SerialOverDatagrams() : ExchangeTest(std::make_unique<ScriptedLink>(CLink::udpKind)) {}
+};
+
+TEST_F(SerialOverDatagrams, ExchangesInBreakModeWithoutABreak) {
+    driver->transmitMode = 1;
+    link->answer(withChecksum(hex("05 00")));
+    EXPECT_EQ(read({2, 8, 100, {}}, 2), SBusSuccess);
+    EXPECT_EQ(link->sent, QList<QByteArray>{withChecksum(hex("05 02 08 00 64"))});
+}

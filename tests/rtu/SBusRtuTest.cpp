@@ -264,3 +264,11 @@ TEST_F(SBusRtuTest, LeavesEngineAndDelayedQueueToTheChannelWhenItGoes) {
     EXPECT_EQ(telegramsOf(PollKind::Analog), (QList{readItem(6, 1, 0)}));
     delayedQueue.dispatchDue();
 }
+
+TEST_F(SBusRtuTest, PollsThatAreBuiltAreNotBuiltAgain) {
+    addAnalog(1, "R10");
+    rtu->InitRtu();
+    addAnalog(2, "R20");
+    rtu->buildPollTable();
+    EXPECT_EQ(telegramsOf(Halvex::PollKind::Analog), QList<SBusRequestItem>{readItem(6, 10, 0)});
+}
