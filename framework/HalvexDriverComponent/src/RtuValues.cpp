@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
-CRtu::Values::Entry& CRtu::Values::Entries::of(unsigned number, std::mutex& mutex) {
+CRtu::Values::Entry& CRtu::Values::Entries::of(unsigned number, std::mutex& guard) {
     if (Entry* const entry = table.find(number))
         return *entry;
     const auto found = byNumber.find(number);
     if (found != byNumber.end())
         return found->second;
-    const std::lock_guard<std::mutex> lock(mutex);
+    const std::lock_guard<std::mutex> lock(guard);
     Entry& entry = byNumber[number];
     table.enter(number, &entry, byNumber.size());
     return entry;

@@ -41,8 +41,8 @@ private:
     };
     // One for each point that was put at least once.
     struct Entries {
-        // Takes the mutex for a new one.
-        Entry& of(unsigned number, std::mutex& mutex);
+        // Takes the guard for a new one.
+        Entry& of(unsigned number, std::mutex& guard);
 
         std::unordered_map<unsigned, Entry> byNumber;
         NumberTable<Entry> table;
