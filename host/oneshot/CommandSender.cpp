@@ -60,6 +60,11 @@ void CommandSender::noteResult(const RequestResult& result) {
         writeResult = result;
 }
 
+bool CommandSender::hasSentWrite() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return writeResult.has_value();
+}
+
 std::string CommandSender::awaitLine() {
     for (;;) {
         if (runtime.channelStatus(site.channels.front()).connected)
@@ -76,7 +81,8 @@ std::string CommandSender::awaitLine() {
 }
 
 CommandEnding CommandSender::send(const CommandAction& action) {
-    // The line may be closed and opened anew between the look at it and the command.
+    // The line may be closed and opened anew between the look at it and the command, and shortly after it was
+    // opened the driver takes a command only to end it at once. Nothing was sent then.
     for (;;) {
         const std::string fault = awaitLine();
         if (!fault.empty())
@@ -90,8 +96,12 @@ CommandEnding CommandSender::send(const CommandAction& action) {
         }
         auto* const reply = new CReply(rtu->GetChannel());
         const auto answer = static_cast<DriverErrorResult>(callDriver(*rtu, action, reply));
-        if (answer == DriverErrorResult::Success)
-            return endingOf(awaitReply(reply));
+        if (answer == DriverErrorResult::Success) {
+            const DriverErrorResult result = awaitReply(reply);
+            if (result == DriverErrorResult::ChannelError && !hasSentWrite())
+                continue;
+            return endingOf(result);
+        }
         reply->release();
         if (answer != DriverErrorResult::ChannelError)
             return notSent(std::string("the driver does not take the command: ") + resultText(answer));

@@ -50,13 +50,14 @@ private:
     void noteResult(const RequestResult& result);
     // Why there is no line; empty when it is open.
     std::string awaitLine();
+    bool hasSentWrite() const;
     Halvex::DriverErrorResult awaitReply(CReply* reply);
     CommandEnding endingOf(Halvex::DriverErrorResult result);
 
     const ControllerLine line;
     const Site& site;
 
-    std::mutex mutex;                         // guards the two that follow
+    mutable std::mutex mutex;                 // guards the two that follow
     std::optional<RequestResult> writeResult; // of the last write that was sent
     std::string lineFault;                    // why the line was not opened the last time
 
