@@ -44,7 +44,8 @@ protected:
     // What is on standard output after both signals, which come once `start` is there.
     QByteArray outputOf(const char* format, const char* start) {
         QUdpSocket controller;
-        EXPECT_TRUE(controller.bind(QHostAddress::LocalHost)) << controller.errorString().toStdString();
+        EXPECT_TRUE(controller.bind(QHostAddress(QHostAddress::LocalHost)))
+            << controller.errorString().toStdString();
         QProcess program;
         program.setStandardOutputFile(output);
         program.start(QStringLiteral(HOST_PROGRAM),

@@ -1,6 +1,7 @@
 #include "CommandLoad.h"
 #include "GoodValueAges.h"
 #include "LateTimer.h"
+#include "Sanitized.h"
 #include "Soak.h"
 
 #include <gtest/gtest.h>
@@ -17,8 +18,9 @@ struct Times {
     std::chrono::milliseconds timeout;
 };
 
-// The line's other requests in between. Less than a time-out.
-constexpr auto someTurns = 200ms;
+// The line's other requests in between. Less than a time-out, but with a sanitizer, under which each takes
+// longer.
+constexpr auto someTurns = isSanitized ? 800ms : 200ms;
 
 // Requests of the other stations that have failed: a machine too busy to answer in time, which nothing is to
 // be learned from.

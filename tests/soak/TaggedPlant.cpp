@@ -2,6 +2,7 @@
 
 #include "Printers.h"
 #include "ProcessFigures.h"
+#include "Sanitized.h"
 
 #include <gtest/gtest.h>
 
@@ -151,8 +152,9 @@ void TaggedPlant::awaitRequests(std::uint64_t count) {
 
 void TaggedPlant::expectFreshValues() {
     // A cycle is a status poll and an analog poll. One request was on its way before, and a line that was
-    // opened anew asks for an integrity poll.
-    constexpr std::uint64_t mostRequests = 3 * 2 + 2;
+    // opened anew asks for an integrity poll. A sanitizer on a busy machine makes some answers late by
+    // itself.
+    constexpr std::uint64_t mostRequests = (isSanitized ? 4 : 1) * (3 * 2 + 2);
     valueJudge.demandFresh();
     ASSERT_TRUE(Plant::eventually([this] { return valueJudge.isAllFresh(); }));
     EXPECT_LE(valueJudge.mostRequestsUntilFresh(), mostRequests);
