@@ -19,3 +19,8 @@ extern "C" const char* __ubsan_default_options() {
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:libqoffscreen.so\n";
 }
+
+// What is suppressed is no report of a program.
+extern "C" const char* __lsan_default_options() {
+    return "print_suppressions=0";
+}
