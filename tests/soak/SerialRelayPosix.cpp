@@ -1,5 +1,7 @@
 #include "SerialRelay.h"
 
+#include "DeliveryQueue.h"
+
 #include <Pty.h>
 
 #include <asio/buffer.hpp>
@@ -7,12 +9,10 @@
 #include <asio/io_context.hpp>
 #include <asio/posix/stream_descriptor.hpp>
 #include <asio/post.hpp>
-#include <asio/steady_timer.hpp>
 
 #include <algorithm>
 #include <array>
 #include <future>
-#include <map>
 #include <thread>
 
 #include <fcntl.h>
@@ -25,7 +25,7 @@ class RelayedLine {
 public:
     RelayedLine(asio::io_context& context, const std::string& device)
         : host(context), controllers(context, open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)),
-          timer(context) {
+          waiting(context, [this](const Passage& passage) { send(passage); }) {
         controllers.non_blocking(true);
         host.open({}, [this](const std::uint8_t* bytes, std::size_t size) {
             take(Direction::ToController,
@@ -36,7 +36,7 @@ public:
 
     std::string device() const { return host.device(); }
     void setTrouble(std::unique_ptr<LineTrouble> newTrouble) { trouble = std::move(newTrouble); }
-    bool isEmpty() const { return waiting.empty(); }
+    bool isEmpty() const { return waiting.isEmpty(); }
 
 private:
     void readNext() {
@@ -52,26 +52,13 @@ private:
     void take(Direction direction, const QByteArray& bytes) {
         const Clock::time_point now = Clock::now();
         if (!trouble)
-            waiting.emplace(now, Passage{direction, {bytes, now}});
+            waiting.add(now, Passage{direction, {bytes, now}});
         else
-            for (Passage& passage : trouble->pass(direction, bytes, now))
-                waiting.emplace(passage.delivery.time, std::move(passage));
-        sendDue();
-    }
-
-    void sendDue() {
-        const Clock::time_point now = Clock::now();
-        while (!waiting.empty() && waiting.begin()->first <= now) {
-            send(waiting.begin()->second);
-            waiting.erase(waiting.begin());
-        }
-        if (waiting.empty())
-            return;
-        timer.expires_at(waiting.begin()->first);
-        timer.async_wait([this](const std::error_code& error) {
-            if (!error)
-                sendDue();
-        });
+            for (Passage& passage : trouble->pass(direction, bytes, now)) {
+                const Clock::time_point time = passage.delivery.time;
+                waiting.add(time, std::move(passage));
+            }
+        waiting.sendDue();
     }
 
     void send(const Passage& passage) {
@@ -88,8 +75,7 @@ private:
     asio::posix::stream_descriptor controllers;
     std::array<char, 4096> buffer{};
     std::unique_ptr<LineTrouble> trouble;
-    std::multimap<Clock::time_point, Passage> waiting; // in their order where times are the same
-    asio::steady_timer timer;
+    DeliveryQueue<Passage> waiting;
 };
 
 } // namespace

@@ -1,15 +1,15 @@
 #include "UdpRelay.h"
 
+#include "DeliveryQueue.h"
+
 #include <asio/buffer.hpp>
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
 #include <asio/ip/udp.hpp>
 #include <asio/post.hpp>
-#include <asio/steady_timer.hpp>
 
 #include <array>
 #include <future>
-#include <map>
 #include <thread>
 #include <vector>
 
@@ -24,42 +24,25 @@ constexpr std::size_t largestDatagram = 65536;
 // One direction of a line: what comes in at one socket, the deliveries that wait for their time.
 class Flow {
 public:
-    using Send = std::function<void(const QByteArray&)>;
+    using Send = DeliveryQueue<QByteArray>::Send;
 
     Flow(asio::io_context& context, std::uint64_t seed, Send sendOn)
-        : impairment(Rates{}, seed), timer(context), send(std::move(sendOn)) {}
+        : impairment(Rates{}, seed), waiting(context, std::move(sendOn)) {}
 
     void take(const QByteArray& telegram, Clock::time_point now) {
         ++telegrams;
         for (Delivery& delivery : impairment.pass(telegram, now))
-            waiting.emplace(delivery.time, std::move(delivery.bytes));
-        sendDue();
+            waiting.add(delivery.time, std::move(delivery.bytes));
+        waiting.sendDue();
     }
 
-    bool isEmpty() const { return waiting.empty(); }
+    bool isEmpty() const { return waiting.isEmpty(); }
 
     Impairment impairment;
     std::uint64_t telegrams = 0;
 
 private:
-    void sendDue() {
-        const Clock::time_point now = Clock::now();
-        while (!waiting.empty() && waiting.begin()->first <= now) {
-            send(waiting.begin()->second);
-            waiting.erase(waiting.begin());
-        }
-        if (waiting.empty())
-            return;
-        timer.expires_at(waiting.begin()->first);
-        timer.async_wait([this](const std::error_code& error) {
-            if (!error)
-                sendDue();
-        });
-    }
-
-    std::multimap<Clock::time_point, QByteArray> waiting; // in their order where times are the same
-    asio::steady_timer timer;
-    const Send send;
+    DeliveryQueue<QByteArray> waiting;
 };
 
 udp::endpoint local(std::uint16_t port) {
