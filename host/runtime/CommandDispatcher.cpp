@@ -14,18 +14,25 @@
 
 namespace host {
 
+namespace {
+
+// A channel's turn.
+constexpr std::chrono::milliseconds betweenTries{10};
+
+} // namespace
+
 struct CommandDispatcher::Mailbox {
-    void put(std::uint64_t call, Result result) {
+    void put(const CallEnd& end) {
         {
             const std::lock_guard<std::mutex> lock(mutex);
-            endedCalls.emplace_back(call, result);
+            endedCalls.push_back(end);
         }
         changed.notify_one();
     }
 
     std::mutex mutex;
     std::condition_variable changed;
-    std::vector<std::pair<std::uint64_t, Result>> endedCalls;
+    std::vector<CallEnd> endedCalls;
 };
 
 CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu,
@@ -138,28 +145,32 @@ CommandDispatcher::Work CommandDispatcher::collectWork() {
 }
 
 void CommandDispatcher::takeEndedCalls(Work& work) {
-    for (const auto& [number, result] : std::exchange(mailbox->endedCalls, {}))
+    for (const CallEnd& end : std::exchange(mailbox->endedCalls, {}))
         for (auto& [channelId, line] : lines)
-            if (line.call && line.call->number == number)
-                endCall(line, result, work);
+            if (line.call && line.call->number == end.number)
+                endCall(line, end, work);
 }
 
 void CommandDispatcher::endOverdueCalls(Work& work) {
     const Clock::time_point now = Clock::now();
     for (auto& [channelId, line] : lines)
         if (line.call && line.call->deadline <= now)
-            endCall(line, Result::TimeOut, work);
+            endCall(line, {line.call->number, Result::TimeOut}, work);
 }
 
-// Its job goes on to the next call, or ends.
-void CommandDispatcher::endCall(Line& line, Result result, Work& work) {
+// Its job stays for another try, goes on to the next call, or ends.
+void CommandDispatcher::endCall(Line& line, const CallEnd& end, Work& work) {
     RtuLane& lane = *line.call->lane;
     line.call.reset();
+    if (end.wasTaken)
+        line.refusals.reset();
+    else if (end.result == Result::ChannelError && isReopening(line))
+        return;
     Job& job = *lane.current;
     ++job.next;
-    if (result == Result::Success && job.next < job.calls.size())
+    if (end.result == Result::Success && job.next < job.calls.size())
         return;
-    work.results.emplace_back(std::move(job.done), result);
+    work.results.emplace_back(std::move(job.done), end.result);
     lane.current.reset();
     if (lane.waiting.empty())
         return;
@@ -167,8 +178,21 @@ void CommandDispatcher::endCall(Line& line, Result result, Work& work) {
     lane.waiting.pop_front();
 }
 
+// To be asked when a call was refused for want of a connection. While nobody tries, nobody knows: a refusal
+// long after the last one is the first of a new row.
+bool CommandDispatcher::isReopening(Line& line) {
+    const Clock::time_point now = Clock::now();
+    if (!line.refusals || now - line.refusals->last > longestReopening)
+        line.refusals = Refusals{now, now};
+    line.refusals->last = now;
+    if (now - line.refusals->first >= longestReopening)
+        return false;
+    line.nextTry = now + betweenTries;
+    return true;
+}
+
 void CommandDispatcher::beginCall(Line& line, Work& work) {
-    if (line.call)
+    if (line.call || Clock::now() < line.nextTry)
         return;
     for (std::size_t i = 0; i < line.lanes.size(); ++i) {
         RtuLane& lane = *line.lanes[(line.turn + i) % line.lanes.size()];
@@ -196,9 +220,15 @@ void CommandDispatcher::abandonAll(Work& work) {
 
 std::optional<CommandDispatcher::Clock::time_point> CommandDispatcher::nextDeadline() const {
     std::optional<Clock::time_point> next;
-    for (const auto& [channelId, line] : lines)
-        if (line.call && (!next || line.call->deadline < *next))
-            next = line.call->deadline;
+    for (const auto& [channelId, line] : lines) {
+        const bool isWaiting = std::any_of(line.lanes.begin(), line.lanes.end(),
+                                           [](const RtuLane* lane) { return lane->current.has_value(); });
+        if (!isWaiting)
+            continue;
+        const Clock::time_point deadline = line.call ? line.call->deadline : line.nextTry;
+        if (!next || deadline < *next)
+            next = deadline;
+    }
     return next;
 }
 
@@ -211,13 +241,13 @@ void CommandDispatcher::makeCall(const Call& call) {
     reply->notify([box = mailbox, wasRefused = isRefused, number = call.number,
                    channelId = call.lane->channel->id, rtuId = call.lane->configured->id](Result ended) {
         const bool isUntold = ended == Result::Success && wasRefused(channelId, rtuId);
-        box->put(number, isUntold ? Result::BadData : ended);
+        box->put({number, isUntold ? Result::BadData : ended});
     });
     const auto result = static_cast<Result>(callDriver(rtu, call.action, reply));
     if (result == Result::Success)
         return;
     reply->release();
-    mailbox->put(call.number, result);
+    mailbox->put({call.number, result, false});
 }
 
 } // namespace host

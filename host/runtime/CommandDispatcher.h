@@ -25,6 +25,9 @@ namespace host {
 // A call whose result does not come within its line's time limit is ended as TimeOut. The driver may still
 // carry it out: nobody can take it back.
 //
+// A channel that has lost an answer closes its link and opens it again in its next turn; in between the
+// driver takes no command. One that comes then is kept and handed over again, until the line counts as down.
+//
 // States: working (as made), stopped (after stop, for good). One thread for all lines calls the driver and
 // tells results; submit() is for any thread, also from within a CommandDone, stop() for any other than those.
 // The site and the RTUs outlive it.
@@ -36,6 +39,8 @@ public:
 
     // Commands that wait for an RTU behind the one in progress.
     static constexpr std::size_t mostWaiting = 1'000;
+    // A line that has taken no command for so long is down: fifty turns of its channel.
+    static constexpr std::chrono::milliseconds longestReopening{500};
 
     // Asks `findRtu` for every RTU of the site at once and never again. Asks `askIfRefused` on the channels'
     // threads whether a command that the driver takes for done was refused; it must outlive the RTUs.
@@ -76,11 +81,26 @@ private:
         Clock::time_point deadline;
     };
 
+    // The driver calls in a row that found the channel not connected.
+    struct Refusals {
+        Clock::time_point first;
+        Clock::time_point last;
+    };
+
     struct Line {
         std::vector<RtuLane*> lanes;
         std::size_t turn = 0; // the lane that is looked at first
         std::chrono::milliseconds timeLimit{0};
         std::optional<CallOnTheWay> call;
+        std::optional<Refusals> refusals;
+        Clock::time_point nextTry; // no call before
+    };
+
+    // How a driver call has ended.
+    struct CallEnd {
+        std::uint64_t number = 0;
+        Result result = Result::Success;
+        bool wasTaken = true; // by the driver; false: nothing was sent
     };
 
     // What is to be done once the lock is given up: results told, calls made.
@@ -105,7 +125,8 @@ private:
     void takeEndedCalls(Work& work);
     void endOverdueCalls(Work& work);
     void beginCall(Line& line, Work& work);
-    void endCall(Line& line, Result result, Work& work);
+    void endCall(Line& line, const CallEnd& end, Work& work);
+    static bool isReopening(Line& line);
     void abandonAll(Work& work);
     std::optional<Clock::time_point> nextDeadline() const;
     void makeCall(const Call& call);

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <map>
 #include <thread>
@@ -116,6 +117,40 @@ TEST_F(Dispatching, ADriverRefusalIsTheResult) {
     rtus[7].refuse(DriverErrorResult::UnsupportedAddress);
     submit(SwitchPoint{1, true});
     EXPECT_THAT(results.await(1), ElementsAre(Pair(0, DriverErrorResult::UnsupportedAddress)));
+}
+
+// After a lost answer the channel closes its link and opens it again in its next turn.
+TEST_F(Dispatching, ACommandThatMeetsAClosedLinkIsHandedOverAgainWhenTheLinkIsOpen) {
+    rtus[7].refuse(channelError);
+    submit(SetPoint{3, 1});
+    submit(SetPoint{3, 2});
+    EXPECT_THAT(rtus[7].awaitCalls(3), ElementsAre("set 3 1", "set 3 1", "set 3 1"));
+    EXPECT_THAT(results.all(), IsEmpty());
+    rtus[7].takeAgain();
+    rtus[7].answerAtOnce(success);
+    EXPECT_THAT(results.await(2), ElementsAre(Pair(0, success), Pair(1, success)));
+    EXPECT_EQ(rtus[7].calls().back(), "set 3 2");
+}
+
+TEST_F(Dispatching, ALineThatStaysClosedFailsTheFirstCommandAfterAWhileAndTheNextAtOnce) {
+    rtus[7].refuse(channelError);
+    const auto begin = std::chrono::steady_clock::now();
+    submit(SetPoint{3, 1});
+    submit(SetPoint{3, 2});
+    EXPECT_THAT(results.await(2), ElementsAre(Pair(0, channelError), Pair(1, channelError)));
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, CommandDispatcher::longestReopening);
+    const std::vector<std::string> calls = rtus[7].calls();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "set 3 2"), 1);
+}
+
+TEST_F(Dispatching, WhileOneRtuMeetsAClosedLinkTheOthersHaveTheirTurns) {
+    rtus[7].refuse(channelError);
+    rtus[8].answerAtOnce(success);
+    submit(SetPoint{3, 1}, 7);
+    submit(SynchroniseClock{}, 8);
+    EXPECT_THAT(results.await(1), ElementsAre(Pair(1, success)));
+    dispatcher().stop();
+    EXPECT_THAT(results.all(), ElementsAre(Pair(1, success), Pair(0, channelError)));
 }
 
 TEST_F(Dispatching, WhatTheControllerRefusedIsBadDataAlthoughTheDriverTakesItForDone) {

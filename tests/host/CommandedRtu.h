@@ -20,10 +20,14 @@ public:
         const std::lock_guard<std::mutex> lock(mutex);
         ready = result;
     }
-    // From now on each command is refused with `result` and its reply left alone.
+    // Until takeAgain, each command is refused with `result` and its reply left alone.
     void refuse(Halvex::DriverErrorResult result) {
         const std::lock_guard<std::mutex> lock(mutex);
         refusal = static_cast<int>(result);
+    }
+    void takeAgain() {
+        const std::lock_guard<std::mutex> lock(mutex);
+        refusal = 0;
     }
 
     // Waits until `count` commands have come in all; what they were, as "switch 1 on", "set 2 3.5",
