@@ -118,6 +118,13 @@ void CommandLoad::expectElementsHeldTheValues() {
     }
 }
 
+int CommandLoad::failuresBesides(int station) const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return static_cast<int>(std::count_if(commands.begin(), commands.end(), [station](const Given& given) {
+        return given.station != station && !given.isDone;
+    }));
+}
+
 std::string CommandLoad::figuresText() const {
     const std::lock_guard<std::mutex> lock(mutex);
     const auto done =

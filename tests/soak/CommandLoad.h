@@ -28,6 +28,8 @@ public:
     // each that succeeded, the element has held the value, or late acknowledges are allowed and the one
     // before it has been carried out.
     void finish();
+    // Commands to other stations that were no success.
+    int failuresBesides(int station) const;
     // "1203 commands, 1100 done"
     std::string figuresText() const;
 
