@@ -22,7 +22,6 @@ double analogValue(int raw, bool isTimer, const QString& media, const AnalogPoin
 // Of the second address only the number is compared, and the value put for it is the one that was read at
 // the first: what stands at a second address of its own is never put.
 void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QList<quint8>& bits) {
-    stamp.renew();
     const auto& found = statusFinder->find(media, start, bits.size());
     sbus::ElementKey key(media, start);
     for (int i = 0; i < bits.size(); ++i, key.next())
@@ -36,14 +35,13 @@ void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char va
     if (point == nullptr)
         return;
     if (point->firstAddressNumber == elementNumber)
-        PutStatusPoint(false, pointNumber, value, 0, stamp.value(), true);
+        PutStatusPoint(false, pointNumber, value, 0, stamp.now(), true);
     if (point->secondAddressNumber == elementNumber)
-        PutStatusPoint(false, pointNumber, value, 0, stamp.value(), false);
+        PutStatusPoint(false, pointNumber, value, 0, stamp.now(), false);
 }
 
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
     const bool isTimer = media == QLatin1String("T");
-    stamp.renew();
     const auto& found = analogFinder->find(media, start, words.size());
     for (int i = 0; i < words.size(); ++i) {
         const QList<unsigned>* const numbers = found.at(i);
@@ -52,6 +50,6 @@ void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QLi
         for (const unsigned pointNumber : *numbers)
             if (const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber))
                 PutAnalogPoint(false, pointNumber, analogValue(words.at(i), isTimer, media, *point), 0,
-                               stamp.value());
+                               stamp.now());
     }
 }

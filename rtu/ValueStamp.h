@@ -2,22 +2,19 @@
 
 #include <HalvexDriverComponent/CMidTime.h>
 
-// The time stamp of values that are put one after the other. It holds milliseconds of the wall clock, and the
-// values of a telegram are put within a few microseconds: so the clock, which costs more than all else that
-// is done for a value, is asked once for them together. To make a stamp asks the system for its time zone: so
-// one is made only when the millisecond is a new one. One thread.
+// The time stamp of each value that is put. It holds milliseconds, and hundreds of values are put in one: so
+// it is made anew only when the millisecond is a new one. In UTC, since a stamp knows no zone, and to ask the
+// system for its own takes ten times as long. One thread.
 class ValueStamp {
 public:
-    // The time is now.
-    void renew() {
+    const CMidTime& now() {
         const qint64 nowMs = QDateTime::currentMSecsSinceEpoch();
         if (nowMs != stampMs) {
             stampMs = nowMs;
-            stamp = CMidTime(QDateTime::fromMSecsSinceEpoch(nowMs), 0);
+            stamp = CMidTime(QDateTime::fromMSecsSinceEpoch(nowMs, Qt::UTC), 0);
         }
+        return stamp;
     }
-
-    const CMidTime& value() const { return stamp; }
 
 private:
     qint64 stampMs = -1; // none yet

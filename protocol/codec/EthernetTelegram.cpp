@@ -1,10 +1,8 @@
 #include "EthernetTelegram.h"
 
+#include "BigEndian.h"
 #include "CommandCode.h"
 #include "Telegram.h"
-
-#include <QDataStream>
-#include <QtEndian>
 
 namespace sbus::ethernet {
 namespace {
@@ -16,11 +14,15 @@ constexpr quint8 responseAttribute = 1;
 constexpr quint8 acknowledgeAttribute = 2;
 
 QByteArray framed(const QByteArray& body, quint16 sequence) {
+    const qint32 length = headerSize + body.size() + checksumSize;
     QByteArray frame;
-    QDataStream stream(&frame, QIODevice::WriteOnly);
-    stream << static_cast<qint32>(headerSize + body.size() + checksumSize) << version << protocolType
-           << sequence << requestAttribute;
-    stream.writeRawData(body.constData(), body.size());
+    frame.reserve(length);
+    appendBigEndian(frame, length);
+    appendBigEndian(frame, version);
+    appendBigEndian(frame, protocolType);
+    appendBigEndian(frame, sequence);
+    appendBigEndian(frame, requestAttribute);
+    frame.append(body);
     appendChecksum(frame);
     return frame;
 }

@@ -1,23 +1,25 @@
 #include "Telegram.h"
 
+#include "BigEndian.h"
 #include "CommandCode.h"
-
-#include <QDataStream>
-#include <QtEndian>
 
 namespace sbus {
 namespace {
 
-// The eight shift steps of a byte are made at once: what is shifted out at the top comes back at the bits 12,
-// 5 and 0 of the polynomial, so it reaches the top again four steps later at the earliest. One after the
-// other the steps of a long answer take 8 us, a fifth of its way over the loopback.
+// The eight shift steps of each of two bytes, made at once: what is shifted out at the top comes back at the
+// bits 12, 5 and 0 of the polynomial, and so reaches the top again 4, 11 and 16 steps later. One after the
+// other, the steps of a long answer take 8 us, a fifth of its way over the loopback.
+quint32 afterTwoBytes(quint32 crc) {
+    const quint32 fedBack = crc ^ (crc >> 4) ^ (crc >> 8) ^ (crc >> 11) ^ (crc >> 12);
+    return ((fedBack << 12) ^ (fedBack << 5) ^ fedBack) & 0xFFFF;
+}
+
+// An odd byte goes first: a 0 in front of it would change nothing.
 quint16 checksumOf(const char* bytes, int length) {
-    quint32 crc = 0;
-    for (int i = 0; i < length; ++i) {
-        quint32 fedBack = ((crc >> 8) ^ static_cast<quint8>(bytes[i])) & 0xFF;
-        fedBack ^= fedBack >> 4;
-        crc = (crc << 8) ^ (fedBack << 12) ^ (fedBack << 5) ^ fedBack;
-    }
+    const int odd = length % 2;
+    quint32 crc = odd == 0 ? 0 : afterTwoBytes(static_cast<quint8>(bytes[0]));
+    for (int i = odd; i < length; i += 2)
+        crc = afterTwoBytes(crc ^ qFromBigEndian<quint16>(bytes + i));
     return static_cast<quint16>(crc);
 }
 
@@ -26,22 +28,25 @@ quint16 checksumAt(const char* bytes) {
     return qFromBigEndian<quint16>(bytes);
 }
 
-void writeRaw(QDataStream& stream, const QByteArray& data) {
-    stream.writeRawData(data.constData(), data.size());
+// Station and command begin every body.
+QByteArray beginBody(const SBusRequestItem& item, int station, int size) {
+    QByteArray body;
+    body.reserve(size);
+    appendBigEndian(body, static_cast<quint8>(station));
+    appendBigEndian(body, static_cast<quint8>(item.command));
+    return body;
 }
 
 } // namespace
 
 QByteArray crc16(const QByteArray& bytes) {
-    const quint16 crc = checksumOf(bytes.constData(), bytes.size());
-    QByteArray result(checksumSize, '\0');
-    result[0] = static_cast<char>(crc >> 8);
-    result[1] = static_cast<char>(crc & 0xFF);
+    QByteArray result;
+    appendBigEndian(result, checksumOf(bytes.constData(), bytes.size()));
     return result;
 }
 
 void appendChecksum(QByteArray& frame) {
-    frame.append(crc16(frame));
+    appendBigEndian(frame, checksumOf(frame.constData(), frame.size()));
 }
 
 bool hasValidChecksum(const QByteArray& telegram) {
@@ -51,10 +56,10 @@ bool hasValidChecksum(const QByteArray& telegram) {
 }
 
 QByteArray readBody(const SBusRequestItem& item, int station) {
-    QByteArray body;
-    QDataStream stream(&body, QIODevice::WriteOnly);
-    stream << static_cast<quint8>(station) << static_cast<quint8>(item.command)
-           << static_cast<quint8>(item.count) << static_cast<quint16>(item.address);
+    constexpr int size = 5;
+    QByteArray body = beginBody(item, station, size);
+    appendBigEndian(body, static_cast<quint8>(item.count));
+    appendBigEndian(body, static_cast<quint16>(item.address));
     return body;
 }
 
@@ -62,17 +67,17 @@ QByteArray readBody(const SBusRequestItem& item, int station) {
 QByteArray writeBody(const SBusRequestItem& item, int station) {
     constexpr int countedBesideBitData = 2;  // address and element count, minus one
     constexpr int countedBesideWordData = 1; // address, minus one
-    QByteArray body;
-    QDataStream stream(&body, QIODevice::WriteOnly);
-    stream << static_cast<quint8>(station) << static_cast<quint8>(item.command);
+    constexpr int sizeBesideData = 6;
+    QByteArray body = beginBody(item, station, sizeBesideData + item.data.size());
     switch (classOf(item.command)) {
     case CommandClass::WriteBits:
-        stream << static_cast<quint8>(item.data.size() + countedBesideBitData)
-               << static_cast<qint16>(item.address) << static_cast<quint8>(item.count);
+        appendBigEndian(body, static_cast<quint8>(item.data.size() + countedBesideBitData));
+        appendBigEndian(body, static_cast<qint16>(item.address));
+        appendBigEndian(body, static_cast<quint8>(item.count));
         break;
     case CommandClass::WriteWords:
-        stream << static_cast<quint8>(item.data.size() + countedBesideWordData)
-               << static_cast<qint16>(item.address);
+        appendBigEndian(body, static_cast<quint8>(item.data.size() + countedBesideWordData));
+        appendBigEndian(body, static_cast<qint16>(item.address));
         break;
     case CommandClass::None:
     case CommandClass::ReadBits:
@@ -80,7 +85,7 @@ QByteArray writeBody(const SBusRequestItem& item, int station) {
     case CommandClass::WriteClock:
         break;
     }
-    writeRaw(stream, item.data);
+    body.append(item.data);
     return body;
 }
 

@@ -1,11 +1,10 @@
 #include "WriteItems.h"
 
+#include "BigEndian.h"
 #include "MediaTable.h"
 #include "SaiaFloat.h"
 
 #include <HalvexDriverComponent/Halvex.h>
-
-#include <QDataStream>
 
 #include <cmath>
 #include <iterator>
@@ -26,8 +25,7 @@ Integer truncated(double value) {
 template <typename Number>
 QByteArray bigEndian(Number number) {
     QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream << number;
+    appendBigEndian(bytes, number);
     return bytes;
 }
 

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-CRtu::Values::Entry& CRtu::Values::Entries::of(unsigned number, std::mutex& guard) {
-    if (Entry* const entry = table.find(number))
-        return *entry;
+CRtu::Values::Entry& CRtu::Values::Entries::search(unsigned number, std::mutex& guard) {
     const auto found = byNumber.find(number);
     if (found != byNumber.end())
         return found->second;
     const std::lock_guard<std::mutex> lock(guard);
     Entry& entry = byNumber[number];
+    entry.published.analog = isAnalog;
+    entry.published.number = number;
     table.enter(number, &entry, byNumber.size());
     return entry;
 }
@@ -19,16 +19,17 @@ void CRtu::Values::stageStatus(unsigned number, double value, const CMidTime& st
     if (!first && entry.firstAddressSeen)
         return;
     entry.firstAddressSeen = first;
-    stage(entry, {false, number, value, stamp, PointQuality::Good});
+    stage(entry, value, stamp);
 }
 
 void CRtu::Values::stageAnalog(unsigned number, double value, const CMidTime& stamp) {
-    stage(analogEntries.of(number, mutex), {true, number, value, stamp, PointQuality::Good});
+    stage(analogEntries.of(number, mutex), value, stamp);
 }
 
-void CRtu::Values::stage(Entry& entry, const PointUpdate& update) {
+void CRtu::Values::stage(Entry& entry, double value, const CMidTime& stamp) {
     dropIfTurnedBad();
-    entry.staged = update;
+    entry.stagedValue = value;
+    entry.stagedStamp = stamp;
     if (entry.isStaged)
         return;
     entry.isStaged = true;
@@ -52,7 +53,9 @@ QVector<PointUpdate> CRtu::Values::publishStaged() {
     QVector<PointUpdate> updates(static_cast<int>(staged.size()));
     PointUpdate* update = updates.data();
     for (Entry* entry : staged) {
-        entry->published = entry->staged;
+        entry->published.value = entry->stagedValue;
+        entry->published.stamp = entry->stagedStamp;
+        entry->published.quality = PointQuality::Good;
         entry->isStaged = false;
         *update++ = entry->published;
     }

@@ -35,27 +35,35 @@ public:
 private:
     struct Entry {
         PointUpdate published; // under the mutex
-        PointUpdate staged;
+        double stagedValue = 0;
+        CMidTime stagedStamp;
         bool isStaged = false;
         bool firstAddressSeen = false;
     };
     // One for each point that was put at least once.
     struct Entries {
-        // Takes the guard for a new one.
-        Entry& of(unsigned number, std::mutex& guard);
+        explicit Entries(bool ofAnalogPoints) : isAnalog(ofAnalogPoints) {}
 
+        // Takes the guard for a new one.
+        Entry& of(unsigned number, std::mutex& guard) {
+            Entry* const entry = table.find(number);
+            return entry != nullptr ? *entry : search(number, guard);
+        }
+        Entry& search(unsigned number, std::mutex& guard);
+
+        const bool isAnalog;
         std::unordered_map<unsigned, Entry> byNumber;
         NumberTable<Entry> table;
     };
 
-    void stage(Entry& entry, const PointUpdate& update);
+    void stage(Entry& entry, double value, const CMidTime& stamp);
     void dropIfTurnedBad();
     static void collectBad(Entries& entries, QVector<PointUpdate>& changed);
     static PointUpdate stateOf(const Entries& entries, unsigned number, bool analog);
 
     mutable std::mutex mutex;
-    Entries statusEntries;
-    Entries analogEntries;
+    Entries statusEntries{false};
+    Entries analogEntries{true};
     std::atomic<unsigned> turnsBad{0}; // changes under the mutex
     bool anyGood = false;
     RtuStatus status;
