@@ -1,6 +1,7 @@
 #include "Plant.h"
 #include "ProcessFigures.h"
 #include "RunningSite.h"
+#include "Sanitized.h"
 #include "Soak.h"
 #include "UdpController.h"
 
@@ -41,7 +42,7 @@ bool haveAllTried(RunningSite& running) {
 }
 
 // The processor time is that of a program as it is shipped.
-constexpr double allowedShare = SANITIZED ? 1.0 : 0.1;
+constexpr double allowedShare = isSanitized ? 1.0 : 0.1;
 
 } // namespace
 
