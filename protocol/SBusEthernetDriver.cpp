@@ -68,7 +68,8 @@ unsigned SBusEthernetDriver::awaitAnswer(QByteArray& telegram, const QByteArray&
         if (const unsigned code = awaitRest(area, arrived, time, response, request))
             return code;
     }
-    telegram = area.left(length);
+    area.truncate(length);
+    telegram = area;
     return SBusSuccess;
 }
 

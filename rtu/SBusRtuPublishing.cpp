@@ -22,12 +22,15 @@ double analogValue(int raw, bool isTimer, const QString& media, const AnalogPoin
 // Of the second address only the number is compared, and the value put for it is the one that was read at
 // the first: what stands at a second address of its own is never put.
 void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QList<quint8>& bits) {
-    const auto& found = statusFinder->find(media, start, bits.size());
     sbus::ElementKey key(media, start);
-    for (int i = 0; i < bits.size(); ++i, key.next())
-        if (const QList<unsigned>* const numbers = found.at(i))
-            for (const unsigned pointNumber : *numbers)
-                putStatus(pointNumber, key.number(), static_cast<char>(bits.at(i)));
+    int keyElement = 0;
+    for (const auto& [element, pointNumber] : statusFinder->find(media, start, bits.size())) {
+        if (element >= bits.size())
+            break;
+        for (; keyElement < element; ++keyElement)
+            key.next();
+        putStatus(pointNumber, key.number(), static_cast<char>(bits.at(element)));
+    }
 }
 
 void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char value) {
@@ -42,14 +45,11 @@ void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char va
 
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
     const bool isTimer = media == QLatin1String("T");
-    const auto& found = analogFinder->find(media, start, words.size());
-    for (int i = 0; i < words.size(); ++i) {
-        const QList<unsigned>* const numbers = found.at(i);
-        if (numbers == nullptr)
-            continue;
-        for (const unsigned pointNumber : *numbers)
-            if (const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber))
-                PutAnalogPoint(false, pointNumber, analogValue(words.at(i), isTimer, media, *point), 0,
-                               stamp.now());
+    for (const auto& [element, pointNumber] : analogFinder->find(media, start, words.size())) {
+        if (element >= words.size())
+            break;
+        if (const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber))
+            PutAnalogPoint(false, pointNumber, analogValue(words.at(element), isTimer, media, *point), 0,
+                           stamp.now());
     }
 }

@@ -24,22 +24,23 @@ void ElementKey::writeKey() {
     key += QString::number(element);
 }
 
-const ElementFinder::Found& ElementFinder::find(const QString& media, quint32 firstElement, int count) {
+const QVector<PointAtElement>& ElementFinder::find(const QString& media, quint32 firstElement, int count) {
     Found& found = remembered[ElementKey(media, firstElement).text()];
-    if (found.size() < count)
-        found = search(media, firstElement, count);
-    return found;
+    if (found.elements < count)
+        found = {count, search(media, firstElement, count)};
+    return found.points;
 }
 
-ElementFinder::Found ElementFinder::search(const QString& media, quint32 firstElement, int count) const {
-    Found found;
-    found.reserve(count);
+QVector<PointAtElement> ElementFinder::search(const QString& media, quint32 firstElement, int count) const {
+    QVector<PointAtElement> points;
     ElementKey key(media, firstElement);
     for (int i = 0; i < count; ++i, key.next()) {
         const auto entry = index.constFind(key.text());
-        found.append(entry == index.cend() ? nullptr : &entry.value());
+        if (entry != index.cend())
+            for (const unsigned number : entry.value())
+                points.append({i, number});
     }
-    return found;
+    return points;
 }
 
 } // namespace sbus

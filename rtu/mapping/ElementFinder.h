@@ -29,21 +29,32 @@ private:
     const int mediaLength;
 };
 
+// A point at one of a telegram's elements, which are counted from its first one, 0.
+struct PointAtElement {
+    int element = 0;
+    unsigned pointNumber = 0;
+};
+
 // Finds the points of a telegram's elements in an index. Polls send the same telegrams again and again: so
 // what was found for one is remembered, and the index is searched for its first answer only. One thread. The
 // index must outlive it; who changes it calls forget().
 class ElementFinder {
 public:
-    using Index = QMap<QString, QList<unsigned>>;  // address key to point numbers
-    using Found = QVector<const QList<unsigned>*>; // an entry for each element; null: no points
+    using Index = QMap<QString, QList<unsigned>>; // address key to point numbers
     explicit ElementFinder(const Index& searchedIndex) : index(searchedIndex) {}
 
-    // At least `count` entries. Good until the next call.
-    const Found& find(const QString& media, quint32 firstElement, int count);
+    // The points of at least `count` elements, in the order of the elements, and of those of one element in
+    // that of the index. Good until the next call.
+    const QVector<PointAtElement>& find(const QString& media, quint32 firstElement, int count);
     void forget() { remembered.clear(); }
 
 private:
-    Found search(const QString& media, quint32 firstElement, int count) const;
+    struct Found {
+        int elements = 0;
+        QVector<PointAtElement> points;
+    };
+
+    QVector<PointAtElement> search(const QString& media, quint32 firstElement, int count) const;
 
     const Index& index;
     QHash<QString, Found> remembered; // by the key of the first element

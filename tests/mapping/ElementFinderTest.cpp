@@ -20,14 +20,13 @@ QStringList keys(const char* media, quint32 first, int count) {
 
 // What was found for each element: "1 2" for the points 1 and 2, "-" for none.
 QStringList found(sbus::ElementFinder& finder, const char* media, quint32 first, int count) {
+    QVector<QStringList> numbers(count);
+    for (const sbus::PointAtElement& point : finder.find(QString::fromLatin1(media), first, count))
+        if (point.element < count)
+            numbers[point.element] << QString::number(point.pointNumber);
     QStringList texts;
-    for (const QList<unsigned>* const points : finder.find(QString::fromLatin1(media), first, count)) {
-        QStringList numbers;
-        if (points != nullptr)
-            for (const unsigned number : *points)
-                numbers << QString::number(number);
-        texts << (points != nullptr ? numbers.join(QLatin1Char(' ')) : QStringLiteral("-"));
-    }
+    for (const QStringList& ofElement : numbers)
+        texts << (ofElement.isEmpty() ? QStringLiteral("-") : ofElement.join(QLatin1Char(' ')));
     return texts;
 }
 
@@ -96,6 +95,15 @@ TEST(ElementFinder, FindsMoreWhenTheNextTelegramFromTheSameElementIsLonger) {
     sbus::ElementFinder finder(index);
     EXPECT_EQ(found(finder, "R", 1, 1), QStringList({"1"}));
     EXPECT_EQ(found(finder, "R", 1, 2), QStringList({"1", "2"}));
+}
+
+TEST(ElementFinder, FindsPointsInTheOrderOfTheirElements) {
+    const Index index{{"R9", {4, 2}}, {"R10", {3}}, {"R11", {1}}};
+    sbus::ElementFinder finder(index);
+    QStringList order;
+    for (const auto& [element, number] : finder.find(QStringLiteral("R"), 9, 3))
+        order << QStringLiteral("%1: %2").arg(element).arg(number);
+    EXPECT_EQ(order, QStringList({"0: 4", "0: 2", "1: 3", "2: 1"}));
 }
 
 TEST(ElementFinder, SearchesAnewWhatItWasToldToForget) {

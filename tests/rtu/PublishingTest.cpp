@@ -152,6 +152,21 @@ TEST_F(PublishingTest, DropsValuesWithoutAPointAndLogsNothing) {
     EXPECT_TRUE(log.lines().isEmpty());
 }
 
+TEST_F(PublishingTest, PutsNoMoreThanAnAnswerThatIsShorterThanTheOneBeforeHolds) {
+    addStatus(1, "F5");
+    addStatus(2, "F6");
+    addAnalog(3, "R5");
+    addAnalog(4, "R6");
+    rtu->InitRtu();
+    publishStatus(5, "F", {1, 1});
+    publishAnalog(5, "R", {7, 8});
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "F", {0});
+    publishAnalog(5, "R", {9});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 0, true}}));
+    EXPECT_EQ(puts.analog, (AnalogPuts{{3, 9}}));
+}
+
 TEST_F(PublishingTest, TakesAnEmptyListOfValues) {
     addStatus(1, "I5");
     rtu->InitRtu();
