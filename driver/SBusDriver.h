@@ -7,7 +7,6 @@
 class SBusDriver final : public DriverPluginInterface {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID HALVEX_DRIVER_PLUGIN_IID FILE "SBusDriver.json")
-    Q_INTERFACES(DriverPluginInterface)
 
 public:
     SBusDriver() = default;

@@ -74,6 +74,7 @@ TEST_F(PluginFile, GivesADriverThatDeclaresNothingOfItsOwn) {
 TEST_F(PluginFile, GivesADriverThatAnswersToItsOwnNameAndItsBases) {
     EXPECT_EQ(driver->qt_metacast("SBusDriver"), loader.instance());
     EXPECT_EQ(driver->qt_metacast("DriverPluginInterface"), driver);
+    EXPECT_EQ(driver->qt_metacast(HALVEX_DRIVER_PLUGIN_IID), driver);
     EXPECT_EQ(driver->qt_metacast("QObject"), loader.instance());
     EXPECT_EQ(driver->qt_metacast("SBusChennel"), nullptr);
 }

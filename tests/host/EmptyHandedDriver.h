@@ -6,7 +6,6 @@
 class EmptyHandedDriver final : public DriverPluginInterface {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID HALVEX_DRIVER_PLUGIN_IID FILE "EmptyHandedDriver.json")
-    Q_INTERFACES(DriverPluginInterface)
 
 public:
     QString driverDescription() override { return {}; }

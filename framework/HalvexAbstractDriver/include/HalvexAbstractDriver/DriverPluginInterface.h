@@ -10,10 +10,12 @@
 
 class CChannel;
 class DeviceOptionWidgetInterface;
+class DriverPluginInterface;
 class HalvexDriverCoreInterface;
 class QWidget;
 
 #define HALVEX_DRIVER_PLUGIN_IID "org.halvex.driverplugin"
+Q_DECLARE_INTERFACE(DriverPluginInterface, HALVEX_DRIVER_PLUGIN_IID)
 
 // A driver as the host sees it: what it is called, which lines it serves, the pages and help texts for the
 // configuration dialogs, and the channels at run time. The order of the virtual operations is part of the
@@ -23,6 +25,7 @@ class QWidget;
 // makes belong to the caller.
 class HALVEXABSTRACTDRIVER_EXPORT DriverPluginInterface : public QObject {
     Q_OBJECT
+    Q_INTERFACES(DriverPluginInterface)
 
 public:
     explicit DriverPluginInterface(QObject* parent = nullptr);
@@ -71,5 +74,3 @@ public:
     virtual QStringList aoAddressDescriptions() = 0;
     virtual QStringList aiAddressDescriptions() = 0;
 };
-
-Q_DECLARE_INTERFACE(DriverPluginInterface, HALVEX_DRIVER_PLUGIN_IID)
