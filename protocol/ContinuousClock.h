@@ -8,12 +8,13 @@ namespace sbus {
 
 // Makes a count that goes on from a time-of-day reading, which starts again from 0 after a day and jumps
 // when somebody sets the clock. A clock that is set back by less than half a day makes the count stand still
-// for one reading; one that is set forward makes it jump. So two readings must not lie half a day apart, or
-// the count stands still for the time between them. Not thread-safe.
+// for one reading; one that is set forward makes it jump. Over more than half a day, such as that of a line
+// that was down, a time of day tells nothing: there the steady clock counts. Not thread-safe.
 class ContinuousClock {
 public:
-    // `reading`: milliseconds, 0 to 86,399,999.
-    explicit ContinuousClock(std::function<int()> reading);
+    // `timeOfDay`: milliseconds, 0 to 86,399,999. `steadyTime`: milliseconds from any moment on.
+    explicit ContinuousClock(std::function<int()> timeOfDay,
+                             std::function<qint64()> steadyTime = steadyMilliseconds);
 
     // Milliseconds since the clock was made, less those that were moved past. Never goes back by itself.
     quint32 elapsed();
@@ -21,8 +22,12 @@ public:
     void moveOriginBy(quint32 ms);
 
 private:
+    static qint64 steadyMilliseconds();
+
     std::function<int()> reading;
+    std::function<qint64()> steady;
     int last;
+    qint64 lastSteady;
     quint32 count = 0;
 };
 

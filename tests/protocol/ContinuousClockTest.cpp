@@ -4,13 +4,15 @@
 
 namespace {
 
-constexpr int day = 86'400'000; // milliseconds
+constexpr int hour = 3'600'000; // milliseconds
+constexpr int day = 24 * hour;
 
 struct ContinuousClockTest : testing::Test {
     int reading = 0;
+    qint64 steady = 0; // read only where a span of time is long
     sbus::ContinuousClock clockFrom(int first) {
         reading = first;
-        return sbus::ContinuousClock([this] { return reading; });
+        return sbus::ContinuousClock([this] { return reading; }, [this] { return steady; });
     }
 };
 
@@ -53,7 +55,7 @@ TEST_F(ContinuousClockTest, NeverGoesBackWhenSomebodySetsTheClockBack) {
     sbus::ContinuousClock clock = clockFrom(10 * 3'600'000);
     reading += 5'000;
     const quint32 before = clock.elapsed();
-    reading -= 3'600'000;
+    reading -= hour;
     EXPECT_GE(clock.elapsed(), before);
 }
 
@@ -66,6 +68,20 @@ TEST_F(ContinuousClockTest, StandsStillWhenTheClockIsSetBackToBeforeItsStart) {
     EXPECT_EQ(clock.elapsed(), 5'000u);
     reading += 100;
     EXPECT_EQ(clock.elapsed(), 5'100u);
+}
+
+// Nobody reads it while a line is down.
+TEST_F(ContinuousClockTest, CountsSpansOfMoreThanHalfADay) {
+    sbus::ContinuousClock clock = clockFrom(hour);
+    reading = 14 * hour;
+    steady = 13 * hour;
+    EXPECT_EQ(clock.elapsed(), 13u * hour);
+    reading = 17 * hour;
+    steady = 40 * hour;
+    EXPECT_EQ(clock.elapsed(), 40u * hour);
+    reading += 100;
+    steady += 100;
+    EXPECT_EQ(clock.elapsed(), 40u * hour + 100);
 }
 
 TEST_F(ContinuousClockTest, CountsFromALaterOriginOnceItIsMoved) {
