@@ -27,8 +27,10 @@ void SBusProtocolBase::submitRequest(const SBusRequest& request) {
     {
         const QMutexLocker lock(&mutex);
         if (currentLink() != nullptr) {
+            // Made first: without memory for it the table stays as it is.
+            std::list<SBusRequest> newest{request};
             removeRequest(request);
-            pending.push_front(request);
+            pending.splice(pending.begin(), newest);
             return;
         }
     }
