@@ -59,10 +59,11 @@ std::string PulseSupervisor::submit(const Command& command, CommandDone done) {
     return refusal;
 }
 
+// On Ethernet a lost answer is a channel error, too.
 void PulseSupervisor::noteResult(Pulse& pulse, DriverErrorResult result) {
     const std::lock_guard<std::mutex> lock(mutex);
     --pulse.commandsOnTheWay;
-    if (result == DriverErrorResult::ChannelError)
+    if (result == DriverErrorResult::ChannelError && pulse.channel->type == LineType::Serial)
         return;
     pulse.isWatched = true;
     pulse.widthIsOver = now() + std::chrono::milliseconds(pulse.point->pulseMs);

@@ -167,7 +167,8 @@ TEST_F(Pulses, ARefusedOnCommandChangesNothing) {
 }
 
 // The answer may have got lost, or the line was not there.
-TEST_F(Pulses, AnOnCommandWithoutAnAnswerCountsButOneWithoutALineDoesNot) {
+TEST_F(Pulses, OnASerialLineAnOnCommandWithoutAnAnswerCountsButOneWithoutALineDoesNot) {
+    site.channels[0].type = host::LineType::Serial;
     switchOnWith(DriverErrorResult::ChannelError);
     now += 2s;
     polls({1, 1, 1});
@@ -176,6 +177,14 @@ TEST_F(Pulses, AnOnCommandWithoutAnAnswerCountsButOneWithoutALineDoesNot) {
     now += 2s;
     polls({1, 1, 1});
     EXPECT_THAT(taker.texts, ElementsAre(on, on, off));
+}
+
+TEST_F(Pulses, OnEthernetALostAnswerIsAChannelErrorSoTheCommandCounts) {
+    site.channels[0].type = host::LineType::Ethernet;
+    switchOnWith(DriverErrorResult::ChannelError);
+    now += 2s;
+    polls({1, 1});
+    EXPECT_THAT(taker.texts, ElementsAre(on, off));
 }
 
 TEST_F(Pulses, APointWhoseOffCommandIsNotItsReleaseIsNotSupervised) {
