@@ -22,6 +22,8 @@ using Halvex::DriverErrorResult;
 constexpr std::chrono::milliseconds lookPeriod{20}; // how soon a signal is seen
 // Beyond the answer's time-out: a poll in progress, and 5 s each for a send and for a drain of the line.
 constexpr std::chrono::seconds patienceBeyondTimeOut{15};
+// A line that opens and closes again without sending so often in a row is no use.
+constexpr int mostTries = 5;
 
 CommandEnding notSent(const std::string& reason) {
     CommandEnding ending;
@@ -83,7 +85,7 @@ std::string CommandSender::awaitLine() {
 CommandEnding CommandSender::send(const CommandAction& action) {
     // The line may be closed and opened anew between the look at it and the command, and shortly after it was
     // opened the driver takes a command only to end it at once. Nothing was sent then.
-    for (;;) {
+    for (int tries = 1;; ++tries) {
         const std::string fault = awaitLine();
         if (!fault.empty())
             return notSent(fault);
@@ -98,12 +100,12 @@ CommandEnding CommandSender::send(const CommandAction& action) {
         const auto answer = static_cast<DriverErrorResult>(callDriver(*rtu, action, reply));
         if (answer == DriverErrorResult::Success) {
             const DriverErrorResult result = awaitReply(reply);
-            if (result == DriverErrorResult::ChannelError && !hasSentWrite())
+            if (result == DriverErrorResult::ChannelError && !hasSentWrite() && tries < mostTries)
                 continue;
             return endingOf(result);
         }
         reply->release();
-        if (answer != DriverErrorResult::ChannelError)
+        if (answer != DriverErrorResult::ChannelError || tries == mostTries)
             return notSent(std::string("the driver does not take the command: ") + resultText(answer));
     }
 }
