@@ -40,6 +40,17 @@ TEST_F(CLoggerBadDisk, FullDiskDropsAndCountsEveryLine) {
     EXPECT_EQ(figures().dropped, 1000U);
 }
 
+// The first of them, and the line that tells how often it came again.
+TEST_F(CLoggerBadDisk, FullDiskDropsAndCountsWhatRepeats) {
+    std::filesystem::create_symlink("/dev/full", logPath());
+    configure();
+    for (int i = 0; i < 10; ++i)
+        write(1, 0, QStringLiteral("the same"));
+    ASSERT_TRUE(flush());
+    EXPECT_EQ(figures().collapsed, 9U);
+    EXPECT_EQ(figures().dropped, 2U);
+}
+
 TEST_F(CLoggerBadDisk, FullDiskIsNotReportedOnTheConsole) {
     std::filesystem::create_symlink("/dev/full", logPath());
     testing::internal::CaptureStderr();

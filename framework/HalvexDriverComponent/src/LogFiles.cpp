@@ -54,7 +54,7 @@ public:
         const auto now = Clock::now();
         for (auto& [stem, file] : files)
             for (const auto& [source, report] : file.repeats.takeReports(now))
-                put(stem, file, reportMessage(report));
+                putReport(stem, file, report);
     }
 
 protected:
@@ -66,7 +66,7 @@ protected:
         const auto verdict =
             file.repeats.examine(source, {message.payload.data(), message.payload.size()}, Clock::now());
         if (verdict.report)
-            put(stem, file, reportMessage(*verdict.report));
+            putReport(stem, file, *verdict.report);
         if (verdict.repeated)
             ++counters->collapsed;
         else
@@ -86,8 +86,9 @@ private:
         RepeatedLines repeats;
     };
 
-    static spdlog::details::log_msg reportMessage(const std::string& text) {
-        return {spdlog::string_view_t(), spdlog::level::info, text};
+    void putReport(const std::string& stem, File& file, const std::string& text) {
+        if (!put(stem, file, {spdlog::string_view_t(), spdlog::level::info, text}))
+            ++counters->refused;
     }
 
     bool put(const std::string& stem, File& file, const spdlog::details::log_msg& message) {
