@@ -20,7 +20,7 @@ public:
     };
 
     // Both are called within add(), never after close(): `wakeReader` when there is something to take,
-    // `askIfRefused` with the channel and RTU of a command that failed.
+    // `askIfRefused` with the channel and RTU of a command that failed by its answer.
     FinishedCommands(std::function<void()> wakeReader, std::function<bool(int, int)> askIfRefused)
         : wake(std::move(wakeReader)), isRefused(std::move(askIfRefused)) {}
 
@@ -28,9 +28,11 @@ public:
         const std::lock_guard<std::mutex> lock(mutex);
         if (isClosed)
             return;
-        const bool hasFailed = result != Halvex::DriverErrorResult::Success;
+        // A channel error is no answer, so no refusal.
+        const bool hasAnswer =
+            result != Halvex::DriverErrorResult::Success && result != Halvex::DriverErrorResult::ChannelError;
         entries.push_back(
-            {ticket, index, {result, hasFailed && isRefused(command.channelId, command.rtuId), {}}});
+            {ticket, index, {result, hasAnswer && isRefused(command.channelId, command.rtuId), {}}});
         if (entries.size() == 1)
             wake();
     }
