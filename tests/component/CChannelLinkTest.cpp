@@ -111,6 +111,31 @@ TEST_F(CChannelLinks, TimeOutOfAnRtuIsNoAnswer) {
     EXPECT_EQ(channel.GetLink(), secondary);
 }
 
+// As on a serial line, where an RTU that does not answer leaves the channel connected.
+TEST_F(CChannelLinks, ThirdSilentRequestInARowChangesToTheSecondary) {
+    TestRtu* rtu = channel.addRtu(1);
+    channel.onItsThread([&] {
+        channel.SetConnect(true);
+        for (int request = 0; request < 2; ++request)
+            rtu->PutRtuStatus(true, false, 0, 0, 1, 0);
+        EXPECT_TRUE(channel.IsConnect());
+        rtu->PutRtuStatus(true, false, 0, 0, 1, 0);
+        EXPECT_FALSE(channel.IsConnect());
+    });
+    EXPECT_EQ(channel.GetLink(), secondary);
+}
+
+TEST_F(CChannelLinks, AnswerBetweenSilentRequestsStartsTheirCountAnew) {
+    TestRtu* rtu = channel.addRtu(1);
+    channel.onItsThread([&] {
+        channel.SetConnect(true);
+        for (int request = 0; request < 10; ++request)
+            rtu->PutRtuStatus(true, false, 0, request % 2 == 0 ? 1 : 0, request % 2 == 0 ? 0 : 1, 0);
+        EXPECT_TRUE(channel.IsConnect());
+    });
+    EXPECT_EQ(channel.GetLink(), primary);
+}
+
 TEST_F(CChannelLinks, DisconnectByTheHostIsNoChannelError) {
     for (int round = 0; round < 5; ++round) {
         channel.SetConnect(true);
@@ -136,6 +161,19 @@ TEST_F(CChannelLinks, ChangeStartsBothCountsAnew) {
     EXPECT_EQ(channel.GetLink(), secondary);
     failExchanges(1);
     EXPECT_EQ(channel.GetLink(), primary);
+}
+
+TEST(CChannel, WithoutASecondaryStaysConnectedThroughSilence) {
+    TaskChannel channel;
+    channel.SetLinks(std::make_unique<ScriptedLink>());
+    TestRtu* rtu = channel.addRtu(1);
+    channel.onItsThread([&] {
+        channel.SetConnect(true);
+        for (int request = 0; request < 10; ++request)
+            rtu->PutRtuStatus(true, false, 0, 0, 1, 0);
+        EXPECT_TRUE(channel.IsConnect());
+    });
+    EXPECT_EQ(channel.GetChannelStatus().channelErrors, 0U);
 }
 
 TEST(CChannel, WithoutASecondaryStaysOnThePrimary) {

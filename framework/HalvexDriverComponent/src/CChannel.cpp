@@ -140,6 +140,16 @@ void CChannel::NoteAnswer() {
     errorsInARow = 0;
 }
 
+// Where it closes the channel, as on Ethernet, it is counted there.
+void CChannel::NoteSilence() {
+    if (!IsConnect() || !links[0] || !links[1])
+        return;
+    if (errorsInARow + 1 < failuresUntilChange)
+        ++errorsInARow;
+    else
+        SetConnect(false);
+}
+
 ChannelStatus CChannel::GetChannelStatus() const {
     ChannelStatus status;
     status.connected = IsConnect();

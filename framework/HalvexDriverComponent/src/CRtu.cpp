@@ -145,8 +145,11 @@ bool CRtu::PutRtuStatus(bool, bool, unsigned requests, unsigned answers, unsigne
     ended.answers = answers;
     ended.timeOuts = timeOuts;
     ended.errors = errors;
-    if (takeRoundTrips(ended))
+    if (takeRoundTrips(ended)) {
         silent.store(answers == 0 && ended.lastRoundTrip.count() == 0, std::memory_order_relaxed);
+        if (IsSilent())
+            channel->NoteSilence();
+    }
     values->countRequest(ended);
     if (channel && answers > 0)
         channel->NoteAnswer();

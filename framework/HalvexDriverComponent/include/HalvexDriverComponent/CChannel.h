@@ -72,6 +72,10 @@ public:
     void PutChannelStatus();
     // An RTU has answered: the end in use works. Channel's thread.
     void NoteAnswer();
+    // A request of an RTU has ended without a byte of an answer. Where a line with two ends stays connected
+    // all the same, as serial ones do, the third in a row closes the end in use as a channel error does.
+    // Channel's thread.
+    void NoteSilence();
 
     ChannelStatus GetChannelStatus() const;
     // Ends a wait of the channel's thread on its link at once. Any thread; for a shutdown that cannot wait.
