@@ -21,6 +21,7 @@ using host::SetPoint;
 using host::SetPoints;
 using host::SwitchPoint;
 using host::SynchroniseClock;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -124,7 +125,7 @@ TEST_F(Dispatching, ACommandThatMeetsAClosedLinkIsHandedOverAgainWhenTheLinkIsOp
     rtus[7].refuse(channelError);
     submit(SetPoint{3, 1});
     submit(SetPoint{3, 2});
-    EXPECT_THAT(rtus[7].awaitCalls(3), ElementsAre("set 3 1", "set 3 1", "set 3 1"));
+    EXPECT_THAT(rtus[7].awaitCalls(3), Each("set 3 1"));
     EXPECT_THAT(results.all(), IsEmpty());
     rtus[7].takeAgain();
     rtus[7].answerAtOnce(success);

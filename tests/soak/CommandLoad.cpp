@@ -85,6 +85,7 @@ void CommandLoad::finish() {
     EXPECT_TRUE(haveEnded);
     expectResults();
     expectElementsHeldTheValues();
+    EXPECT_GT(doneCount(), 0);
 }
 
 void CommandLoad::expectResults() {
@@ -125,10 +126,15 @@ int CommandLoad::failuresBesides(int station) const {
     }));
 }
 
-std::string CommandLoad::figuresText() const {
+int CommandLoad::doneCount() const {
     const std::lock_guard<std::mutex> lock(mutex);
-    const auto done =
-        std::count_if(commands.begin(), commands.end(), [](const Given& given) { return given.isDone; });
+    return static_cast<int>(
+        std::count_if(commands.begin(), commands.end(), [](const Given& given) { return given.isDone; }));
+}
+
+std::string CommandLoad::figuresText() const {
+    const int done = doneCount();
+    const std::lock_guard<std::mutex> lock(mutex);
     return std::to_string(commands.size()) + " commands, " + std::to_string(done) + " done" +
            (mayBeLate ? ", " + std::to_string(lateCount) + " by an acknowledge that was not theirs" : "");
 }

@@ -82,6 +82,7 @@ TEST_P(DeadStation, OfFiveOnASerialLineLeavesTheOthersTimely) {
 
     plant.controllers().silence(1, dead, false);
     plant.expectRecovery();
+    plant.expectNoWrongValue();
     tellFigures(std::to_string(quietSpans) + " times 5 s, oldest value of the others " +
                 std::to_string(oldest.count()) + " ms of " + std::to_string(allowed.count()) +
                 ", a timer up to " + std::to_string(late.count()) + " ms late, " + plant.figuresText() +

@@ -13,13 +13,13 @@ namespace soak {
 // How old the values of each RTU grow until good ones take their place. Of one channel. Any thread.
 class GoodValueAges : public HalvexDriverCoreInterface {
 public:
-    // What was before does not count; each value is as old as it is.
+    // What was before does not count.
     void begin() {
         const std::lock_guard<std::mutex> lock(mutex);
         const Clock::time_point now = Clock::now();
         for (auto& [rtu, ages] : rtus) {
             ages.oldest = {};
-            ages.since = std::max(ages.since, now);
+            ages.since = now;
         }
     }
 
