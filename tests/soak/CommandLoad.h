@@ -24,8 +24,8 @@ public:
     void allowLateAcknowledges() { mayBeLate = true; }
     // Waits until the plant has ended so many requests besides the commands.
     void awaitPolls(std::uint64_t count);
-    // Gives no more commands and waits for the results of those that were given. Each has had exactly one,
-    // and some were a success; of each that succeeded, the element has held the value, or late acknowledges
+    // Waits for a command that succeeds, gives no more, and waits for the results of those that were given.
+    // Each has had exactly one; of each that succeeded, the element has held the value, or late acknowledges
     // are allowed and the one before it has been carried out.
     void finish();
     // Commands to other stations that were no success.
