@@ -1,31 +1,10 @@
 #include "ManyLines.h"
 
-#include <QCoreApplication>
+#include "UdpController.h"
 
-#include <asio/io_context.hpp>
-#include <asio/ip/udp.hpp>
 #include <gtest/gtest.h>
 
 namespace {
-
-// Ports that nobody has, from below those that the system gives to sockets by itself: while a line is cut, a
-// link that is opened anew must not be given the controllers' port.
-std::uint16_t nextFreePort() {
-    using asio::ip::udp;
-    constexpr std::uint16_t lowest = 20'000;
-    constexpr std::uint16_t count = 12'000;
-    static std::uint16_t next = static_cast<std::uint16_t>(QCoreApplication::applicationPid() * 97 % count);
-    asio::io_context context;
-    for (;;) {
-        next = static_cast<std::uint16_t>((next + 1) % count);
-        const auto port = static_cast<std::uint16_t>(lowest + next);
-        udp::socket socket(context, udp::v4());
-        std::error_code error;
-        socket.bind({asio::ip::address_v4::loopback(), port}, error);
-        if (!error)
-            return port;
-    }
-}
 
 sim::Site simulatedSite(const std::vector<LineType>& types, const QTemporaryDir& folder) {
     sim::Site site;
@@ -33,7 +12,7 @@ sim::Site simulatedSite(const std::vector<LineType>& types, const QTemporaryDir&
         const int id = static_cast<int>(site.lines.size()) + 1;
         const std::string device = folder.filePath(QStringLiteral("line%1").arg(id)).toStdString();
         if (type == LineType::Ethernet)
-            site.lines.push_back(sim::udpLine(id, {ManyLines::station}, nextFreePort()));
+            site.lines.push_back(sim::udpLine(id, {ManyLines::station}, unusedUdpPort()));
         else
             site.lines.push_back(sim::serialLine(id, {ManyLines::station},
                                                  type == LineType::SerialBreakMode ? sim::Framing::BreakMode

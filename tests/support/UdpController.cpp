@@ -1,5 +1,7 @@
 #include "UdpController.h"
 
+#include <QCoreApplication>
+
 #include <asio/buffer.hpp>
 
 #include <chrono>
@@ -40,5 +42,17 @@ void UdpController::send(const QByteArray& datagram, std::uint16_t toPort) {
 }
 
 std::uint16_t unusedUdpPort() {
-    return UdpController().port();
+    constexpr std::uint16_t lowest = 20'000;
+    constexpr std::uint16_t count = 12'000;
+    static auto next = static_cast<std::uint16_t>(QCoreApplication::applicationPid() * 97 % count);
+    asio::io_context context;
+    for (;;) {
+        next = static_cast<std::uint16_t>((next + 1) % count);
+        const auto port = static_cast<std::uint16_t>(lowest + next);
+        udp::socket socket(context, udp::v4());
+        asio::error_code error;
+        socket.bind({asio::ip::address_v4::loopback(), port}, error);
+        if (!error)
+            return port;
+    }
 }

@@ -26,5 +26,6 @@ private:
     asio::ip::udp::endpoint sender;
 };
 
-// A port of 127.0.0.1 that nobody listens on.
+// A port of 127.0.0.1 that nobody listens on, another one at each call, from below those that the system
+// gives to sockets by itself: no link that is opened must get it while its controllers are away.
 std::uint16_t unusedUdpPort();
