@@ -18,7 +18,7 @@ namespace host {
 // poll, it is commanded off, again and again until it reads off or is commanded on anew.
 //
 // A command that failed may have reached the controller all the same, and counts, but for a channel error of
-// a serial line, which sent nothing.
+// a serial line, which as a rule sent nothing: only a device that fails between command and answer did.
 //
 // Threads: any. Results of `taker` may come as long as this lives: end it first. The site outlives it.
 class PulseSupervisor : public CommandTaker, public HalvexDriverCoreInterface {
