@@ -22,6 +22,7 @@ double analogValue(int raw, bool isTimer, const QString& media, const AnalogPoin
 // Of the second address only the number is compared, and the value put for it is the one that was read at
 // the first: what stands at a second address of its own is never put.
 void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QList<quint8>& bits) {
+    stamp.beginTelegram();
     sbus::ElementKey key(media, start);
     int keyElement = 0;
     for (const auto& [element, pointNumber] : statusFinder->find(media, start, bits.size())) {
@@ -44,6 +45,7 @@ void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char va
 }
 
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
+    stamp.beginTelegram();
     const bool isTimer = media == QLatin1String("T");
     for (const auto& [element, pointNumber] : analogFinder->find(media, start, words.size())) {
         if (element >= words.size())

@@ -36,6 +36,14 @@ TEST(Checksum, AgreesWithAnotherWayOfWorkingItOutAfterEveryTwoBytes) {
     }
 }
 
+TEST(Checksum, AgreesWithAnotherWayOfWorkingItOutForEveryLengthOfATelegram) {
+    QByteArray bytes;
+    for (int length = 0; length <= 600; ++length) {
+        ASSERT_EQ(toHex(sbus::crc16(bytes)), toHex(bigEndian16(referenceChecksum(bytes)))) << length;
+        bytes.append(static_cast<char>(0xB5 + 37 * length));
+    }
+}
+
 TEST(Checksum, IsAppendedBehindAllThatTheFrameHolds) {
     QByteArray frame = hex("B5 00 01 02 08 00 64");
     sbus::appendChecksum(frame);

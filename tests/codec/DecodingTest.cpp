@@ -91,3 +91,8 @@ TEST(Decoding, ALongerAnswerGivesNoMoreThanWasAsked) {
     EXPECT_EQ(sbus::decodeBits(hex("FF FF FF  00 00"), 3), (Bits{1, 1, 1}));
     EXPECT_EQ(sbus::decodeWords(hex("00 00 00 01 00 00 00 02  00 00"), 1), Words{1});
 }
+
+TEST(Decoding, MoreElementsThanATelegramHoldsAreAllDecoded) {
+    EXPECT_EQ(sbus::decodeWords(hex("00 00 00 07").repeated(300) + hex("00 00"), 300).count(7), 300);
+    EXPECT_EQ(sbus::decodeBits(QByteArray(40, '\xFF') + hex("00 00"), 300).count(1), 300);
+}

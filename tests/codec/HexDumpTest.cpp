@@ -43,6 +43,15 @@ TEST(HexDump, ThirtySixBytesAreTwoFullLines) {
     EXPECT_EQ(dumpOf(QByteArray(36, '\0')), (QStringList{eighteenZeros, eighteenZeros}));
 }
 
+TEST(HexDump, EveryByteHasItsOwnTextAtEveryPlaceOfALine) {
+    for (int byte = 0; byte < 256; ++byte) {
+        const QString text = QString("%1 ").arg(byte, 2, 16, QChar('0')).toUpper();
+        for (int length = 1; length <= 18; ++length)
+            ASSERT_EQ(dumpOf(QByteArray(length, static_cast<char>(byte))),
+                      QStringList{text.repeated(length)});
+    }
+}
+
 TEST(HexDump, BytesAboveHexSevenFAreNotSignExtended) {
     EXPECT_EQ(dumpOf(hex("80 FF")), QStringList{"80 FF "});
 }

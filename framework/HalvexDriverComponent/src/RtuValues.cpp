@@ -10,58 +10,33 @@ CRtu::Values::Entry& CRtu::Values::Entries::search(unsigned number, std::mutex& 
     Entry& entry = byNumber[number];
     entry.published.analog = isAnalog;
     entry.published.number = number;
+    entry.staged = entry.published;
+    entry.staged.quality = PointQuality::Good;
     table.enter(number, &entry, byNumber.size());
     return entry;
 }
 
-void CRtu::Values::stageStatus(unsigned number, double value, const CMidTime& stamp, bool first) {
-    Entry& entry = statusEntries.of(number, mutex);
-    if (!first && entry.firstAddressSeen)
-        return;
-    entry.firstAddressSeen = first;
-    stage(entry, value, stamp);
-}
-
-void CRtu::Values::stageAnalog(unsigned number, double value, const CMidTime& stamp) {
-    stage(analogEntries.of(number, mutex), value, stamp);
-}
-
-void CRtu::Values::stage(Entry& entry, double value, const CMidTime& stamp) {
-    dropIfTurnedBad();
-    entry.stagedValue = value;
-    entry.stagedStamp = stamp;
-    if (entry.isStaged)
-        return;
-    entry.isStaged = true;
-    staged.push_back(&entry);
-}
-
 // What was staged before the values turned bad is part of what failed.
-void CRtu::Values::dropIfTurnedBad() {
-    const unsigned turns = turnsBad.load(std::memory_order_acquire);
-    if (turns == turnsBadSeen)
-        return;
+void CRtu::Values::dropStaged(unsigned turns) {
     turnsBadSeen = turns;
     for (Entry* entry : staged)
         entry->isStaged = false;
     staged.clear();
 }
 
-QVector<PointUpdate> CRtu::Values::publishStaged() {
+const QVector<PointUpdate>& CRtu::Values::publishStaged() {
     const std::lock_guard<std::mutex> lock(mutex);
     dropIfTurnedBad();
-    QVector<PointUpdate> updates(static_cast<int>(staged.size()));
-    PointUpdate* update = updates.data();
+    lastPublished.resize(static_cast<int>(staged.size()));
+    PointUpdate* update = lastPublished.data();
     for (Entry* entry : staged) {
-        entry->published.value = entry->stagedValue;
-        entry->published.stamp = entry->stagedStamp;
-        entry->published.quality = PointQuality::Good;
+        entry->published = entry->staged;
         entry->isStaged = false;
-        *update++ = entry->published;
+        *update++ = entry->staged;
     }
     anyGood = anyGood || !staged.empty();
     staged.clear();
-    return updates;
+    return lastPublished;
 }
 
 QVector<PointUpdate> CRtu::Values::turnBad() {

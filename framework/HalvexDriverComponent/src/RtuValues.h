@@ -17,11 +17,19 @@ class CRtu::Values {
 public:
     // A value that was read under a status point's second address never takes the place of one that was read
     // under its first.
-    void stageStatus(unsigned number, double value, const CMidTime& stamp, bool first);
-    void stageAnalog(unsigned number, double value, const CMidTime& stamp);
+    void stageStatus(unsigned number, double value, const CMidTime& stamp, bool first) {
+        Entry& entry = statusEntries.of(number, mutex);
+        if (!first && entry.firstAddressSeen)
+            return;
+        entry.firstAddressSeen = first;
+        stage(entry, value, stamp);
+    }
+    void stageAnalog(unsigned number, double value, const CMidTime& stamp) {
+        stage(analogEntries.of(number, mutex), value, stamp);
+    }
 
-    // What is staged becomes the points' good state.
-    QVector<PointUpdate> publishStaged();
+    // What is staged becomes the points' good state. The changes stay until the next call.
+    const QVector<PointUpdate>& publishStaged();
     // What is staged will never be published; the points that were good until now.
     QVector<PointUpdate> turnBad();
     QVector<PointUpdate> states(const CPointList& all) const;
@@ -35,8 +43,7 @@ public:
 private:
     struct Entry {
         PointUpdate published; // under the mutex
-        double stagedValue = 0;
-        CMidTime stagedStamp;
+        PointUpdate staged;
         bool isStaged = false;
         bool firstAddressSeen = false;
     };
@@ -56,8 +63,21 @@ private:
         NumberTable<Entry> table;
     };
 
-    void stage(Entry& entry, double value, const CMidTime& stamp);
-    void dropIfTurnedBad();
+    void stage(Entry& entry, double value, const CMidTime& stamp) {
+        dropIfTurnedBad();
+        entry.staged.value = value;
+        entry.staged.stamp = stamp;
+        if (entry.isStaged)
+            return;
+        entry.isStaged = true;
+        staged.push_back(&entry);
+    }
+    void dropIfTurnedBad() {
+        const unsigned turns = turnsBad.load(std::memory_order_acquire);
+        if (turns != turnsBadSeen)
+            dropStaged(turns);
+    }
+    void dropStaged(unsigned turns);
     static void collectBad(Entries& entries, QVector<PointUpdate>& changed);
     static PointUpdate stateOf(const Entries& entries, unsigned number, bool analog);
 
@@ -70,5 +90,6 @@ private:
 
     // The staging thread's own.
     std::vector<Entry*> staged;
+    QVector<PointUpdate> lastPublished; // keeps its memory for the next values
     unsigned turnsBadSeen = 0;
 };

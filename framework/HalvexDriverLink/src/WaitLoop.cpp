@@ -40,12 +40,11 @@ bool WaitLoop::mayWait() const {
 void WaitLoop::waitUntil(Clock::time_point deadline, const bool& finished) {
     // restart() comes before the question: a wake() before it has set its flag already, a wake() after it
     // stops the run. A wake() meant for an earlier wait only costs one more turn.
-    for (;;) {
+    do {
         ioContext->restart();
-        if (finished || !mayWait() || Clock::now() >= deadline)
+        if (finished || !mayWait())
             break;
-        ioContext->run_one_until(deadline);
-    }
+    } while (ioContext->run_one_until(deadline) > 0 || Clock::now() < deadline);
     // What is there by now counts, however late this thread came to look.
     if (!finished)
         ioContext->poll_one();
