@@ -181,8 +181,8 @@ void ControlService::submit(ClientId client, const QJsonValue& id,
     for (std::size_t i = 0; i < commands.size(); ++i) {
         const Command& command = commands[i].command;
         request.subjects.push_back(commands[i].subject);
-        const auto done = [results = finished, ticket, i, command](DriverErrorResult result) {
-            results->add(ticket, i, result, command);
+        const auto done = [results = finished, ticket, i, command](const CommandEnd& end) {
+            results->add(ticket, i, end.result, command);
         };
         request.outcomes[i].why = controlled.submit(command, done);
         if (request.outcomes[i].why.empty())

@@ -34,9 +34,9 @@ void ClockSchedule::publishRtuStatus(int channelId, int rtuId, const RtuStatus& 
 void ClockSchedule::setClock(const Entry& entry) {
     const std::string failure = nameOf(*entry.channel, entry.rtu) + ": its clock could not be set: ";
     const std::string refusal = taker.submit({entry.channel->id, entry.rtu->id, SynchroniseClock{}},
-                                             [this, failure](DriverErrorResult result) {
-                                                 if (result != DriverErrorResult::Success)
-                                                     tell(failure + resultText(result));
+                                             [this, failure](const CommandEnd& end) {
+                                                 if (end.result != DriverErrorResult::Success)
+                                                     tell(failure + resultText(end.result));
                                              });
     if (!refusal.empty())
         tell(failure + refusal);

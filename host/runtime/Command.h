@@ -35,9 +35,15 @@ struct Command {
     CommandAction action;
 };
 
-// Told once how a command has ended. Called on a thread of the taker's: it must return soon and may submit
-// the next command.
-using CommandDone = std::function<void(Halvex::DriverErrorResult)>;
+// How a command has ended.
+struct CommandEnd {
+    Halvex::DriverErrorResult result = Halvex::DriverErrorResult::Success;
+    // By the driver, which may have sent it, or a part of it, even when it failed; false: nothing was sent.
+    bool wasTaken = true;
+};
+
+// Told once. Called on a thread of the taker's: it must return soon and may submit the next command.
+using CommandDone = std::function<void(const CommandEnd&)>;
 
 // Where commands are given in. Any thread.
 class CommandTaker {

@@ -117,8 +117,8 @@ void CommandDispatcher::run() {
         const bool isLast = stopping;
         if (isLast || !work.results.empty() || !work.calls.empty()) {
             lock.unlock();
-            for (const auto& [done, result] : work.results)
-                done(result);
+            for (const auto& [done, end] : work.results)
+                done(end);
             for (const Call& call : work.calls)
                 makeCall(call);
             if (isLast)
@@ -145,21 +145,21 @@ CommandDispatcher::Work CommandDispatcher::collectWork() {
 }
 
 void CommandDispatcher::takeEndedCalls(Work& work) {
-    for (const CallEnd& end : std::exchange(mailbox->endedCalls, {}))
+    for (const CallEnd& ended : std::exchange(mailbox->endedCalls, {}))
         for (auto& [channelId, line] : lines)
-            if (line.call && line.call->number == end.number)
-                endCall(line, end, work);
+            if (line.call && line.call->number == ended.number)
+                endCall(line, ended.end, work);
 }
 
 void CommandDispatcher::endOverdueCalls(Work& work) {
     const Clock::time_point now = Clock::now();
     for (auto& [channelId, line] : lines)
         if (line.call && line.call->deadline <= now)
-            endCall(line, {line.call->number, Result::TimeOut}, work);
+            endCall(line, {Result::TimeOut}, work);
 }
 
 // Its job stays for another try, goes on to the next call, or ends.
-void CommandDispatcher::endCall(Line& line, const CallEnd& end, Work& work) {
+void CommandDispatcher::endCall(Line& line, const CommandEnd& end, Work& work) {
     RtuLane& lane = *line.call->lane;
     line.call.reset();
     if (end.wasTaken)
@@ -167,10 +167,11 @@ void CommandDispatcher::endCall(Line& line, const CallEnd& end, Work& work) {
     else if (end.result == Result::ChannelError && isReopening(line))
         return;
     Job& job = *lane.current;
+    const bool wasTaken = end.wasTaken || job.next > 0;
     ++job.next;
     if (end.result == Result::Success && job.next < job.calls.size())
         return;
-    work.results.emplace_back(std::move(job.done), end.result);
+    work.results.emplace_back(std::move(job.done), CommandEnd{end.result, wasTaken});
     lane.current.reset();
     if (lane.waiting.empty())
         return;
@@ -208,10 +209,10 @@ void CommandDispatcher::beginCall(Line& line, Work& work) {
 void CommandDispatcher::abandonAll(Work& work) {
     for (auto& [ids, lane] : lanes) {
         if (lane.current)
-            work.results.emplace_back(std::move(lane.current->done), Result::ChannelError);
+            work.results.emplace_back(std::move(lane.current->done), CommandEnd{Result::ChannelError});
         lane.current.reset();
         for (Job& job : lane.waiting)
-            work.results.emplace_back(std::move(job.done), Result::ChannelError);
+            work.results.emplace_back(std::move(job.done), CommandEnd{Result::ChannelError, false});
         lane.waiting.clear();
     }
     for (auto& [channelId, line] : lines)
@@ -241,13 +242,13 @@ void CommandDispatcher::makeCall(const Call& call) {
     reply->notify([box = mailbox, wasRefused = isRefused, number = call.number,
                    channelId = call.lane->channel->id, rtuId = call.lane->configured->id](Result ended) {
         const bool isUntold = ended == Result::Success && wasRefused(channelId, rtuId);
-        box->put({number, isUntold ? Result::BadData : ended});
+        box->put({number, {isUntold ? Result::BadData : ended}});
     });
     const auto result = static_cast<Result>(callDriver(rtu, call.action, reply));
     if (result == Result::Success)
         return;
     reply->release();
-    mailbox->put({call.number, result, false});
+    mailbox->put({call.number, {result, false}});
 }
 
 } // namespace host

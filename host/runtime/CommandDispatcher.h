@@ -96,15 +96,13 @@ private:
         Clock::time_point nextTry; // no call before
     };
 
-    // How a driver call has ended.
     struct CallEnd {
         std::uint64_t number = 0;
-        Result result = Result::Success;
-        bool wasTaken = true; // by the driver; false: nothing was sent
+        CommandEnd end;
     };
 
     // What is to be done once the lock is given up: results told, calls made.
-    using Told = std::pair<CommandDone, Result>;
+    using Told = std::pair<CommandDone, CommandEnd>;
     struct Call {
         std::uint64_t number = 0;
         const RtuLane* lane = nullptr;
@@ -125,7 +123,7 @@ private:
     void takeEndedCalls(Work& work);
     void endOverdueCalls(Work& work);
     void beginCall(Line& line, Work& work);
-    void endCall(Line& line, const CallEnd& end, Work& work);
+    void endCall(Line& line, const CommandEnd& end, Work& work);
     static bool isReopening(Line& line);
     void abandonAll(Work& work);
     std::optional<Clock::time_point> nextDeadline() const;

@@ -47,11 +47,10 @@ std::string PulseSupervisor::submit(const Command& command, CommandDone done) {
         const std::lock_guard<std::mutex> lock(mutex);
         ++pulse->commandsOnTheWay;
     }
-    std::string refusal =
-        taker.submit(command, [this, pulse, done = std::move(done)](DriverErrorResult result) {
-            noteResult(*pulse, result);
-            done(result);
-        });
+    std::string refusal = taker.submit(command, [this, pulse, done = std::move(done)](const CommandEnd& end) {
+        noteEnd(*pulse, end);
+        done(end);
+    });
     if (!refusal.empty()) {
         const std::lock_guard<std::mutex> lock(mutex);
         --pulse->commandsOnTheWay;
@@ -59,11 +58,10 @@ std::string PulseSupervisor::submit(const Command& command, CommandDone done) {
     return refusal;
 }
 
-// On Ethernet a lost answer is a channel error, too.
-void PulseSupervisor::noteResult(Pulse& pulse, DriverErrorResult result) {
+void PulseSupervisor::noteEnd(Pulse& pulse, const CommandEnd& end) {
     const std::lock_guard<std::mutex> lock(mutex);
     --pulse.commandsOnTheWay;
-    if (result == DriverErrorResult::ChannelError && pulse.channel->type == LineType::Serial)
+    if (!end.wasTaken)
         return;
     pulse.isWatched = true;
     pulse.widthIsOver = now() + std::chrono::milliseconds(pulse.point->pulseMs);
@@ -95,7 +93,7 @@ void PulseSupervisor::look(Pulse& pulse, const PointUpdate& update) {
 void PulseSupervisor::switchOff(Pulse& pulse) {
     const Command command{pulse.channel->id, pulse.rtu->id, SwitchPoint{pulse.point->id, false}};
     const std::string refusal =
-        taker.submit(command, [this, &pulse](DriverErrorResult result) { noteSwitchedOff(pulse, result); });
+        taker.submit(command, [this, &pulse](const CommandEnd& end) { noteSwitchedOff(pulse, end.result); });
     pulse.isBeingSwitchedOff = refusal.empty(); // a refused one is tried again with the next value
     if (pulse.tries++ > 0)
         return;

@@ -17,8 +17,8 @@ namespace host {
 // from the driver. When a pulse point that was commanded on still reads on after its width and a further
 // poll, it is commanded off, again and again until it reads off or is commanded on anew.
 //
-// A command that failed may have reached the controller all the same, and counts, but for a channel error of
-// a serial line, which as a rule sent nothing: only a device that fails between command and answer did.
+// A command that failed may have reached the controller all the same: its answer was lost, or the line's
+// device failed before it came. So it counts, unless the driver never took it.
 //
 // Threads: any. Results of `taker` may come as long as this lives: end it first. The site outlives it.
 class PulseSupervisor : public CommandTaker, public HalvexDriverCoreInterface {
@@ -56,7 +56,7 @@ private:
     };
 
     Pulse* find(const Key& key);
-    void noteResult(Pulse& pulse, Halvex::DriverErrorResult result);
+    void noteEnd(Pulse& pulse, const CommandEnd& end);
     void look(Pulse& pulse, const PointUpdate& update);
     void switchOff(Pulse& pulse);
     void noteSwitchedOff(Pulse& pulse, Halvex::DriverErrorResult result);

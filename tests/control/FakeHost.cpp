@@ -62,7 +62,7 @@ std::string FakeHost::submit(const host::Command& command, host::CommandDone don
         }
         end = result;
     }
-    done(end); // asks back whether it was refused
+    done({end}); // asks back whether it was refused
     return {};
 }
 
@@ -121,8 +121,8 @@ void FakeHost::release() {
         isHolding = false;
         ended.swap(held);
     }
-    for (const host::CommandDone& end : ended)
-        end(result);
+    for (const host::CommandDone& done : ended)
+        done({result});
 }
 
 std::vector<host::Command> FakeHost::commands() const {

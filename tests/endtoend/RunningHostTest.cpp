@@ -61,8 +61,8 @@ TEST(RunningHost, TenThousandCommandsFromFourThreadsAreCarriedOutOnceAndInOrder)
                 const host::Command command = CommandedPlant::command(
                     i % pointsOfEach == 4 ? host::CommandAction(SwitchPoint{point, (i & 1) != 0})
                                           : host::CommandAction(SetPoint{point, static_cast<double>(i)}));
-                const auto done = [&](DriverErrorResult result) {
-                    successes += result == success ? 1 : 0;
+                const auto done = [&](const host::CommandEnd& end) {
+                    successes += end.result == success ? 1 : 0;
                     ++results;
                 };
                 while (!plant.commands().submit(command, done).empty()) // the queue is full
@@ -104,8 +104,8 @@ TEST(RunningHost, EveryPulseOnABusySerialLineEnds) {
         const host::Command command =
             CommandedPlant::command(SwitchPoint{static_cast<unsigned>(random() % outputs), true});
         ASSERT_EQ(plant.commands().submit(command,
-                                          [&](DriverErrorResult result) {
-                                              successes += result == success ? 1 : 0;
+                                          [&](const host::CommandEnd& end) {
+                                              successes += end.result == success ? 1 : 0;
                                               ++results;
                                           }),
                   "");
@@ -161,8 +161,8 @@ TEST(RunningHost, AStopEndsEveryCommandOnce) {
     for (unsigned i = 0; i < 500; ++i)
         taken += plant.commands()
                      .submit(CommandedPlant::command(SetPoint{1, static_cast<double>(i)}),
-                             [&](DriverErrorResult result) {
-                                 successes += result == success ? 1 : 0;
+                             [&](const host::CommandEnd& end) {
+                                 successes += end.result == success ? 1 : 0;
                                  ++results;
                              })
                      .empty();

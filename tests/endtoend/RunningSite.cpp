@@ -34,8 +34,8 @@ void RunningSite::stop() {
 Halvex::DriverErrorResult RunningSite::carryOut(const host::Command& command) {
     std::promise<Halvex::DriverErrorResult> promise;
     std::future<Halvex::DriverErrorResult> result = promise.get_future();
-    const std::string refusal =
-        commands().submit(command, [&promise](Halvex::DriverErrorResult ended) { promise.set_value(ended); });
+    const std::string refusal = commands().submit(
+        command, [&promise](const host::CommandEnd& end) { promise.set_value(end.result); });
     EXPECT_EQ(refusal, "");
     return refusal.empty() ? result.get() : Halvex::DriverErrorResult::NotSupported;
 }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <future>
 #include <map>
 #include <thread>
 
@@ -118,6 +119,28 @@ TEST_F(Dispatching, ADriverRefusalIsTheResult) {
     rtus[7].refuse(DriverErrorResult::UnsupportedAddress);
     submit(SwitchPoint{1, true});
     EXPECT_THAT(results.await(1), ElementsAre(Pair(0, DriverErrorResult::UnsupportedAddress)));
+}
+
+TEST_F(Dispatching, TellsWhetherTheDriverTookWhatHasFailed) {
+    std::promise<host::CommandEnd> first;
+    std::promise<host::CommandEnd> second;
+    std::promise<host::CommandEnd> third;
+    const auto into = [](std::promise<host::CommandEnd>& promise) {
+        return [&promise](const host::CommandEnd& end) { promise.set_value(end); };
+    };
+    dispatcher().submit({4, 7, SwitchPoint{1, true}}, into(first));
+    rtus[7].awaitCalls(1);
+    rtus[7].end(channelError);
+    EXPECT_TRUE(first.get_future().get().wasTaken) << "it may have been sent";
+
+    dispatcher().submit({4, 7, SetPoints{{{2, 1.5}, {3, 4}}}}, into(second));
+    rtus[7].awaitCalls(2);
+    rtus[7].refuse(channelError);
+    rtus[7].end(success);
+    EXPECT_TRUE(second.get_future().get().wasTaken) << "a part of it was sent";
+
+    dispatcher().submit({4, 7, SwitchPoint{1, true}}, into(third));
+    EXPECT_FALSE(third.get_future().get().wasTaken);
 }
 
 // After a lost answer the channel closes its link and opens it again in its next turn.
@@ -269,10 +292,10 @@ TEST_F(Dispatching, AResultAtTheMomentOfTheStopIsToldOnce) {
 TEST_F(Dispatching, AResultMayBeAnsweredWithTheNextCommand) {
     rtus[7].answerAtOnce(success);
     std::function<void(int)> next = [&](int left) {
-        const auto done = [&next, left, told = results.of(left)](DriverErrorResult result) {
+        const auto done = [&next, left, told = results.of(left)](const host::CommandEnd& end) {
             if (left > 0)
                 next(left - 1);
-            told(result);
+            told(end);
         };
         EXPECT_EQ(dispatcher().submit({4, 7, SwitchPoint{1, true}}, done), "");
     };

@@ -10,9 +10,9 @@
 class CommandResults {
 public:
     host::CommandDone of(int number) {
-        return [this, number](Halvex::DriverErrorResult result) {
+        return [this, number](const host::CommandEnd& end) {
             const std::lock_guard<std::mutex> lock(mutex);
-            results.emplace_back(number, result);
+            results.emplace_back(number, end.result);
             arrived.notify_all();
         };
     }

@@ -18,10 +18,11 @@ public:
     }
 
     // Ends the oldest command.
-    void end(Halvex::DriverErrorResult result) {
+    void end(Halvex::DriverErrorResult result) { end(host::CommandEnd{result}); }
+    void end(const host::CommandEnd& commandEnd) {
         const host::CommandDone done = std::move(waiting.front());
         waiting.pop_front();
-        done(result);
+        done(commandEnd);
     }
 
     std::string refusal;            // of all commands, unless it is empty

@@ -51,10 +51,10 @@ void CommandLoad::commandNext(Operator& one) {
     const std::string refusal = plant.host().commands().submit(
         {one.lineId, one.station,
          host::SetPoint{TaggedPlant::firstSetPoint + index, static_cast<double>(given->value)}},
-        [this, given, &one](Halvex::DriverErrorResult result) {
+        [this, given, &one](const host::CommandEnd& end) {
             const std::lock_guard<std::mutex> lock(mutex);
             ++given->results;
-            given->isDone = result == Halvex::DriverErrorResult::Success;
+            given->isDone = end.result == Halvex::DriverErrorResult::Success;
             one.waits = false;
         });
     EXPECT_EQ(refusal, "");

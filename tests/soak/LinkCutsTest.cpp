@@ -28,9 +28,9 @@ public:
     explicit Results(std::size_t most) : ends(most) {}
 
     host::CommandDone note(std::size_t command) {
-        return [this, command](DriverErrorResult result) {
+        return [this, command](const host::CommandEnd& end) {
             ++ends[command];
-            ++(result == DriverErrorResult::Success ? successes : failures);
+            ++(end.result == DriverErrorResult::Success ? successes : failures);
         };
     }
 

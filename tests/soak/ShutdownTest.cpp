@@ -160,7 +160,7 @@ private:
     void submitPulse(int line) {
         const host::Command on = ManyLines::command(line, SwitchPoint{pulsePoint, true});
         ++given;
-        EXPECT_EQ(plant.commands().submit(on, [this](Halvex::DriverErrorResult) { ++results; }), "");
+        EXPECT_EQ(plant.commands().submit(on, [this](const host::CommandEnd&) { ++results; }), "");
     }
 };
 
