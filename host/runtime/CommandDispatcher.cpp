@@ -207,16 +207,20 @@ void CommandDispatcher::beginCall(Line& line, Work& work) {
 }
 
 void CommandDispatcher::abandonAll(Work& work) {
-    for (auto& [ids, lane] : lanes) {
-        if (lane.current)
-            work.results.emplace_back(std::move(lane.current->done), CommandEnd{Result::ChannelError});
-        lane.current.reset();
-        for (Job& job : lane.waiting)
-            work.results.emplace_back(std::move(job.done), CommandEnd{Result::ChannelError, false});
-        lane.waiting.clear();
-    }
-    for (auto& [channelId, line] : lines)
+    for (auto& [channelId, line] : lines) {
+        for (RtuLane* const lane : line.lanes) {
+            const bool isOnTheWay = line.call && line.call->lane == lane;
+            if (lane->current)
+                work.results.emplace_back(
+                    std::move(lane->current->done),
+                    CommandEnd{Result::ChannelError, isOnTheWay || lane->current->next > 0});
+            lane->current.reset();
+            for (Job& job : lane->waiting)
+                work.results.emplace_back(std::move(job.done), CommandEnd{Result::ChannelError, false});
+            lane->waiting.clear();
+        }
         line.call.reset();
+    }
 }
 
 std::optional<CommandDispatcher::Clock::time_point> CommandDispatcher::nextDeadline() const {

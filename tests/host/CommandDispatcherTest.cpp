@@ -270,6 +270,18 @@ TEST_F(Dispatching, StoppingEndsWhatWaitsAndWhatIsInProgress) {
     dispatcher().stop();
 }
 
+TEST_F(Dispatching, OfWhatAStopEndsOnlyTheCommandOnItsWayMayHaveBeenSent) {
+    std::vector<bool> wereTaken;
+    const auto note = [&](const host::CommandEnd& end) { wereTaken.push_back(end.wasTaken); };
+    dispatcher().submit({4, 7, SwitchPoint{1, true}}, note);
+    rtus[7].awaitCalls(1);
+    dispatcher().submit({4, 7, SwitchPoint{1, false}}, note);
+    dispatcher().submit({4, 8, SwitchPoint{1, true}}, note);
+    dispatcher().stop();
+    EXPECT_THAT(wereTaken, ElementsAre(true, false, false));
+    rtus[7].end(success); // too late
+}
+
 TEST_F(Dispatching, AResultAtTheMomentOfTheStopIsToldOnce) {
     for (int round = 0; round < 200; ++round) {
         CommandResults told;

@@ -4,7 +4,9 @@
 
 #include <QDateTime>
 
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 using Halvex::PointDataType;
 
@@ -225,6 +227,24 @@ TEST_F(PublishingTest, MarksValuesAsRealWithoutARemarkAndStampedNow) {
         EXPECT_EQ(put.stamp.status(), 0);
         EXPECT_GE(put.stamp.toMSecsSinceEpoch(), before);
         EXPECT_LE(put.stamp.toMSecsSinceEpoch(), after);
+    }
+}
+
+TEST_F(PublishingTest, StampsTheValuesOfEachTelegramAnew) {
+    addStatus(1, "I5");
+    addAnalog(1, "R5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    for (std::size_t telegram = 0; telegram < 4; ++telegram) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        const qint64 before = QDateTime::currentMSecsSinceEpoch();
+        if (telegram % 2 == 0)
+            publishStatus(5, "I", {1});
+        else
+            publishAnalog(5, "R", {7});
+        ASSERT_EQ(puts.remarks.size(), telegram + 1);
+        EXPECT_GE(puts.remarks.back().stamp.toMSecsSinceEpoch(), before);
+        EXPECT_LE(puts.remarks.back().stamp.toMSecsSinceEpoch(), QDateTime::currentMSecsSinceEpoch());
     }
 }
 

@@ -38,7 +38,7 @@ protected:
 } // namespace
 
 TEST_F(ValueStampTest, IsTheMillisecondInWhichTheValueIsPut) {
-    setClock(979us);
+    setClock(969us);
     stamp.beginTelegram();
     EXPECT_EQ(next(), millisecond);
     EXPECT_EQ(stamp.now().status(), 0);
@@ -46,11 +46,11 @@ TEST_F(ValueStampTest, IsTheMillisecondInWhichTheValueIsPut) {
 
 TEST_F(ValueStampTest, OneLookServesTheNextValuesOfATelegram) {
     stamp.beginTelegram();
-    for (int i = 0; i < 64; ++i)
+    for (int i = 0; i < 16; ++i)
         EXPECT_EQ(next(), millisecond);
     EXPECT_EQ(SteppedClock::looks, 1);
     setClock(1ms);
-    EXPECT_EQ(next(), millisecond + 1) << "the sixty-fifth value has a look of its own";
+    EXPECT_EQ(next(), millisecond + 1) << "the seventeenth value has a look of its own";
 }
 
 TEST_F(ValueStampTest, TheValuesOfTheNextTelegramTakeNoOlderOne) {
@@ -62,10 +62,10 @@ TEST_F(ValueStampTest, TheValuesOfTheNextTelegramTakeNoOlderOne) {
 }
 
 TEST_F(ValueStampTest, JustBeforeTheMillisecondIsOverEachValueHasALookOfItsOwn) {
-    setClock(980us, 4us);
+    setClock(970us, 6us);
     stamp.beginTelegram();
     for (int i = 1; i <= 4; ++i)
-        EXPECT_EQ(next(), millisecond) << "at 984, 988, 992 and 996 us";
+        EXPECT_EQ(next(), millisecond) << "at 976, 982, 988 and 994 us";
     EXPECT_EQ(next(), millisecond + 1);
     EXPECT_EQ(SteppedClock::looks, 5);
 }

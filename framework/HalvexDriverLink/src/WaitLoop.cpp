@@ -46,8 +46,10 @@ void WaitLoop::waitUntil(Clock::time_point deadline, const bool& finished) {
             break;
     } while (ioContext->run_one_until(deadline) > 0 || Clock::now() < deadline);
     // What is there by now counts, however late this thread came to look.
-    if (!finished)
-        ioContext->poll_one();
+    if (finished)
+        return;
+    ioContext->restart();
+    ioContext->poll_one();
 }
 
 void WaitLoop::runOut(const bool& finished) {
