@@ -8,8 +8,6 @@ namespace host {
 
 namespace {
 
-using Halvex::DriverErrorResult;
-
 // Figures are counted anew no sooner: a client that asks without pause costs the host no more than this.
 constexpr std::chrono::milliseconds statusAge{100};
 constexpr std::size_t mostFaultsTold = 3; // of wrong names in one request

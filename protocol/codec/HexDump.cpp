@@ -32,9 +32,9 @@ void writeText(ushort* characters, char byte) {
 // Six at a time, in which the compiler leaves no loop: a turn of it costs more than a byte.
 void writeLine(ushort* characters, const char* bytes, int count) {
     constexpr int atOnce = 6;
-    for (; count >= atOnce; count -= atOnce, bytes += atOnce, characters += atOnce * charactersOfByte)
-        for (int i = 0; i < atOnce; ++i)
-            writeText(characters + i * charactersOfByte, bytes[i]);
+    for (; count >= atOnce; count -= atOnce)
+        for (int i = 0; i < atOnce; ++i, ++bytes, characters += charactersOfByte)
+            writeText(characters, *bytes);
     for (; count > 0; --count, ++bytes, characters += charactersOfByte)
         writeText(characters, *bytes);
 }
