@@ -1,8 +1,6 @@
 #include "runtime/CommandDispatcher.h"
 
-#include "CommandResults.h"
-#include "CommandedRtu.h"
-#include "SmallSite.h"
+#include "Dispatching.h"
 #include "runtime/HostRuntime.h"
 
 #include <gmock/gmock.h>
@@ -33,44 +31,6 @@ namespace {
 constexpr auto success = DriverErrorResult::Success;
 constexpr auto timeOut = DriverErrorResult::TimeOut;
 constexpr auto channelError = DriverErrorResult::ChannelError;
-
-// The small site's RTU 7 and a second one, 8, of the same line.
-class Dispatching : public testing::Test {
-protected:
-    Dispatching() {
-        host::Rtu second = site.channels[0].rtus[0];
-        second.id = 8;
-        second.name = "tank";
-        site.channels[0].rtus.push_back(second);
-    }
-    void TearDown() override {
-        made.reset();
-        EXPECT_EQ(CReply::liveCount(), 0);
-    }
-
-    CommandDispatcher& dispatcher(std::chrono::milliseconds timeLimit = std::chrono::hours(1)) {
-        if (!made)
-            made = std::make_unique<CommandDispatcher>(
-                site, [this](int, int id) { return &rtus[id]; },
-                [this](int, int id) { return refusing == id; },
-                [timeLimit](const host::Channel&) { return timeLimit; });
-        return *made;
-    }
-
-    // The refusal; the result goes into `results` under the next number.
-    std::string submit(const CommandAction& action, int rtuId = 7, int channelId = 4) {
-        return dispatcher().submit({channelId, rtuId, action}, results.of(nextNumber++));
-    }
-
-    const host::Point& flow() const { return site.channels[0].rtus[0].points[1]; }
-
-    host::Site site = smallSite();
-    std::map<int, CommandedRtu> rtus;
-    CommandResults results; // outlives the dispatcher, which tells them
-    std::unique_ptr<CommandDispatcher> made;
-    int nextNumber = 0;
-    std::atomic<int> refusing{0}; // the RTU whose controller refuses what the driver takes for done
-};
 
 } // namespace
 
@@ -350,52 +310,4 @@ TEST_F(Dispatching, TenThousandCommandsFromFourThreadsHaveTenThousandResults) {
         ASSERT_TRUE(isFirst || number == last->second + 1) << number;
         last->second = number;
     }
-}
-
-TEST_F(Dispatching, WhatNoRtuCanDoIsRefusedWithItsReason) {
-    site.channels[0].rtus[0].points[0].address = {'I', 3};
-    const std::string who = "channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5)";
-    EXPECT_EQ(submit(SwitchPoint{1, true}, 7, 5), "there is no channel 5; check its id in the site file");
-    EXPECT_EQ(submit(SwitchPoint{1, true}, 9), "channel 4 has no RTU 9; check its id in the site file");
-    EXPECT_EQ(submit(SwitchPoint{99, true}),
-              who + ": there is no point 99; check its number in the point table");
-    EXPECT_EQ(submit(SwitchPoint{1, true}),
-              who +
-                  ", point 1 \"RUN\" (I3): is an input, which nobody can switch; command the output or flag "
-                  "that acts on it");
-    EXPECT_EQ(submit(SwitchPoint{3, true}), who + ", point 3 \"LEVEL\" (R101): is a register and cannot be "
-                                                  "switched; give it a value instead");
-    EXPECT_EQ(submit(SetPoint{1, 1}), who + ", point 1 \"RUN\" (I3): is no register, timer or counter and "
-                                            "takes no value; switch it on or off instead");
-    EXPECT_EQ(submit(SetPoints{{{3, 1}, {4, 1}}}),
-              who + ": there is no point 4; check its number in the point table");
-    EXPECT_EQ(submit(SetPoints{}), who + ": no values to set; give at least one");
-    EXPECT_THAT(results.all(), IsEmpty());
-    EXPECT_THAT(rtus[7].calls(), IsEmpty());
-}
-
-TEST_F(Dispatching, ValuesThatDoNotFitTheirElementAreRefused) {
-    rtus[7].answerAtOnce(success);
-    EXPECT_THAT(submit(SetPoint{3, 2147483648.0}), HasSubstr("give -2147483648 to 2147483647"));
-    EXPECT_EQ(submit(SetPoint{3, 2147483647.9}), ""); // the driver cuts it
-    EXPECT_EQ(submit(SetPoint{3, -2147483648.0}), "");
-    EXPECT_THAT(submit(SetPoint{2, 9.3e18}), HasSubstr("floating-point format"));
-    EXPECT_THAT(submit(SetPoint{2, -1e-30}), HasSubstr("floating-point format"));
-    EXPECT_EQ(submit(SetPoint{2, -9.2e18}), "");
-    EXPECT_THAT(submit(SetPoint{2, std::numeric_limits<double>::quiet_NaN()}), HasSubstr("is no number"));
-    EXPECT_EQ(results.await(3).size(), 3U);
-}
-
-TEST_F(Dispatching, TimersTakeValuesWithoutASign) {
-    site.channels[0].rtus[0].points[2].address = {'T', 3};
-    rtus[7].answerAtOnce(success);
-    EXPECT_EQ(submit(SetPoint{3, 4294967295.0}), "");
-    EXPECT_THAT(submit(SetPoint{3, -1}), HasSubstr("does not fit a timer; give 0 to 4294967295"));
-    results.await(1);
-}
-
-TEST_F(Dispatching, ADisabledRtuTakesNoCommands) {
-    site.channels[0].rtus[0].enabled = false;
-    EXPECT_EQ(submit(SynchroniseClock{}), "channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5) is "
-                                          "disabled; enable it in the site file and start anew");
 }
