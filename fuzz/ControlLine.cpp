@@ -1,6 +1,6 @@
 #include "FuzzInput.h"
-#include "control/LineCutter.h"
-#include "control/Request.h"
+#include "services/control/LineCutter.h"
+#include "services/control/Request.h"
 
 // What a client may send to the control socket, in pieces of any size. Each line is a request or a bad one; a
 // request that is written down again is the same request.

@@ -1,8 +1,8 @@
 #include "CommandSender.h"
 
-#include "command/StopSignal.h"
-#include "runtime/CommandText.h"
-#include "runtime/DriverCall.h"
+#include "commands/CommandText.h"
+#include "commands/DriverCall.h"
+#include "services/console/StopSignal.h"
 
 #include <HalvexDriverComponent/CReply.h>
 #include <HalvexDriverComponent/CRtu.h>

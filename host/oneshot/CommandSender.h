@@ -1,10 +1,10 @@
 #pragma once
 
-#include "output/TelegramText.h"
+#include "commands/Command.h"
 #include "plan/OneShotSite.h"
-#include "runtime/Command.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/RunLog.h"
+#include "telegram/TelegramText.h"
 
 #include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
 #include <HalvexDriverLink/CLink.h>

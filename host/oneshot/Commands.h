@@ -1,7 +1,7 @@
 #pragma once
 
-#include "output/Summary.h"
 #include "plan/OneShotSite.h"
+#include "services/console/Summary.h"
 
 #include <optional>
 

@@ -1,6 +1,6 @@
 #include "ElementReader.h"
 
-#include "command/StopSignal.h"
+#include "services/console/StopSignal.h"
 
 #include <HalvexDriverComponent/CRtu.h>
 #include <HalvexDriverComponent/Halvex.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "output/Summary.h"
+#include "services/console/Summary.h"
 
 namespace host {
 

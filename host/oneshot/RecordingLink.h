@@ -1,6 +1,6 @@
 #pragma once
 
-#include "output/TelegramText.h"
+#include "telegram/TelegramText.h"
 
 #include <HalvexDriverLink/CLink.h>
 

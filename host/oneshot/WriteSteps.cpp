@@ -1,7 +1,7 @@
 #include "WriteSteps.h"
 
+#include "commands/DriverCall.h"
 #include "plan/OneShotSite.h"
-#include "runtime/DriverCall.h"
 
 namespace host {
 

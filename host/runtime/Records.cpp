@@ -1,7 +1,7 @@
 #include "HostRuntime.h"
 
-#include "ValueStore.h"
 #include "plan/ReadPlan.h"
+#include "values/ValueStore.h"
 
 #include <HalvexDriverComponent/CRtu.h>
 #include <HalvexDriverComponent/Halvex.h>

@@ -1,7 +1,7 @@
 #include "Crowd.h"
 #include "FakeHost.h"
-#include "control/ControlClient.h"
-#include "control/ControlServer.h"
+#include "services/control/ControlClient.h"
+#include "services/control/ControlServer.h"
 
 #include <QTemporaryDir>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "control/ControlledHost.h"
-#include "runtime/ValueStore.h"
+#include "services/control/ControlledHost.h"
+#include "values/ValueStore.h"
 
 #include <condition_variable>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "control/FinishedCommands.h"
+#include "services/control/FinishedCommands.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

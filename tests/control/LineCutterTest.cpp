@@ -1,4 +1,4 @@
-#include "control/LineCutter.h"
+#include "services/control/LineCutter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "FakeHost.h"
-#include "control/ControlClient.h"
-#include "control/ControlServer.h"
-#include "control/DescriptorLimit.h"
+#include "services/control/ControlClient.h"
+#include "services/control/ControlServer.h"
+#include "services/control/DescriptorLimit.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>

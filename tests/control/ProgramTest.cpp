@@ -1,5 +1,5 @@
 #include "Crowd.h"
-#include "control/SocketPath.h"
+#include "services/control/SocketPath.h"
 
 #include <Simulator.h>
 

@@ -1,7 +1,7 @@
-#include "control/ReplyText.h"
+#include "services/control/ReplyText.h"
 #include "FakeHost.h"
-#include "control/CtlCommand.h"
-#include "control/Reply.h"
+#include "cli/CtlCommand.h"
+#include "services/control/Reply.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,4 +1,4 @@
-#include "control/Request.h"
+#include "services/control/Request.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "FakeHost.h"
-#include "control/ControlClient.h"
-#include "control/ControlConnection.h"
-#include "control/ControlServer.h"
+#include "services/control/ControlClient.h"
+#include "services/control/ControlConnection.h"
+#include "services/control/ControlServer.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -1,5 +1,5 @@
 #include "FakeHost.h"
-#include "control/ControlService.h"
+#include "services/control/ControlService.h"
 
 #include <QDateTime>
 

@@ -1,4 +1,4 @@
-#include "control/SiteNames.h"
+#include "services/control/SiteNames.h"
 #include "FakeHost.h"
 
 #include <gmock/gmock.h>

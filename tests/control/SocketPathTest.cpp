@@ -1,4 +1,4 @@
-#include "control/SocketPath.h"
+#include "services/control/SocketPath.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "runtime/CommandService.h"
+#include "commands/CommandService.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/RunLog.h"
-#include "runtime/ValueStore.h"
+#include "values/ValueStore.h"
 
 #include <HalvexDriverLink/CLink.h>
 

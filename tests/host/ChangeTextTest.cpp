@@ -1,6 +1,6 @@
-#include "output/ChangeText.h"
+#include "values/ChangeText.h"
 #include "SmallSite.h"
-#include "output/ValueText.h"
+#include "values/ValueText.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

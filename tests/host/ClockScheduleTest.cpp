@@ -1,4 +1,4 @@
-#include "runtime/ClockSchedule.h"
+#include "services/clocks/ClockSchedule.h"
 
 #include "NotingTaker.h"
 #include "SmallSite.h"

@@ -1,4 +1,4 @@
-#include "runtime/CommandDispatcher.h"
+#include "commands/CommandDispatcher.h"
 
 #include "Dispatching.h"
 #include "runtime/HostRuntime.h"

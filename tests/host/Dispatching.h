@@ -3,7 +3,7 @@
 #include "CommandResults.h"
 #include "CommandedRtu.h"
 #include "SmallSite.h"
-#include "runtime/CommandDispatcher.h"
+#include "commands/CommandDispatcher.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "runtime/Command.h"
+#include "commands/Command.h"
 
 #include <deque>
 #include <string>

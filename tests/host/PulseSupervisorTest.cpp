@@ -1,4 +1,4 @@
-#include "runtime/PulseSupervisor.h"
+#include "services/pulses/PulseSupervisor.h"
 
 #include "NotingTaker.h"
 #include "SmallSite.h"

@@ -1,5 +1,5 @@
-#include "output/ReadingText.h"
-#include "output/ProgressBar.h"
+#include "values/ReadingText.h"
+#include "services/console/ProgressBar.h"
 
 #include <gtest/gtest.h>
 

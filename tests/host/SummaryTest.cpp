@@ -1,4 +1,4 @@
-#include "output/Summary.h"
+#include "services/console/Summary.h"
 #include "SmallSite.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "output/TableLayout.h"
+#include "services/console/TableLayout.h"
 #include "SmallSite.h"
 
 #include <gmock/gmock.h>

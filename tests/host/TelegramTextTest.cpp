@@ -1,4 +1,4 @@
-#include "output/TelegramText.h"
+#include "telegram/TelegramText.h"
 
 #include <gtest/gtest.h>
 

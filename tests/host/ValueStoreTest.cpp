@@ -1,4 +1,4 @@
-#include "runtime/ValueStore.h"
+#include "values/ValueStore.h"
 #include "SmallSite.h"
 
 #include <gtest/gtest.h>

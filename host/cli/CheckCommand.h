@@ -1,0 +1,12 @@
+#pragma once
+
+#include "services/console/Summary.h"
+
+#include <string>
+
+namespace host {
+
+// Tells what is wrong with a site file, or what it will cost.
+ExitStatus checkSiteFile(const std::string& path);
+
+} // namespace host

@@ -1,0 +1,113 @@
+#include "CtlCommand.h"
+
+#include "services/console/StopSignal.h"
+#include "services/console/Terminal.h"
+#include "services/control/ControlClient.h"
+#include "services/control/ReplyText.h"
+#include "services/control/SocketPath.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+
+#include <cmath>
+#include <iostream>
+
+namespace host {
+
+namespace {
+
+std::string noHostText(const CtlOptions& options) {
+    if (!options.socketPath.empty())
+        return "no sbus-host listens at " + options.socketPath + "; start one with: sbus-host run " +
+               options.sitePath + " --control " + options.socketPath;
+    return "no sbus-host runs " + options.sitePath + "; start one with: sbus-host run " + options.sitePath;
+}
+
+ExitStatus tellFault(const std::string& fault, ExitStatus status) {
+    std::cerr << "sbus-host: " << fault << '\n';
+    return status;
+}
+
+ExitStatus tellEnd() {
+    return tellFault("the host has ended the connection; see what it says on its own terminal or in its log",
+                     ExitStatus::CommunicationFailed);
+}
+
+QJsonObject parse(const QByteArray& line) {
+    return QJsonDocument::fromJson(line).object();
+}
+
+void showReply(const CtlOptions& options, const QByteArray& line, const QJsonObject& reply) {
+    if (options.json)
+        std::cout << line.toStdString() << '\n';
+    else if (reply.contains(QStringLiteral("results")))
+        std::cout << resultsText(reply);
+    else if (reply.contains(QStringLiteral("channels")))
+        std::cout << statusText(reply);
+    const QString fault = reply.value(QStringLiteral("error")).toString();
+    if (!options.json && !fault.isEmpty())
+        std::cerr << "sbus-host: " << fault.toStdString() << '\n';
+    std::cout << std::flush;
+}
+
+ExitStatus watch(const CtlOptions& options, ControlClient& client) {
+    while (std::cout) {
+        const std::optional<QByteArray> line = client.nextLine(stopsignal::isRequested);
+        if (!line)
+            return stopsignal::isRequested() ? ExitStatus::Good : tellEnd();
+        const QJsonObject message = parse(*line);
+        const QJsonValue change = message.value(QStringLiteral("change"));
+        if (!change.isObject()) { // why the host will tell no more
+            showReply(options, *line, message);
+            return judgeReply(message);
+        }
+        std::cout << (options.json ? line->toStdString() : changeText(change.toObject())) << '\n'
+                  << std::flush;
+    }
+    return ExitStatus::Good; // nobody reads any more
+}
+
+} // namespace
+
+ExitStatus askRunningHost(const CtlOptions& options) {
+    if (!QFileInfo::exists(QString::fromStdString(options.sitePath)))
+        return tellFault("there is no site file " + options.sitePath, ExitStatus::Configuration);
+    terminal::survivePipeEnd();
+    stopsignal::install();
+    ControlClient client;
+    const bool isConnected =
+        client.connectTo(options.socketPath.empty() ? controlSocketPaths(options.sitePath)
+                                                    : std::vector<std::string>{options.socketPath});
+    if (!isConnected)
+        return tellFault(noHostText(options), ExitStatus::CommunicationFailed);
+    if (!client.send(requestLine({QJsonValue::Undefined, options.request})))
+        return tellEnd();
+    const std::optional<QByteArray> line = client.nextLine(stopsignal::isRequested);
+    if (!line)
+        return tellEnd();
+    const QJsonObject reply = parse(*line);
+    const bool isWatch = std::holds_alternative<WatchRequest>(options.request);
+    if (isWatch && reply.value(QStringLiteral("ok")).toBool())
+        return watch(options, client);
+    showReply(options, *line, reply);
+    return judgeReply(reply);
+}
+
+std::optional<PointValue> parsePointValue(const std::string& text) {
+    const std::size_t sign = text.rfind('=');
+    if (sign == std::string::npos || sign == 0)
+        return std::nullopt;
+    const std::string point = text.substr(0, sign);
+    const std::string value = text.substr(sign + 1);
+    if (value == "on" || value == "true")
+        return PointValue{point, 1};
+    if (value == "off" || value == "false")
+        return PointValue{point, 0};
+    bool isNumber = false;
+    const double number = QByteArray::fromStdString(value).toDouble(&isNumber);
+    if (!isNumber || !std::isfinite(number))
+        return std::nullopt;
+    return PointValue{point, number};
+}
+
+} // namespace host

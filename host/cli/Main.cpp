@@ -1,0 +1,103 @@
+#include "CheckCommand.h"
+#include "CommandLine.h"
+#include "CtlArguments.h"
+#include "RunCommand.h"
+#include "site/Duration.h"
+
+#include <CLI/CLI.hpp>
+#include <QCoreApplication>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using host::ExitStatus;
+using host::OutputFormat;
+
+const std::vector<std::string> formatNames = {"table", "lines", "json", "csv"};
+
+OutputFormat formatNamed(const std::string& name) {
+    return name == "table"  ? OutputFormat::Table
+           : name == "json" ? OutputFormat::Json
+           : name == "csv"  ? OutputFormat::Csv
+                            : OutputFormat::Lines;
+}
+
+const char* const exitStatusHelp =
+    "Exit status: 0 good, 1 communication failed, 2 usage or configuration, 3 some but not all, 4 refused";
+
+void addCheckCommand(CLI::App& program, ExitStatus& status) {
+    CLI::App* const command =
+        program.add_subcommand("check", "Tell what is wrong with a site file, or what its polls will cost");
+    const auto path = std::make_shared<std::string>();
+    command->add_option("SITE", *path, "Site file")->required();
+    command->callback([path, &status] { status = host::checkSiteFile(*path); });
+}
+
+void addRunCommand(CLI::App& program, ExitStatus& status) {
+    struct Given {
+        host::RunOptions options;
+        std::string duration;
+        std::string format;
+    };
+    CLI::App* const command =
+        program.add_subcommand("run", "Poll the controllers of a site and show their values");
+    const auto given = std::make_shared<Given>();
+    command->add_option("SITE", given->options.sitePath, "Site file")->required();
+    command->add_option("--for", given->duration, "End after this time, such as 10s; without it at Ctrl-C")
+        ->check(host::durationFault);
+    command
+        ->add_option(
+            "--format", given->format,
+            "How values are shown; without it table on a terminal, lines elsewhere and with --frames")
+        ->check(CLI::IsMember(formatNames))
+        ->type_name("FORMAT");
+    command->add_flag("--frames", given->options.frames, "Show every telegram as hex on standard error");
+    command->add_option("--log-dir", given->options.logDirectory,
+                        "Write a log file per channel into this directory");
+    command->add_option(
+        "--plugin", given->options.pluginPath,
+        "Driver plug-in; without it SBusDriver beside this program or in the library directory");
+    command->add_option(
+        "--control", given->options.controlPath,
+        "Where sbus-host ctl reaches this host; without it at a socket of the site file's own");
+    command->add_flag("!--no-control", given->options.takesControl, "Take no commands from sbus-host ctl")
+        ->excludes("--control");
+    command->callback([given, &status] {
+        if (!given->duration.empty())
+            given->options.duration = host::parseDuration(given->duration);
+        if (!given->format.empty())
+            given->options.format = formatNamed(given->format);
+        status = host::runSite(given->options);
+    });
+}
+
+int runProgram(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    CLI::App program("Talks to S-Bus controllers through the SBusDriver plug-in", "sbus-host");
+    program.require_subcommand(1);
+    program.footer(exitStatusHelp);
+    ExitStatus status = ExitStatus::Good;
+    addRunCommand(program, status);
+    addCheckCommand(program, status);
+    host::addOneShotCommands(program, status);
+    addCtlCommand(program, status);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& ending) { // also the end of --help, whose number is 0
+        return program.exit(ending) == 0 ? 0 : static_cast<int>(ExitStatus::Configuration);
+    }
+    return static_cast<int>(status);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return runProgram(argc, argv);
+    } catch (const std::exception& failure) {
+        std::cerr << "sbus-host: " << failure.what() << '\n';
+        return static_cast<int>(ExitStatus::Configuration);
+    }
+}

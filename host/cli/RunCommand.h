@@ -1,0 +1,25 @@
+#pragma once
+
+#include "services/console/Output.h"
+#include "services/console/Summary.h"
+
+#include <chrono>
+#include <optional>
+
+namespace host {
+
+struct RunOptions {
+    std::string sitePath;
+    std::optional<std::chrono::milliseconds> duration; // until a signal comes, when left out
+    std::optional<OutputFormat> format;                // a table on a terminal, else lines, when left out
+    bool frames = false;
+    std::string logDirectory; // empty: no log files
+    std::string pluginPath;   // empty: searched for
+    bool takesControl = true; // opens a control socket
+    std::string controlPath;  // of that; empty: the site file's own
+};
+
+// Runs a site until its time is over, a signal comes, or nobody reads the output any more.
+ExitStatus runSite(const RunOptions& options);
+
+} // namespace host

@@ -1,0 +1,159 @@
+#include "CommandPlan.h"
+
+#include "DriverCall.h"
+#include "plan/WritePlan.h"
+#include "runtime/FailureText.h"
+#include "runtime/HostRuntime.h"
+#include "site/FloatRange.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace host {
+
+namespace {
+
+std::string quoted(const Point& point) {
+    return ", point " + std::to_string(point.id) + " \"" + point.name + "\" (" + toText(point.address) +
+           "): ";
+}
+
+const char* mediaName(char media) {
+    switch (media) {
+    case 'T':
+        return "a timer";
+    case 'C':
+        return "a counter";
+    default:
+        return "a register";
+    }
+}
+
+struct Range {
+    double lowest;
+    double highest;
+    const char* text;
+};
+
+// What the driver can carry: a timer's word has no sign, the others are signed.
+Range rangeOf(const Point& point) {
+    if (point.address.media == 'T')
+        return {0, 4294967295.0, "0 to 4294967295"};
+    return {-2147483648.0, 2147483647.0, "-2147483648 to 2147483647"};
+}
+
+std::string valueFault(const Point& point, double value) {
+    if (!std::isfinite(value))
+        return "the value is no number; give one";
+    if (point.isFloat)
+        return floatFitOf(value) == FloatFit::Fits
+                   ? ""
+                   : std::string(
+                         "the value does not fit the controller's floating-point format; give 0, or a "
+                         "size from ") +
+                         smallestFloatText + " to " + largestFloatText;
+    const Range range = rangeOf(point);
+    const double whole = std::trunc(value); // as the driver cuts it
+    if (whole < range.lowest || whole > range.highest)
+        return std::string("the value does not fit ") + mediaName(point.address.media) + "; give " +
+               range.text;
+    return {};
+}
+
+std::string switchFault(const Point& point) {
+    if (point.kind != PointKind::Status)
+        return std::string("is ") + mediaName(point.address.media) +
+               " and cannot be switched; give it a value instead";
+    if (!isSwitchableMedia(point.address.media))
+        return "is an input, which nobody can switch; command the output or flag that acts on it";
+    return {};
+}
+
+std::string setFault(const Point& point, double value) {
+    if (point.kind != PointKind::Analog)
+        return "is no register, timer or counter and takes no value; switch it on or off instead";
+    return valueFault(point, value);
+}
+
+class Checker {
+public:
+    Checker(const Channel& commandedChannel, const Rtu& commandedRtu)
+        : channel(commandedChannel), rtu(commandedRtu) {}
+
+    std::string operator()(const SwitchPoint& action) const {
+        return told(action.point, [](const Point& point) { return switchFault(point); });
+    }
+    std::string operator()(const SetPoint& action) const { return set(action.point, action.value); }
+    std::string operator()(const SetPoints& action) const {
+        if (action.values.empty())
+            return nameOf(channel, &rtu) + ": no values to set; give at least one";
+        for (const auto& [point, value] : action.values) {
+            std::string refusal = set(point, value);
+            if (!refusal.empty())
+                return refusal;
+        }
+        return {};
+    }
+    std::string operator()(const SynchroniseClock&) const { return {}; }
+
+private:
+    std::string set(unsigned point, double value) const {
+        return told(point, [value](const Point& found) { return setFault(found, value); });
+    }
+
+    template <typename Fault>
+    std::string told(unsigned id, Fault faultOf) const {
+        const Point* const point = findPoint(rtu, id);
+        if (point == nullptr)
+            return nameOf(channel, &rtu) + ": there is no point " + std::to_string(id) +
+                   "; check its number in the point table";
+        const std::string fault = faultOf(*point);
+        return fault.empty() ? "" : nameOf(channel, &rtu) + quoted(*point) + fault;
+    }
+
+    const Channel& channel;
+    const Rtu& rtu;
+};
+
+// The driver's word for 0.0 is another number to the controller. The integer 0 is the floating-point 0 as
+// well.
+void appendWrite(std::vector<WordWrite>& writes, const Rtu& rtu, unsigned id, double value) {
+    const Point* const point = findPoint(rtu, id);
+    if (point == nullptr)
+        return;
+    if (point->isFloat && value == 0)
+        writes.push_back({integerTwinOf(rtu, *point), point->address, false, 0});
+    else
+        writes.push_back({id, point->address, point->isFloat, value});
+}
+
+} // namespace
+
+const Point* findPoint(const Rtu& rtu, unsigned id) {
+    const auto found = std::find_if(rtu.points.begin(), rtu.points.end(),
+                                    [id](const Point& point) { return point.id == id; });
+    return found == rtu.points.end() ? nullptr : &*found;
+}
+
+std::string refusalOf(const Channel& channel, const Rtu& rtu, const CommandAction& action) {
+    if (!rtu.enabled)
+        return nameOf(channel, &rtu) + " is disabled; enable it in the site file and start anew";
+    return std::visit(Checker(channel, rtu), action);
+}
+
+std::vector<CommandAction> planDriverCalls(const Rtu& rtu, const CommandAction& action) {
+    std::vector<WordWrite> writes;
+    if (const auto* const one = std::get_if<SetPoint>(&action))
+        appendWrite(writes, rtu, one->point, one->value);
+    else if (const auto* const list = std::get_if<SetPoints>(&action))
+        for (const auto& [point, value] : list->values)
+            appendWrite(writes, rtu, point, value);
+    else
+        return {action};
+    std::vector<CommandAction> calls;
+    for (const WordCommand& command : planWordWrites(writes))
+        calls.push_back(actionOf(command));
+    return calls;
+}
+
+} // namespace host

@@ -1,0 +1,24 @@
+#include "Output.h"
+
+#include "StreamOutput.h"
+#include "TableOutput.h"
+#include "values/ChangeText.h"
+
+namespace host {
+
+std::unique_ptr<Output> makeOutput(OutputFormat format, Console& console, const std::string& title,
+                                   ValueStore& store, FiguresSource figures) {
+    switch (format) {
+    case OutputFormat::Table:
+        return std::make_unique<TableOutput>(console, title, store, std::move(figures));
+    case OutputFormat::Json:
+        return std::make_unique<StreamOutput>(console, store, changeAsJson, "");
+    case OutputFormat::Csv:
+        return std::make_unique<StreamOutput>(console, store, changeAsCsv, changeCsvHeader);
+    case OutputFormat::Lines:
+        break;
+    }
+    return std::make_unique<StreamOutput>(console, store, changeAsLine, "");
+}
+
+} // namespace host

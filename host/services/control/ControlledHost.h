@@ -1,0 +1,24 @@
+#pragma once
+
+#include "commands/Command.h"
+#include "services/console/Summary.h"
+
+namespace host {
+
+struct HostFigures {
+    std::vector<ChannelFigures> channels;
+    std::vector<RtuOutcome> rtus;
+};
+
+// The running host, as the control server sees it. Called on the server's thread; wasRefused on
+// those where commands end.
+class ControlledHost : public CommandTaker {
+public:
+    // Asks an RTU for an integrity poll. The result tells only whether the driver took the wish over.
+    virtual Halvex::DriverErrorResult requestPoll(int channelId, int rtuId) = 0;
+    virtual HostFigures figures() const = 0;
+    // Whether the last request of the RTU that failed was refused by the controller.
+    virtual bool wasRefused(int channelId, int rtuId) const = 0;
+};
+
+} // namespace host
