@@ -1,14 +1,11 @@
 #pragma once
 
+#include "Exchange.h"
 #include "site/Site.h"
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 namespace host {
-
-using TelegramBytes = std::vector<std::uint8_t>;
 
 // The host reads the driver's telegrams on its own, so that what it tells of them is what went out and not
 // what the driver meant.
