@@ -5,6 +5,9 @@
 
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
+#include "telegram/Framing.h"
+#include "telegram/RequestTelegram.h"
+#include "telegram/TelegramText.h"
 
 #include <iostream>
 
@@ -53,19 +56,20 @@ private:
     LineType lineType() const { return site.channels.front().type; }
 
     bool tellTelegrams(const WriteStep& step) {
+        const Framing framing = framingOf(lineType(), line.transmitType);
         bool isTold = false;
         for (const TelegramBytes& telegram : record.take()) {
-            if (!isWriteTelegram(telegram, lineType(), line.transmitType))
+            if (!isWriteTelegram(framing, telegram))
                 continue; // what the driver reads when the line connects
-            std::cout << telegramText(telegram, lineType(), line.transmitType, step.isFloat) << "\n  "
-                      << breakText() << hexText(telegram) << '\n';
+            std::cout << telegramText(framing, telegram, step.isFloat) << "\n  " << breakText()
+                      << hexText(telegram) << '\n';
             isTold = true;
         }
         return isTold;
     }
 
     std::string breakText() const {
-        return lineType() == LineType::Serial && line.transmitType == TransmitType::Break
+        return framingOf(lineType(), line.transmitType) == Framing::BreakMode
                    ? "break of " + std::to_string(line.breakDelayMs) + " ms, "
                    : "";
     }

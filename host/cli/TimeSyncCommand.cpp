@@ -3,6 +3,8 @@
 
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
+#include "telegram/Framing.h"
+#include "telegram/TelegramText.h"
 
 #include <iostream>
 
@@ -27,8 +29,8 @@ ExitStatus synchroniseClock(const Controller& controller) {
             "the clock over a serial line");
     const CommandEnding ending = sender.send(SynchroniseClock());
     if (ending.kind == CommandEnding::Kind::Done) {
-        std::cout << nameOf(line) << ": " << telegramText(ending.telegram, type, line.transmitType, false)
-                  << std::endl;
+        std::cout << nameOf(line) << ": "
+                  << telegramText(framingOf(type, line.transmitType), ending.telegram, false) << std::endl;
         return ExitStatus::Good;
     }
     const bool isIgnored = type == LineType::Ethernet && ending.isSilent;

@@ -3,6 +3,9 @@
 #include "commands/CommandText.h"
 #include "commands/DriverCall.h"
 #include "services/console/StopSignal.h"
+#include "telegram/Framing.h"
+#include "telegram/RequestTelegram.h"
+#include "telegram/TelegramText.h"
 
 #include <HalvexDriverComponent/CReply.h>
 #include <HalvexDriverComponent/CRtu.h>
@@ -54,7 +57,8 @@ std::string CommandSender::open(const std::string& pluginPath) {
 // Polls of the same RTU end, too; only what has sent a write is the command's.
 void CommandSender::noteResult(const RequestResult& result) {
     const Channel& channel = site.channels.front();
-    const bool isOfWrite = isWriteTelegram(bytesOfHexText(result.sentHex), channel.type, line.transmitType);
+    const bool isOfWrite =
+        isWriteTelegram(framingOf(channel.type, line.transmitType), bytesOfHexText(result.sentHex));
     const std::lock_guard<std::mutex> lock(mutex);
     if (result.kind == RequestResult::Kind::LineClosed)
         lineFault = result.reason + lineInUseHint(line);

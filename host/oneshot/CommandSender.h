@@ -4,7 +4,7 @@
 #include "plan/OneShotSite.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/RunLog.h"
-#include "telegram/TelegramText.h"
+#include "telegram/Exchange.h"
 
 #include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
 #include <HalvexDriverLink/CLink.h>

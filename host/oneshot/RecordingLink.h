@@ -1,6 +1,7 @@
 #pragma once
 
-#include "telegram/TelegramText.h"
+#include "site/Site.h"
+#include "telegram/Exchange.h"
 
 #include <HalvexDriverLink/CLink.h>
 

@@ -6,19 +6,15 @@ namespace host {
 namespace {
 
 std::string ethernet(const char* hex, bool isFloat = false) {
-    return telegramText(bytesOfHexText(hex), LineType::Ethernet, TransmitType::Data, isFloat);
+    return telegramText(Framing::Ethernet, bytesOfHexText(hex), isFloat);
 }
 
 std::string dataMode(const char* hex, bool isFloat = false) {
-    return telegramText(bytesOfHexText(hex), LineType::Serial, TransmitType::Data, isFloat);
+    return telegramText(Framing::DataMode, bytesOfHexText(hex), isFloat);
 }
 
 std::string breakMode(const char* hex) {
-    return telegramText(bytesOfHexText(hex), LineType::Serial, TransmitType::Break, false);
-}
-
-bool isWrite(const char* hex, LineType line, TransmitType type) {
-    return isWriteTelegram(bytesOfHexText(hex), line, type);
+    return telegramText(Framing::BreakMode, bytesOfHexText(hex), false);
 }
 
 } // namespace
@@ -59,15 +55,6 @@ TEST(TelegramText, TellsNothingOfWhatItDoesNotKnow) {
          {"", "B5", "B5 00 05 63 00 00", "B5 00 05 0E 05 00 00", "B5 00 05 0D 03 00 00 00"})
         EXPECT_EQ(dataMode(hex), "unknown") << hex;
     EXPECT_EQ(ethernet("00 00 00 99 01 00 00 00 00 05 06 00 00 0A 12 34"), "unknown");
-}
-
-TEST(TelegramText, TellsWritesFromReads) {
-    EXPECT_TRUE(isWrite("B5 00 05 0D 03 00 C8 00 01 7A 3D", LineType::Serial, TransmitType::Data));
-    EXPECT_FALSE(isWrite("B5 00 01 02 08 00 64 49 69", LineType::Serial, TransmitType::Data));
-    EXPECT_TRUE(isWrite("05 0F 05 00 05 00 00 00 64 D8 DC", LineType::Serial, TransmitType::Break));
-    EXPECT_FALSE(isWrite("01 02 08 00 64 B6 8A", LineType::Serial, TransmitType::Break));
-    EXPECT_TRUE(isWrite("52 07 23 12 31 23 59 58 00 00", LineType::Ethernet, TransmitType::Data));
-    EXPECT_FALSE(isWrite("", LineType::Ethernet, TransmitType::Data));
 }
 
 TEST(HexText, IsReadBack) {
