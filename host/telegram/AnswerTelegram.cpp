@@ -107,12 +107,11 @@ Judgement judgeEthernet(const RequestTelegram& request, const TelegramBytes& rec
         return ofWrongSize(received.size(), wholeSizeOf(Framing::Ethernet, request, received));
     if (!endsWithItsChecksum(received))
         return damaged("wrong checksum");
-    const std::string sequence = "sequence " + std::to_string(sequenceOf(received)) + ", ";
-    if (!request.sequence)
-        return foreign(sequence + "and the clock telegram has none");
-    if (sequenceOf(received) != *request.sequence)
-        return foreign(sequence + "not " + std::to_string(*request.sequence));
-    return judgeContent(Framing::Ethernet, request, received);
+    if (request.sequence == sequenceOf(received))
+        return judgeContent(Framing::Ethernet, request, received);
+    return foreign("sequence " + std::to_string(sequenceOf(received)) +
+                   (request.sequence ? ", not " + std::to_string(*request.sequence)
+                                     : ", and the clock telegram has none"));
 }
 
 } // namespace
