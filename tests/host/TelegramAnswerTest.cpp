@@ -78,6 +78,11 @@ TEST(AnswerInDataMode, GivesValues) {
     expectGood(dataMode::flags, "B5 01 05 01 95 70", "9 flags from F100: on off on off off off off off on");
 }
 
+TEST(AnswerInDataMode, GivesEightBitsInOneByte) {
+    const Asked eightFlags{Framing::DataMode, "B5 00 01 02 07 00 64 65 58"};
+    expectGood(eightFlags, "B5 01 81 A7 97", "8 flags from F100: on off off off off off off on");
+}
+
 TEST(AnswerInDataMode, GivesFloatingPointValues) {
     const Asked level{Framing::DataMode, "B5 00 05 06 00 00 1E 7C E2"};
     EXPECT_EQ(text(level, "B5 01 C0 00 00 41 F9 BD", true), "R30: 1.5");
@@ -109,6 +114,7 @@ TEST(AnswerInDataMode, IsDamagedWhenCutOff) {
     expectDamaged(dataMode::registers, "B5", "1 of 12 bytes");
     expectDamaged(dataMode::registers, "B5 01 00 00 00 0C FF", "7 of 12 bytes");
     expectDamaged(dataMode::registers, "B5 01 F1 D9", "4 of 12 bytes");
+    expectDamaged(dataMode::registers, "B5 F7 7E", "3 of 12 bytes");
     expectDamaged(dataMode::registers, "B5 02 00", "3 of 6 bytes");
     expectDamaged(dataMode::write, "B5 02 00 00 23", "5 of 6 bytes");
 }

@@ -38,6 +38,8 @@ TEST(RequestTelegram, OfTheClockNamesNoStationOnEthernet) {
 TEST(RequestTelegram, ThatIsNoneNamesNoStation) {
     EXPECT_EQ(station(Framing::DataMode, "01 02 08 00 64 C2 BA"), 0U) << "without synchronisation";
     EXPECT_EQ(station(Framing::DataMode, "B5 01 05 01 95 70"), 0U) << "an answer";
+    EXPECT_EQ(station(Framing::Ethernet, "00 00 00 10 01 00 00 07 01 05 06 01 00 0A F4 28"), 0U)
+        << "an answer";
     EXPECT_EQ(station(Framing::BreakMode, "05"), 0U);
     EXPECT_EQ(station(Framing::Ethernet, "00 00 00 11 01 00 00 07 00 05 06 01 00 0A B1 88"), 0U);
 }
