@@ -9,8 +9,8 @@
 class AnsweringLink : public ScriptedLink {
 public:
     void exchange(std::chrono::milliseconds answerTime) {
-        noteSent(1, Clock::now());
+        noteSent("?", 1, Clock::now());
         std::this_thread::sleep_for(answerTime);
-        noteReceived(1);
+        noteReceived("!", 1);
     }
 };

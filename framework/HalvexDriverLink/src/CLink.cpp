@@ -24,6 +24,8 @@ void add(std::atomic<std::uint64_t>& figure, int amount) {
 
 } // namespace
 
+LinkObserver::~LinkObserver() = default;
+
 CLink::~CLink() = default;
 
 int CLink::rxMessage(char* buffer, int wanted, int& received, int timeoutMs, int silenceMs) {
@@ -67,29 +69,46 @@ RoundTrips CLink::takeRoundTrips() {
     return std::exchange(roundTrips, {});
 }
 
-void CLink::noteOpened() {
-    add(opens, 1);
+int CLink::noteOpened(int result) {
+    if (result == 0)
+        add(opens, 1);
+    if (observer != nullptr)
+        observer->linkOpened(result);
+    return result;
 }
 
-void CLink::noteSent(int length, Clock::time_point begun) {
+int CLink::noteResult(int result) {
+    if (result != 0 && observer != nullptr)
+        observer->linkFailed();
+    return result;
+}
+
+void CLink::noteSent(const char* bytes, int length, Clock::time_point begun) {
     closeRoundTrip();
     add(telegramsSent, 1);
     add(bytesSent, length);
     sentAt = begun;
     awaitingAnswer = true;
+    if (observer != nullptr)
+        observer->telegramSent(bytes, length, begun);
 }
 
-void CLink::noteReceived(int length) {
+void CLink::noteReceived(const char* bytes, int length) {
     add(bytesReceived, length);
-    if (!awaitingAnswer || length <= 0)
+    if (length <= 0)
         return;
+    const Clock::time_point now = Clock::now();
+    if (observer != nullptr)
+        observer->bytesReceived(bytes, length, now);
     // Never 0, which stands for "no answer yet".
-    const auto elapsed = std::chrono::duration_cast<microseconds>(Clock::now() - sentAt);
-    currentRoundTrip = std::max(elapsed, microseconds(1));
+    if (awaitingAnswer)
+        currentRoundTrip = std::max(std::chrono::duration_cast<microseconds>(now - sentAt), microseconds(1));
 }
 
-void CLink::noteDiscarded(int length) {
+void CLink::noteDiscarded(const char* bytes, int length) {
     add(bytesDiscarded, length);
+    if (length > 0 && observer != nullptr)
+        observer->bytesDiscarded(bytes, length);
 }
 
 void CLink::closeRoundTrip() {

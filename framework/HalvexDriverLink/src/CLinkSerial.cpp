@@ -74,13 +74,14 @@ struct CLinkSerial::Port : LinkEnd<asio::serial_port> {
         return {};
     }
 
-    // Reads away what is there, and counts it.
-    asio::error_code discard(asio::serial_port& device, int& discarded) {
+    // Reads away what is there, and tells each piece of it.
+    template <typename Tell>
+    asio::error_code discard(asio::serial_port& device, const Tell& tell) {
         for (int i = 0; i < mostReads; ++i) {
             const Outcome outcome = read(device, asio::buffer(scrap), Clock::time_point::min());
             if (outcome.error)
                 return outcome.isUnfinished() ? asio::error_code() : outcome.error;
-            discarded += static_cast<int>(outcome.count);
+            tell(scrap.data(), static_cast<int>(outcome.count));
         }
         return {};
     }
@@ -111,9 +112,7 @@ int CLinkSerial::open() {
             discardInput(device.native_handle());
         return error;
     });
-    if (result == 0)
-        noteOpened();
-    return result;
+    return noteOpened(result);
 }
 
 void CLinkSerial::close() {
@@ -121,33 +120,32 @@ void CLinkSerial::close() {
 }
 
 int CLinkSerial::send(const char* data, int length, int timeoutMs) {
-    return port->use([&](asio::serial_port& device) {
-        int discarded = 0;
-        asio::error_code error = port->discard(device, discarded);
-        noteDiscarded(discarded);
+    return noteResult(port->use([&](asio::serial_port& device) {
+        asio::error_code error = port->discard(
+            device, [this](const char* bytes, int count) { noteDiscarded(bytes, count); });
         if (error || length <= 0)
             return error;
         const asio::const_buffer telegram(data, static_cast<std::size_t>(length));
         const Clock::time_point begun = Clock::now();
         error = port->write(device, telegram, begun + milliseconds(std::max(timeoutMs, 0)));
         if (!error)
-            noteSent(length, begun);
+            noteSent(data, length, begun);
         return error;
-    });
+    }));
 }
 
 int CLinkSerial::receive(char* buffer, int capacity, int& received, int timeoutMs) {
     received = 0;
-    return port->use([&](asio::serial_port& device) {
+    return noteResult(port->use([&](asio::serial_port& device) {
         if (capacity <= 0 || isInterrupted())
             return asio::error_code();
         const asio::mutable_buffer area(buffer, static_cast<std::size_t>(capacity));
         const Clock::time_point deadline = Clock::now() + milliseconds(std::max(timeoutMs, 0));
         const WaitLoop::Outcome outcome = port->read(device, area, deadline);
         received = static_cast<int>(outcome.count);
-        noteReceived(received);
+        noteReceived(buffer, received);
         return outcome.isUnfinished() ? asio::error_code() : outcome.error;
-    });
+    }));
 }
 
 int CLinkSerial::sendBreak(int ms) {

@@ -55,17 +55,16 @@ struct CLinkUdp::Socket : LinkEnd<udp::socket> {
         return perform(start, deadline);
     }
 
-    // Reads away what is there. Returns the count of bytes.
-    int discard(udp::socket& end) {
-        int discarded = 0;
+    // Reads away what is there, and tells each piece of it.
+    template <typename Tell>
+    void discard(udp::socket& end, const Tell& tell) {
         for (int i = 0; i < mostUnread; ++i) {
             asio::error_code error;
             const std::size_t count = end.receive(asio::buffer(scrap), 0, error);
             if (error && !isAbsence(error))
                 break;
-            discarded += static_cast<int>(count);
+            tell(scrap.data(), static_cast<int>(error ? 0 : count));
         }
-        return discarded;
     }
 
     NameLookup names;
@@ -97,9 +96,7 @@ int CLinkUdp::open() {
             end.non_blocking(true, error);
         return error;
     });
-    if (result == 0)
-        noteOpened();
-    return result;
+    return noteOpened(result);
 }
 
 void CLinkUdp::close() {
@@ -107,8 +104,8 @@ void CLinkUdp::close() {
 }
 
 int CLinkUdp::send(const char* data, int length, int timeoutMs) {
-    return socket->use([&](udp::socket& end) -> asio::error_code {
-        noteDiscarded(socket->discard(end));
+    return noteResult(socket->use([&](udp::socket& end) -> asio::error_code {
+        socket->discard(end, [this](const char* bytes, int count) { noteDiscarded(bytes, count); });
         if (length <= 0)
             return {};
         const asio::const_buffer telegram(data, static_cast<std::size_t>(length));
@@ -122,14 +119,14 @@ int CLinkUdp::send(const char* data, int length, int timeoutMs) {
         // A controller that is reported absent each time shows as silence, like any absent one.
         if (outcome.error && !isAbsence(outcome.error))
             return outcome.error;
-        noteSent(length, begun);
+        noteSent(data, length, begun);
         return {};
-    });
+    }));
 }
 
 int CLinkUdp::receive(char* buffer, int capacity, int& received, int timeoutMs) {
     received = 0;
-    return socket->use([&](udp::socket& end) -> asio::error_code {
+    return noteResult(socket->use([&](udp::socket& end) -> asio::error_code {
         if (capacity <= 0)
             return {};
         const asio::mutable_buffer area(buffer, static_cast<std::size_t>(capacity));
@@ -145,9 +142,9 @@ int CLinkUdp::receive(char* buffer, int capacity, int& received, int timeoutMs) 
                 return outcome.error;
             received = static_cast<int>(outcome.count);
         } while (received == 0 && Clock::now() < deadline);
-        noteReceived(received);
+        noteReceived(buffer, received);
         return {};
-    });
+    }));
 }
 
 void CLinkUdp::wake() {

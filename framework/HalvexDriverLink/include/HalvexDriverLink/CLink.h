@@ -23,6 +23,28 @@ struct RoundTrips {
     std::chrono::microseconds slowest{0};
 };
 
+// Sees what passes a link: the host's own view of the wire. Called on the thread that uses the link, which it
+// holds up. Bytes are good during the call alone.
+class HALVEXDRIVERLINK_EXPORT LinkObserver {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    LinkObserver() = default;
+    LinkObserver(const LinkObserver&) = delete;
+    LinkObserver& operator=(const LinkObserver&) = delete;
+    virtual ~LinkObserver();
+
+    // An open() has ended with `result`: 0, or the system's error number.
+    virtual void linkOpened(int result) = 0;
+    // `begun`: just before the write.
+    virtual void telegramSent(const char* bytes, int length, Clock::time_point begun) = 0;
+    virtual void bytesReceived(const char* bytes, int length, Clock::time_point now) = 0;
+    // Unread bytes are thrown away before a send.
+    virtual void bytesDiscarded(const char* bytes, int length) = 0;
+    // A send or a receive is about to fail.
+    virtual void linkFailed() = 0;
+};
+
 // One end of a line to the controllers: a serial device or a UDP peer.
 //
 // States: closed (as made) and open. Every operation may be called in either; on a closed link send and
@@ -64,6 +86,9 @@ public:
     // thread.
     void interrupt();
 
+    // Before the first open; the observer outlives the link. Null: nobody looks.
+    void setObserver(LinkObserver* linkObserver) { observer = linkObserver; }
+
     LinkFigures figures() const;
     // The round trips since the last call of this operation. The link's own thread.
     RoundTrips takeRoundTrips();
@@ -76,16 +101,20 @@ protected:
     // Wakes the wait that interrupt() is to end. Called on the interrupting thread.
     virtual void wake() = 0;
 
-    void noteOpened();
+    // What every link tells of itself. noteOpened gives `result` back, and so does noteResult, which is for
+    // the result of each send and receive.
+    int noteOpened(int result);
+    int noteResult(int result);
     // `begun`: just before the write; the answer may be there before the write returns.
-    void noteSent(int length, Clock::time_point begun);
-    void noteReceived(int length);
-    void noteDiscarded(int length);
+    void noteSent(const char* bytes, int length, Clock::time_point begun);
+    void noteReceived(const char* bytes, int length);
+    void noteDiscarded(const char* bytes, int length);
 
 private:
     // Counts the round trip in progress: no more bytes belong to it.
     void closeRoundTrip();
 
+    LinkObserver* observer = nullptr;
     std::atomic<bool> interrupted{false};
     std::atomic<std::uint64_t> telegramsSent{0};
     std::atomic<std::uint64_t> bytesSent{0};
