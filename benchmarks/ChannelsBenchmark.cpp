@@ -6,8 +6,10 @@
 
 #include <benchmark/benchmark.h>
 
+#include <atomic>
 #include <ctime>
 #include <thread>
+#include <vector>
 
 // Many Ethernet channels at once, each a thread that turns every 10 ms: what they cost while nothing is
 // asked, and how much they read together. One simulated controller with one thread answers all of them.
@@ -59,6 +61,35 @@ void idle(benchmark::State& state) {
     }
 }
 BENCHMARK(idle)->Name("IdleChannels")->Arg(1)->Arg(100)->Arg(1000)->Iterations(1)->UseManualTime();
+
+// What as many threads cost that do nothing else than a channel without a request does between two turns.
+void sleepingThreads(benchmark::State& state) {
+    std::atomic<bool> ending{false};
+    std::vector<std::thread> threads;
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        threads.emplace_back([&ending] {
+            while (!ending)
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        });
+    rest(settling);
+    while (state.KeepRunning()) {
+        const double before = processorSeconds();
+        const double passed = rest(window);
+        state.SetIterationTime(passed);
+        state.counters["core_share_each"] =
+            (processorSeconds() - before) / passed / static_cast<double>(state.range(0));
+    }
+    ending = true;
+    for (std::thread& thread : threads)
+        thread.join();
+}
+BENCHMARK(sleepingThreads)
+    ->Name("SleepingThreads")
+    ->Arg(1)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Iterations(1)
+    ->UseManualTime();
 
 void poll(benchmark::State& state) {
     const Controller controller(sim::udpLine(1, {station}));
