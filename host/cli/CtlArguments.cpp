@@ -15,6 +15,7 @@ struct Given {
     std::string format = "text";
     std::vector<std::string> values;
     host::RtuNames rtus;
+    std::vector<std::string> channels;
 };
 using GivenPtr = std::shared_ptr<Given>;
 
@@ -69,6 +70,9 @@ void addCtlCommand(CLI::App& program, host::ExitStatus& status) {
     addRtuRequest<host::PollRequest>(*command, given, "poll", "Ask for an integrity poll now");
     addRtuRequest<host::TimeSyncRequest>(*command, given, "time-sync", "Set the controllers' clocks");
     addRtuRequest<host::WatchRequest>(*command, given, "watch", "Show the values, and every change of them");
+    CLI::App* const trace = addRequest(*command, "trace", "Show every telegram and its answer as they come");
+    trace->add_option("LINE", given->channels, "Channel of the site file; without it all");
+    trace->callback([given] { given->options.request = host::TraceRequest{given->channels}; });
     addRequest(*command, "status", "Show how channels and RTUs stand")->callback([given] {
         given->options.request = host::StatusRequest{};
     });

@@ -1,9 +1,10 @@
 #include "CtlCommand.h"
 
+#include "ControlClient.h"
+#include "ReplyText.h"
+#include "runtime/ExchangeText.h"
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
-#include "services/control/ControlClient.h"
-#include "services/control/ReplyText.h"
 #include "services/control/SocketPath.h"
 
 #include <QFileInfo>
@@ -50,19 +51,36 @@ void showReply(const CtlOptions& options, const QByteArray& line, const QJsonObj
     std::cout << std::flush;
 }
 
-ExitStatus watch(const CtlOptions& options, ControlClient& client) {
+// A line of a watch or a trace for people; empty for one that is neither.
+std::string eventText(const QJsonObject& message) {
+    const QJsonValue change = message.value(QStringLiteral("change"));
+    if (change.isObject())
+        return changeText(change.toObject()) + '\n';
+    const QJsonValue exchange = message.value(QStringLiteral("exchange"));
+    std::string text;
+    if (exchange.isObject())
+        for (const std::string& line : exchangeLines(exchange.toObject()))
+            text += line + '\n';
+    const QJsonValue lost = message.value(QStringLiteral("lost"));
+    if (lost.isDouble())
+        text = QString::number(lost.toDouble(), 'f', 0).toStdString() +
+               " exchanges were lost: they came faster than they were read\n";
+    return text;
+}
+
+// Until a signal comes, the host ends, or nobody reads the output any more.
+ExitStatus showEvents(const CtlOptions& options, ControlClient& client) {
     while (std::cout) {
         const std::optional<QByteArray> line = client.nextLine(stopsignal::isRequested);
         if (!line)
             return stopsignal::isRequested() ? ExitStatus::Good : tellEnd();
         const QJsonObject message = parse(*line);
-        const QJsonValue change = message.value(QStringLiteral("change"));
-        if (!change.isObject()) { // why the host will tell no more
+        const std::string text = eventText(message);
+        if (text.empty()) { // why the host will tell no more
             showReply(options, *line, message);
             return judgeReply(message);
         }
-        std::cout << (options.json ? line->toStdString() : changeText(change.toObject())) << '\n'
-                  << std::flush;
+        std::cout << (options.json ? line->toStdString() + '\n' : text) << std::flush;
     }
     return ExitStatus::Good; // nobody reads any more
 }
@@ -86,9 +104,10 @@ ExitStatus askRunningHost(const CtlOptions& options) {
     if (!line)
         return tellEnd();
     const QJsonObject reply = parse(*line);
-    const bool isWatch = std::holds_alternative<WatchRequest>(options.request);
-    if (isWatch && reply.value(QStringLiteral("ok")).toBool())
-        return watch(options, client);
+    const bool wantsEvents = std::holds_alternative<WatchRequest>(options.request) ||
+                             std::holds_alternative<TraceRequest>(options.request);
+    if (wantsEvents && reply.value(QStringLiteral("ok")).toBool())
+        return showEvents(options, client);
     showReply(options, *line, reply);
     return judgeReply(reply);
 }

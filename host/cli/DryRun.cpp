@@ -1,12 +1,11 @@
 #include "oneshot/CommandSender.h"
 #include "oneshot/Commands.h"
-#include "oneshot/RecordingLink.h"
+#include "oneshot/SilentLink.h"
 #include "oneshot/WriteSteps.h"
 
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
 #include "telegram/Framing.h"
-#include "telegram/RequestTelegram.h"
 #include "telegram/TelegramText.h"
 
 #include <iostream>
@@ -25,21 +24,20 @@ class DryRun {
 public:
     explicit DryRun(const WriteOptions& writeOptions)
         : options(writeOptions), line(impatient(options.controller.line)),
-          site(makeWriteSite(line, options.writes)), sender(line, site, [this](const LinkEnd&) {
-              return std::make_unique<RecordingLink>(lineType(), record);
-          }) {}
+          site(makeWriteSite(line, options.writes)),
+          sender(line, site, [this](const LinkEnd&) { return std::make_unique<SilentLink>(lineType()); }) {}
 
     std::string open() { return sender.open(options.controller.pluginPath); }
 
     // False when the driver makes no telegram of a step.
     bool tellSteps() {
         for (const WriteStep& step : planWriteSteps(options.writes)) {
-            record.take();
             const CommandEnding ending = sender.send(step.action);
-            if (!tellTelegrams(step)) {
+            if (ending.telegrams.empty()) {
                 tellError(nameOf(line) + ": " + ending.reason);
                 return false;
             }
+            tellTelegrams(step, ending.telegrams);
         }
         return true;
     }
@@ -55,21 +53,14 @@ public:
 private:
     LineType lineType() const { return site.channels.front().type; }
 
-    bool tellTelegrams(const WriteStep& step) {
-        const Framing framing = framingOf(lineType(), line.transmitType);
-        bool isTold = false;
-        for (const TelegramBytes& telegram : record.take()) {
-            if (!isWriteTelegram(framing, telegram))
-                continue; // what the driver reads when the line connects
-            std::cout << telegramText(framing, telegram, step.isFloat) << "\n  " << breakText()
-                      << hexText(telegram) << '\n';
-            isTold = true;
-        }
-        return isTold;
+    void tellTelegrams(const WriteStep& step, const std::vector<TelegramBytes>& telegrams) const {
+        for (const TelegramBytes& telegram : telegrams)
+            std::cout << telegramText(framingOf(lineType(), line.transmitType), telegram, step.isFloat)
+                      << "\n  " << breakText() << hexText(telegram) << '\n';
     }
 
     std::string breakText() const {
-        return framingOf(lineType(), line.transmitType) == Framing::BreakMode
+        return lineType() == LineType::Serial && line.transmitType == TransmitType::Break
                    ? "break of " + std::to_string(line.breakDelayMs) + " ms, "
                    : "";
     }
@@ -77,8 +68,7 @@ private:
     const WriteOptions& options;
     const ControllerLine line;
     const Site site;
-    TelegramRecord record;
-    CommandSender sender; // ends before what its line records to
+    CommandSender sender;
 };
 
 } // namespace

@@ -1,14 +1,14 @@
 #include "RunCommand.h"
 
+#include "RunServices.h"
 #include "commands/CommandService.h"
 #include "runtime/HostRuntime.h"
-#include "runtime/RunLog.h"
+#include "runtime/LineMessages.h"
+#include "services/console/ConsoleService.h"
 #include "services/console/StopSignal.h"
 #include "services/console/StreamWriter.h"
 #include "services/console/Terminal.h"
-#include "services/control/RunControl.h"
 #include "site/SiteFile.h"
-#include "values/ValueStore.h"
 
 #include <HalvexDriverComponent/CLogger.h>
 
@@ -23,7 +23,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds updatePeriod{50}; // how soon a change shows, and a signal is seen
+constexpr std::chrono::milliseconds lookPeriod{20}; // how soon a signal is seen
 constexpr int logFlushMs = 100;
 // For a reader that is slow to take the last lines after a signal.
 constexpr std::chrono::milliseconds lastRead{25};
@@ -56,17 +56,11 @@ std::string configureLogFiles(const RunOptions& options) {
     return {};
 }
 
-void showUntilDone(const RunOptions& options, const Console& console, Output& output, RunLog& log) {
+void waitForTheEnd(const RunOptions& options, const ConsoleService& console) {
     const Clock::time_point start = Clock::now();
-    for (;;) {
-        if (console.error.isIdle())
-            output.tell(log.takeMessages());
-        const bool isRead = output.update();
-        const bool isOver = options.duration && Clock::now() - start >= *options.duration;
-        if (!isRead || isOver || stopsignal::isRequested())
-            return;
-        std::this_thread::sleep_for(updatePeriod);
-    }
+    const auto isOver = [&] { return options.duration && Clock::now() - start >= *options.duration; };
+    while (!console.isClosed() && !isOver() && !stopsignal::isRequested())
+        std::this_thread::sleep_for(lookPeriod);
 }
 
 // Whether all that was written has been read. A reader may take its time, until the user ends the program.
@@ -80,77 +74,68 @@ bool isReadToTheEnd(const Console& console) {
     }
 }
 
-SiteFigures figuresOf(const HostRuntime& runtime, const RunLog& log) {
-    SiteFigures figures{runtime.channelFigures(), runtime.rtuFigures()};
-    for (RtuFigures& one : figures.rtus)
-        if (log.isSilent(one.channel->id, one.rtu->id))
-            one.status.connected = false;
-    return figures;
-}
-
-std::vector<RtuOutcome> outcomesOf(const HostRuntime& runtime, const ValueStore& store, const RunLog& log) {
-    std::vector<RtuOutcome> outcomes = collectOutcomes(figuresOf(runtime, log).rtus, store);
-    for (RtuOutcome& outcome : outcomes)
-        outcome.wasRefused = log.wasRefused(outcome.figures.channel->id, outcome.figures.rtu->id);
-    return outcomes;
-}
-
-// False when the user has named a socket that cannot be had. A site's own socket may belong to another host
-// that runs it: then this one polls all the same.
-bool openControl(RunControl& control, CommandTaker& commands, const RunOptions& options, RunLog& log) {
-    const std::string fault = control.start(commands, options.controlPath, options.sitePath);
-    if (fault.empty())
-        return true;
-    if (options.controlPath.empty()) {
-        log.addMessage(fault + "; sbus-host ctl cannot reach this one. Give it a socket with --control PATH");
-        return true;
-    }
+ExitStatus failed(const std::string& fault) {
     std::cerr << "sbus-host: " << fault << '\n';
-    return false;
+    return ExitStatus::Configuration;
 }
 
-ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputFormat format, Console& console) {
-    using Changes = ValueStore::Changes;
-    ValueStore store(site, format == OutputFormat::Table ? Changes::Ignore : Changes::Keep);
-    RunLog log(site, options.frames);
-    CoreFanOut core(store);
-    HostRuntime runtime(site, core);
-    RunControl control(site, core, runtime, log, [&runtime, &store, &log] {
-        return HostFigures{runtime.channelFigures(), outcomesOf(runtime, store, log)};
-    });
-    const std::string fault = runtime.start(options.pluginPath);
-    if (!fault.empty()) {
-        std::cerr << "sbus-host: " << fault << '\n';
-        return ExitStatus::Configuration;
-    }
-    CommandService commands(
-        site, core, [&runtime](int channelId, int rtuId) { return runtime.findRtu(channelId, rtuId); },
-        [&log](int channelId, int rtuId) { return log.wasLastRequestRefused(channelId, rtuId); },
-        [&log](const std::string& message) { log.addMessage(message); });
-    if (options.takesControl && !openControl(control, commands, options, log))
-        return ExitStatus::Configuration;
-    const std::unique_ptr<Output> output =
-        makeOutput(format, console, "sbus-host  " + options.sitePath, store,
-                   [&runtime, &log] { return figuresOf(runtime, log); });
-    showUntilDone(options, console, *output, log);
-
-    // What counts is how things stood at the end of the run, not what closing the lines makes of it.
-    store.freeze();
-    control.stop();
-    commands.stop();
-    const std::vector<RtuOutcome> outcomes = outcomesOf(runtime, store, log);
-    const std::vector<ChannelFigures> channels = runtime.channelFigures();
-    output->tell(log.takeMessages());
-    output->finish();
-    runtime.stop();
-    CLogger::GetInstance()->flush(logFlushMs);
-    (isForReading(format) ? console.out : console.error).write(summaryText(outcomes, channels));
+void tellLosses(const ValueStore& store, Console& console) {
     if (store.lostChanges() > 0)
         console.error.write(std::to_string(store.lostChanges()) +
                             " changes were lost: they came faster than the output was read\n");
     if (const auto dropped = CLogger::GetInstance()->figures().dropped; dropped > 0)
         console.error.write(std::to_string(dropped) +
                             " log lines were lost: the log directory's disk is full, fails or is too slow\n");
+}
+
+RunningSite runningSite(const Site& site, ValueStore& store, CommandTaker& commands, Messages& messages,
+                        HostRuntime& runtime) {
+    return {
+        site,
+        store,
+        runtime.exchanges(),
+        commands,
+        messages,
+        [&runtime] {
+            return SiteFigures{runtime.channelFigures(), runtime.rtuFigures()};
+        },
+        [&runtime](int channelId, int rtuId) { return runtime.requestPoll(channelId, rtuId); },
+        [&runtime](int channelId, int rtuId) { return runtime.requestEnds().wasRefused(channelId, rtuId); }};
+}
+
+ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputFormat format, Console& console) {
+    ValueStore store(site);
+    Messages messages;
+    LineMessages lineMessages(messages);
+    CoreFanOut core(store);
+    HostRuntime runtime(site, core, &lineMessages);
+    std::string fault = runtime.prepare(options.pluginPath);
+    if (!fault.empty())
+        return failed(fault);
+    CommandService commands(
+        site, core, [&runtime](int channelId, int rtuId) { return runtime.findRtu(channelId, rtuId); },
+        [&runtime](int channelId, int rtuId) {
+            return runtime.requestEnds().wasLastRequestRefused(channelId, rtuId);
+        },
+        [&messages](const std::string& message) { messages.tell(message); });
+    RunningSite running = runningSite(site, store, commands, messages, runtime);
+    RunServices services(options, format, console);
+    fault = services.start(running);
+    if (!fault.empty())
+        return failed(fault);
+    runtime.run();
+    waitForTheEnd(options, services.console());
+
+    // What counts is how things stood at the end of the run, not what closing the lines makes of it.
+    store.freeze();
+    services.stop();
+    commands.stop();
+    const std::vector<RtuOutcome> outcomes = collectOutcomes(runtime.rtuFigures(), store);
+    const std::vector<ChannelFigures> channels = runtime.channelFigures();
+    runtime.stop();
+    CLogger::GetInstance()->flush(logFlushMs);
+    (isForReading(format) ? console.out : console.error).write(summaryText(outcomes, channels));
+    tellLosses(store, console);
     return judge(outcomes);
 }
 
@@ -158,21 +143,18 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
 
 ExitStatus runSite(const RunOptions& options) {
     const OutputFormat format = chooseFormat(options);
-    if (format == OutputFormat::Table && options.frames && terminal::isErrorTerminal()) {
-        std::cerr << "sbus-host: --frames would run through the table; choose --format lines, or send the "
-                     "frames to a file with 2>FILE\n";
-        return ExitStatus::Configuration;
-    }
+    if (format == OutputFormat::Table && options.frames && terminal::isErrorTerminal())
+        return failed(
+            "--frames would run through the table; choose --format lines, or send the frames to a file "
+            "with 2>FILE");
     const LoadedSite loaded = loadSite(options.sitePath);
     for (const Finding& finding : loaded.findings.all())
         std::cerr << toText(finding) << '\n';
     if (loaded.findings.hasErrors())
         return ExitStatus::Configuration;
     const std::string fault = configureLogFiles(options);
-    if (!fault.empty()) {
-        std::cerr << "sbus-host: " << fault << '\n';
-        return ExitStatus::Configuration;
-    }
+    if (!fault.empty())
+        return failed(fault);
     terminal::survivePipeEnd();
     stopsignal::install();
     Console console;

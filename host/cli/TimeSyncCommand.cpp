@@ -30,7 +30,8 @@ ExitStatus synchroniseClock(const Controller& controller) {
     const CommandEnding ending = sender.send(SynchroniseClock());
     if (ending.kind == CommandEnding::Kind::Done) {
         std::cout << nameOf(line) << ": "
-                  << telegramText(framingOf(type, line.transmitType), ending.telegram, false) << std::endl;
+                  << telegramText(framingOf(type, line.transmitType), ending.telegrams.back(), false)
+                  << std::endl;
         return ExitStatus::Good;
     }
     const bool isIgnored = type == LineType::Ethernet && ending.isSilent;

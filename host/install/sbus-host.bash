@@ -83,7 +83,7 @@ _sbus_host_offer_argument() {
     run:0 | check:0 | ctl:0) _sbus_host_offer_sites ;;
     ctl:1)
         actions=$(_sbus_host_commands "$4")
-        _sbus_host_offer_words "${actions:-write poll time-sync status watch}"
+        _sbus_host_offer_words "${actions:-write poll time-sync status watch trace}"
         ;;
     read:0 | write:0 | time-sync:0)
         if [[ $3 == serial:* ]]; then

@@ -2,10 +2,9 @@
 
 #include "commands/CommandText.h"
 #include "commands/DriverCall.h"
+#include "runtime/FailureText.h"
 #include "services/console/StopSignal.h"
-#include "telegram/Framing.h"
 #include "telegram/RequestTelegram.h"
-#include "telegram/TelegramText.h"
 
 #include <HalvexDriverComponent/CReply.h>
 #include <HalvexDriverComponent/CRtu.h>
@@ -14,6 +13,7 @@
 #include <future>
 #include <limits>
 #include <thread>
+#include <utility>
 
 namespace host {
 
@@ -38,9 +38,8 @@ CommandEnding notSent(const std::string& reason) {
 
 CommandSender::CommandSender(const ControllerLine& controllerLine, const Site& writeSite,
                              HostRuntime::LinkFactory linkFactory)
-    : line(controllerLine), site(writeSite),
-      log(site, false, [this](const RequestResult& result) { noteResult(result); }),
-      runtime(site, *this, std::move(linkFactory)) {}
+    : line(controllerLine), site(writeSite), runtime(site, *this, this, std::move(linkFactory)),
+      watch(runtime.exchanges().watch([this](const Exchange& exchange) { noteExchange(exchange); })) {}
 
 CommandSender::~CommandSender() {
     // While this object still is the core.
@@ -55,20 +54,28 @@ std::string CommandSender::open(const std::string& pluginPath) {
 }
 
 // Polls of the same RTU end, too; only what has sent a write is the command's.
-void CommandSender::noteResult(const RequestResult& result) {
-    const Channel& channel = site.channels.front();
-    const bool isOfWrite =
-        isWriteTelegram(framingOf(channel.type, line.transmitType), bytesOfHexText(result.sentHex));
+void CommandSender::noteExchange(const Exchange& exchange) {
+    if (!isWriteTelegram(exchange.framing, exchange.sent))
+        return;
     const std::lock_guard<std::mutex> lock(mutex);
-    if (result.kind == RequestResult::Kind::LineClosed)
-        lineFault = result.reason + lineInUseHint(line);
-    else if (isOfWrite)
-        writeResult = result;
+    telegrams.push_back(exchange.sent);
+    isWriteOnTheWay = true;
+}
+
+void CommandSender::requestEnded(const RequestEnd& end) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (std::exchange(isWriteOnTheWay, false))
+        writeEnd = end;
+}
+
+void CommandSender::lineOpened(const Channel& channel, bool /*onSecondary*/, int result) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    lineFault = result == 0 ? "" : cannotOpenReason(channel) + lineInUseHint(line);
 }
 
 bool CommandSender::hasSentWrite() const {
     const std::lock_guard<std::mutex> lock(mutex);
-    return writeResult.has_value();
+    return !telegrams.empty();
 }
 
 std::string CommandSender::awaitLine() {
@@ -98,7 +105,8 @@ CommandEnding CommandSender::send(const CommandAction& action) {
             return notSent("interrupted before it was sent");
         {
             const std::lock_guard<std::mutex> lock(mutex);
-            writeResult.reset();
+            telegrams.clear();
+            writeEnd.reset();
         }
         auto* const reply = new CReply(rtu->GetChannel());
         const auto answer = static_cast<DriverErrorResult>(callDriver(*rtu, action, reply));
@@ -132,27 +140,26 @@ DriverErrorResult CommandSender::awaitReply(CReply* reply) {
 }
 
 CommandEnding CommandSender::endingOf(DriverErrorResult result) {
-    using Kind = RequestResult::Kind;
+    using Kind = RequestEnd::Kind;
     CommandEnding ending;
     const std::lock_guard<std::mutex> lock(mutex);
-    if (writeResult)
-        ending.telegram = bytesOfHexText(writeResult->sentHex);
-    if (writeResult ? writeResult->kind == Kind::Answered : result == DriverErrorResult::Success) {
+    ending.telegrams = telegrams;
+    if (writeEnd ? writeEnd->kind == Kind::Answered : result == DriverErrorResult::Success) {
         ending.kind = CommandEnding::Kind::Done;
     } else if (stopsignal::isRequested()) {
         ending.kind = CommandEnding::Kind::Failed;
         ending.reason = "interrupted before it was answered; it may have been written or not";
-    } else if (!writeResult) {
+    } else if (!writeEnd) {
         ending.kind = CommandEnding::Kind::Failed;
         ending.reason = "the line failed; check that device and cable are still plugged in";
-    } else if (writeResult->kind == Kind::Refused) {
+    } else if (writeEnd->kind == Kind::Refused) {
         ending.kind = CommandEnding::Kind::Refused;
-        ending.reason = "the controller refused the request (" + writeResult->protocolError +
+        ending.reason = "the controller refused the request (" + refusalText(*writeEnd) +
                         "); check that it has what is written, and lets it be written";
     } else {
         ending.kind = CommandEnding::Kind::Failed;
-        ending.reason = writeResult->reason + "; it may have been written or not";
-        ending.isSilent = writeResult->kind == Kind::NoAnswer;
+        ending.reason = failureReason(*writeEnd) + "; it may have been written or not";
+        ending.isSilent = writeEnd->kind == Kind::NoAnswer || writeEnd->kind == Kind::LineFailed;
     }
     return ending;
 }

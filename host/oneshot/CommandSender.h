@@ -3,8 +3,6 @@
 #include "commands/Command.h"
 #include "plan/OneShotSite.h"
 #include "runtime/HostRuntime.h"
-#include "runtime/RunLog.h"
-#include "telegram/Exchange.h"
 
 #include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
 #include <HalvexDriverLink/CLink.h>
@@ -21,14 +19,14 @@ struct CommandEnding {
     enum class Kind { Done, Refused, Failed, NotSent };
 
     Kind kind = Kind::NotSent;
-    std::string reason;     // what happened and what to check; empty when it is done
-    bool isSilent = false;  // no answer at all came
-    TelegramBytes telegram; // that was sent last
+    std::string reason;                   // what happened and what to check; empty when it is done
+    bool isSilent = false;                // no answer at all came
+    std::vector<TelegramBytes> telegrams; // that were sent for it
 };
 
 // Gives commands to one controller through the plug-in, one at a time.
 // States: made, open (after open), closed (after a signal). Main thread, but for what the plug-in reports.
-class CommandSender : private HalvexDriverCoreInterface {
+class CommandSender : private HalvexDriverCoreInterface, private LineListener {
 public:
     // A site of makeWriteSite, which outlives the sender. Without a link factory the line's own end is
     // opened.
@@ -47,7 +45,9 @@ private:
     void publishRtuStatus(int, int, const RtuStatus&) override {}
     void publishChannelStatus(int, const ChannelStatus&) override {}
 
-    void noteResult(const RequestResult& result);
+    void noteExchange(const Exchange& exchange);
+    void requestEnded(const RequestEnd& end) override;
+    void lineOpened(const Channel& channel, bool onSecondary, int result) override;
     // Why there is no line; empty when it is open.
     std::string awaitLine();
     bool hasSentWrite() const;
@@ -57,12 +57,14 @@ private:
     const ControllerLine line;
     const Site& site;
 
-    mutable std::mutex mutex;                 // guards the two that follow
-    std::optional<RequestResult> writeResult; // of the last write that was sent
-    std::string lineFault;                    // why the line was not opened the last time
+    mutable std::mutex mutex;             // guards what follows
+    std::vector<TelegramBytes> telegrams; // of writes, since the command was given
+    bool isWriteOnTheWay = false;         // one of them is of the request in progress
+    std::optional<RequestEnd> writeEnd;   // of the last request that sent any
+    std::string lineFault;                // why the line was not opened the last time
 
-    RunLog log;
-    HostRuntime runtime; // ends before what it reports to
+    HostRuntime runtime;                              // ends before what it reports to
+    const std::unique_ptr<ExchangeFeed::Watch> watch; // of the runtime's feed
 };
 
 } // namespace host

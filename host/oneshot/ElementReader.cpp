@@ -1,5 +1,6 @@
 #include "ElementReader.h"
 
+#include "runtime/FailureText.h"
 #include "services/console/StopSignal.h"
 
 #include <HalvexDriverComponent/CRtu.h>
@@ -13,7 +14,7 @@ namespace host {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Kind = RequestResult::Kind;
+using Kind = RequestEnd::Kind;
 
 constexpr std::chrono::milliseconds lookPeriod{20}; // how soon a signal is seen
 constexpr unsigned mostTries = 3;
@@ -38,8 +39,7 @@ std::string rangesText(const std::vector<std::string>& ranges) {
 ElementReader::ElementReader(const ControllerLine& controllerLine,
                              const std::vector<ElementRead>& elementsToRead)
     : line(controllerLine), site(makeReadSite(line, elementsToRead)), board(elementsToRead.size()),
-      log(site, false, [this](const RequestResult& result) { board.noteResult(result); }),
-      runtime(site, board), chunks(channel().rtus.size()) {}
+      runtime(site, board, &board), chunks(channel().rtus.size()) {}
 
 ElementReader::~ElementReader() {
     if (stopsignal::isRequested())
@@ -59,11 +59,13 @@ ReadRound ElementReader::read(const Progress& progress) {
         if (stopsignal::isRequested())
             return collect(true);
         board.waitForNews(lookPeriod);
-        const std::vector<RequestResult> results = board.takeResults();
-        for (const RequestResult& result : results)
-            takeResult(result);
+        if (board.takeFailedOpen())
+            giveUpAll(cannotOpenReason(channel()) + lineInUseHint(line));
+        const std::vector<RequestEnd> ends = board.takeEnds();
+        for (const RequestEnd& end : ends)
+            takeEnd(end);
         const std::size_t readNow = board.readCount();
-        if (!results.empty() || readNow != readBefore)
+        if (!ends.empty() || readNow != readBefore)
             lastNews = Clock::now();
         else if (Clock::now() - lastNews > patience)
             giveUpAll("the driver gave no result; check the line");
@@ -104,38 +106,34 @@ bool ElementReader::isSettled() const {
     return true;
 }
 
-void ElementReader::takeResult(const RequestResult& result) {
-    if (result.kind == Kind::LineClosed) {
-        giveUpAll(result.reason + lineInUseHint(line));
-        return;
-    }
-    const auto place = static_cast<std::size_t>(result.rtuId - 1);
+void ElementReader::takeEnd(const RequestEnd& end) {
+    const auto place = static_cast<std::size_t>(end.rtu->id - 1);
     if (place >= chunks.size())
         return;
-    judgeSilence(result);
+    judgeSilence(end);
     Chunk& chunk = chunks[place];
-    if (result.kind == Kind::Answered || chunk.isGivenUp || isRead(place))
+    if (end.kind == Kind::Answered || chunk.isGivenUp || isRead(place))
         return;
     ++chunk.tries;
-    chunk.isRefused = result.kind == Kind::Refused;
+    chunk.isRefused = end.kind == Kind::Refused;
     chunk.failure = chunk.isRefused
-                        ? "the controller refused the request (" + result.protocolError +
+                        ? "the controller refused the request (" + refusalText(end) +
                               "); check that it has all of these elements, or ask for fewer at a time"
-                        : result.reason;
+                        : failureReason(end);
     chunk.isGivenUp = chunk.isRefused || chunk.tries >= mostTries;
     if (!chunk.isGivenUp)
         ask(place);
 }
 
-void ElementReader::judgeSilence(const RequestResult& result) {
-    if (result.kind != Kind::NoAnswer) {
+void ElementReader::judgeSilence(const RequestEnd& end) {
+    if (end.kind != Kind::NoAnswer && end.kind != Kind::LineFailed && end.kind != Kind::NotSent) {
         hasAnswered = true;
         silentInARow = 0;
         return;
     }
     ++silentInARow;
     if (silentInARow >= (hasAnswered ? silencesOfALostStation : silencesOfADeadStation))
-        giveUpAll(result.reason);
+        giveUpAll(failureReason(end));
 }
 
 void ElementReader::giveUpAll(const std::string& reason) {

@@ -46,8 +46,8 @@ private:
     bool isRead(std::size_t chunk) const;
     bool isSettled() const;
     void begin();
-    void takeResult(const RequestResult& result);
-    void judgeSilence(const RequestResult& result);
+    void takeEnd(const RequestEnd& end);
+    void judgeSilence(const RequestEnd& end);
     void giveUpAll(const std::string& reason);
     void ask(std::size_t chunk);
     ReadRound collect(bool isInterrupted) const;
@@ -56,7 +56,6 @@ private:
     const ControllerLine line;
     const Site site;
     ReadBoard board;
-    RunLog log;
     HostRuntime runtime; // ends before what it reports to
     bool isFirstRound = true;
 

@@ -2,6 +2,8 @@
 
 #include <QDateTime>
 
+#include <utility>
+
 namespace host {
 
 ReadBoard::ReadBoard(std::size_t elements) : board(elements) {}
@@ -10,7 +12,8 @@ void ReadBoard::begin() {
     const std::lock_guard<std::mutex> lock(mutex);
     board.assign(board.size(), Reading());
     elementsRead = 0;
-    results.clear();
+    ends.clear();
+    hasFailedToOpen = false;
     hasNews = false;
 }
 
@@ -32,9 +35,18 @@ void ReadBoard::publishRtuStatus(int, int, const RtuStatus&) {}
 
 void ReadBoard::publishChannelStatus(int, const ChannelStatus&) {}
 
-void ReadBoard::noteResult(const RequestResult& result) {
+void ReadBoard::requestEnded(const RequestEnd& end) {
     const std::lock_guard<std::mutex> lock(mutex);
-    results.push_back(result);
+    ends.push_back(end);
+    hasNews = true;
+    news.notify_all();
+}
+
+void ReadBoard::lineOpened(const Channel&, bool, int result) {
+    if (result == 0)
+        return;
+    const std::lock_guard<std::mutex> lock(mutex);
+    hasFailedToOpen = true;
     hasNews = true;
     news.notify_all();
 }
@@ -45,11 +57,14 @@ void ReadBoard::waitForNews(std::chrono::milliseconds longest) {
     hasNews = false;
 }
 
-std::vector<RequestResult> ReadBoard::takeResults() {
+std::vector<RequestEnd> ReadBoard::takeEnds() {
     const std::lock_guard<std::mutex> lock(mutex);
-    std::vector<RequestResult> taken;
-    taken.swap(results);
-    return taken;
+    return std::exchange(ends, {});
+}
+
+bool ReadBoard::takeFailedOpen() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return std::exchange(hasFailedToOpen, false);
 }
 
 std::vector<Reading> ReadBoard::readings() const {

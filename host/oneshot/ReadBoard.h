@@ -1,6 +1,6 @@
 #pragma once
 
-#include "runtime/RunLog.h"
+#include "runtime/RequestEnd.h"
 
 #include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
 
@@ -21,7 +21,7 @@ struct Reading {
 // Where the values and the results of one reading arrive, made of a site of makeReadSite: a point's number is
 // its element's place. A value that has been read stays so until begin(): that its RTU asks once more, or its
 // line breaks off behind it, takes nothing back. Any thread.
-class ReadBoard : public HalvexDriverCoreInterface {
+class ReadBoard : public HalvexDriverCoreInterface, public LineListener {
 public:
     explicit ReadBoard(std::size_t elements);
 
@@ -31,12 +31,15 @@ public:
     void publishPoints(int channelId, int rtuId, const QVector<PointUpdate>& updates) override;
     void publishRtuStatus(int channelId, int rtuId, const RtuStatus& status) override;
     void publishChannelStatus(int channelId, const ChannelStatus& status) override;
-    void noteResult(const RequestResult& result);
+    void requestEnded(const RequestEnd& end) override;
+    void lineOpened(const Channel& channel, bool onSecondary, int result) override;
 
     // Waits until something new is there, at most so long.
     void waitForNews(std::chrono::milliseconds longest);
-    // The results since the last call.
-    std::vector<RequestResult> takeResults();
+    // The requests that have ended since the last call.
+    std::vector<RequestEnd> takeEnds();
+    // Whether the line could not be opened since the last call.
+    bool takeFailedOpen();
     std::vector<Reading> readings() const;
     std::size_t readCount() const;
     bool isRead(std::size_t element) const;
@@ -47,7 +50,8 @@ private:
     bool hasNews = false;
     std::vector<Reading> board;
     std::size_t elementsRead = 0;
-    std::vector<RequestResult> results;
+    std::vector<RequestEnd> ends;
+    bool hasFailedToOpen = false;
 };
 
 } // namespace host

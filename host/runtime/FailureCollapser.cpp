@@ -8,16 +8,18 @@ constexpr std::chrono::seconds quietTime{60};
 
 } // namespace
 
-std::optional<std::string> FailureCollapser::failed(const Source& source, const std::string& text, Time now) {
-    const auto [entry, isNew] = kinds.try_emplace({source, text}, Kind{now, 0});
-    Kind& kind = entry->second;
-    if (!isNew && now - kind.toldAt < quietTime) {
-        ++kind.sinceTold;
+std::optional<std::string> FailureCollapser::failed(const Source& source, int kind, const std::string& text,
+                                                    Time now) {
+    const auto [entry, isNew] = tellings.try_emplace({source, kind}, Telling{now, 0});
+    Telling& telling = entry->second;
+    if (!isNew && now - telling.toldAt < quietTime) {
+        ++telling.sinceTold;
         return std::nullopt;
     }
     const std::string repeats =
-        kind.sinceTold > 0 ? " (" + std::to_string(kind.sinceTold) + " more since this was last told)" : "";
-    kind = {now, 0};
+        telling.sinceTold > 0 ? " (" + std::to_string(telling.sinceTold) + " more since this was last told)"
+                              : "";
+    telling = {now, 0};
     told.insert(source);
     return text + repeats;
 }

@@ -17,18 +17,21 @@ public:
     using Time = std::chrono::steady_clock::time_point;
     using Source = std::pair<int, int>; // channel, RTU (0: the channel itself)
 
-    // What is to be told, or nothing.
-    std::optional<std::string> failed(const Source& source, const std::string& text, Time now);
+    // What is to be told, or nothing. Failures of one kind are alike, whatever their texts say.
+    std::optional<std::string> failed(const Source& source, int kind, const std::string& text, Time now);
     std::optional<std::string> succeeded(const Source& source, const std::string& who);
 
+    // Whether a failure was told whose end was not.
+    bool isFailing(const Source& source) const { return told.count(source) > 0; }
+
 private:
-    struct Kind {
+    struct Telling {
         Time toldAt{};
         unsigned sinceTold = 0;
     };
 
-    std::map<std::pair<Source, std::string>, Kind> kinds;
-    std::set<Source> told; // whose failure was told and goes on
+    std::map<std::pair<Source, int>, Telling> tellings; // by source and kind
+    std::set<Source> told;                              // whose failure was told and goes on
 };
 
 } // namespace host

@@ -31,21 +31,34 @@ std::chrono::milliseconds longestTimeOut(const Channel& channel) {
 
 } // namespace
 
-HostRuntime::HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore)
-    : HostRuntime(hostSite, hostCore, makeLink) {}
+HostRuntime::HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore, LineListener* listener)
+    : HostRuntime(hostSite, hostCore, listener, makeLink) {}
 
-HostRuntime::HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore, LinkFactory linkFactory)
-    : site(hostSite), core(hostCore), makeEnd(std::move(linkFactory)) {}
+HostRuntime::HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore, LineListener* listener,
+                         LinkFactory linkFactory)
+    : site(hostSite), ends(hostSite, hostCore, feed, listener), makeEnd(std::move(linkFactory)) {}
 
 HostRuntime::~HostRuntime() {
     stop();
 }
 
 std::string HostRuntime::start(const std::string& pluginPath) {
+    std::string fault = prepare(pluginPath);
+    if (fault.empty())
+        run();
+    return fault;
+}
+
+void HostRuntime::run() {
+    for (const RunningChannel& running : channels)
+        running.channel->start();
+}
+
+std::string HostRuntime::prepare(const std::string& pluginPath) {
     std::string fault = plugin.load(pluginPath);
     if (!fault.empty())
         return fault;
-    plugin.driver()->initialize(&core);
+    plugin.driver()->initialize(&ends);
     plugin.driver()->loadTranslator();
     for (const Channel& configured : site.channels) {
         fault = makeChannel(configured);
@@ -54,8 +67,6 @@ std::string HostRuntime::start(const std::string& pluginPath) {
             return fault;
         }
     }
-    for (const RunningChannel& running : channels)
-        running.channel->start();
     return {};
 }
 
@@ -68,14 +79,22 @@ std::string HostRuntime::makeChannel(const Channel& configured) {
     if (!channel)
         return who + ": the plug-in made no channel";
     channel->SetCommType(type);
-    channel->SetLinks(makeEnd(configured.primary),
-                      configured.secondary ? makeEnd(*configured.secondary) : nullptr);
+    LineObserver& observer = ends.observerOf(configured.id);
+    channel->SetLinks(makeLinkOf(configured.primary, observer.primaryEnd()),
+                      configured.secondary ? makeLinkOf(*configured.secondary, observer.secondaryEnd())
+                                           : nullptr);
     for (const Rtu& rtu : configured.rtus)
         addRtu(*channel, rtu);
     channels.push_back({&configured, std::move(channel)});
     if (!channels.back().channel->InitChannel())
         return who + ": the plug-in cannot prepare the line";
     return {};
+}
+
+std::unique_ptr<CLink> HostRuntime::makeLinkOf(const LinkEnd& end, LinkObserver& observer) const {
+    std::unique_ptr<CLink> link = makeEnd(end);
+    link->setObserver(&observer);
+    return link;
 }
 
 void HostRuntime::addRtu(CChannel& channel, const Rtu& rtu) {
@@ -128,8 +147,13 @@ std::vector<RtuFigures> HostRuntime::rtuFigures() const {
     std::vector<RtuFigures> figures;
     for (const RunningChannel& running : channels)
         for (const Rtu& rtu : running.configured->rtus)
-            if (const CRtu* const made = running.channel->GetRtuMap().value(rtu.id))
-                figures.push_back({running.configured, &rtu, made->GetRtuStatus()});
+            if (const CRtu* const made = running.channel->GetRtuMap().value(rtu.id)) {
+                const int channelId = running.configured->id;
+                RtuFigures one{running.configured, &rtu, made->GetRtuStatus(),
+                               ends.wasRefused(channelId, rtu.id)};
+                one.status.connected = one.status.connected && !ends.isSilent(channelId, rtu.id);
+                figures.push_back(one);
+            }
     return figures;
 }
 
@@ -148,6 +172,18 @@ ChannelStatus HostRuntime::channelStatus(const Channel& channel) const {
 CRtu* HostRuntime::findRtu(int channelId, int rtuId) const {
     const RunningChannel* const running = find(channelId);
     return running == nullptr ? nullptr : running->channel->GetRtuMap().value(rtuId);
+}
+
+Halvex::DriverErrorResult HostRuntime::requestPoll(int channelId, int rtuId) const {
+    CRtu* const rtu = findRtu(channelId, rtuId);
+    if (rtu == nullptr)
+        return Halvex::DriverErrorResult::RtuNotFound;
+    // The driver would keep the wish until the line is open, and then poll anyway.
+    if (!rtu->GetChannel()->IsConnect())
+        return Halvex::DriverErrorResult::ChannelError;
+    // Without a reply: the driver drops a wish that equals a pending one, and its reply would never come.
+    return static_cast<Halvex::DriverErrorResult>(
+        rtu->RequestPoll(static_cast<int>(Halvex::PollKind::Integrity), nullptr));
 }
 
 const HostRuntime::RunningChannel* HostRuntime::find(int channelId) const {

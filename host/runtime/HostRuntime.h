@@ -1,8 +1,10 @@
 #pragma once
 
 #include "DriverPlugin.h"
+#include "RequestEnds.h"
 #include "site/Site.h"
 
+#include <HalvexDriverComponent/Halvex.h>
 #include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
 
 #include <functional>
@@ -21,7 +23,8 @@ namespace host {
 struct RtuFigures {
     const Channel* channel = nullptr;
     const Rtu* rtu = nullptr;
-    RtuStatus status;
+    RtuStatus status;        // not connected when the last request found no answer
+    bool wasRefused = false; // the last of its requests that failed
 };
 
 // How a channel of the site stands.
@@ -36,21 +39,28 @@ struct SiteFigures {
 };
 
 // A site at work: the plug-in, a channel per line, their threads.
-// States: made, running (after start), stopped (after stop, for good). Site and core outlive it.
-// Threads: the main thread; while running, from the end of start() to the beginning of stop(), figures and
-// RTUs may be asked for on any.
+// States: made, prepared, running, stopped (after stop, for good). Site and core outlive it.
+// Threads: the main thread; from the end of prepare() to the beginning of stop(), figures and RTUs may be
+// asked for on any.
 class HostRuntime {
 public:
     using LinkFactory = std::function<std::unique_ptr<CLink>(const LinkEnd&)>;
 
-    HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore);
-    // With links of its own making.
-    HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore, LinkFactory linkFactory);
+    // The listener may be null; it outlives the runtime as well.
+    explicit HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore,
+                         LineListener* listener = nullptr);
+    // With links of another making.
+    HostRuntime(const Site& hostSite, HalvexDriverCoreInterface& hostCore, LineListener* listener,
+                LinkFactory linkFactory);
     HostRuntime(const HostRuntime&) = delete;
     HostRuntime& operator=(const HostRuntime&) = delete;
     ~HostRuntime();
 
-    // Loads the plug-in, makes and starts every channel. Empty, or what went wrong; then nothing runs.
+    // Loads the plug-in and makes every channel. Empty, or what went wrong; then there are none.
+    std::string prepare(const std::string& pluginPath);
+    // Starts every channel's thread.
+    void run();
+    // Both.
     std::string start(const std::string& pluginPath);
     // Ends the channels' threads, closes and deletes the channels, ends the driver and unloads it. A request
     // in progress has the longest session time-out of its channel to end by itself.
@@ -63,6 +73,12 @@ public:
     ChannelStatus channelStatus(const Channel& channel) const;
     // Null when there is none.
     CRtu* findRtu(int channelId, int rtuId) const;
+    // Asks an RTU for an integrity poll. The result tells only whether the driver took the wish over.
+    Halvex::DriverErrorResult requestPoll(int channelId, int rtuId) const;
+    // Every telegram of every line and its answer.
+    ExchangeFeed& exchanges() { return feed; }
+    // How the last requests of the RTUs ended.
+    const RequestEnds& requestEnds() const { return ends; }
 
 private:
     struct RunningChannel {
@@ -71,12 +87,14 @@ private:
     };
 
     std::string makeChannel(const Channel& configured);
+    std::unique_ptr<CLink> makeLinkOf(const LinkEnd& end, LinkObserver& observer) const;
     void addRtu(CChannel& channel, const Rtu& rtu);
     void waitForThreads();
     const RunningChannel* find(int channelId) const;
 
     const Site& site;
-    HalvexDriverCoreInterface& core;
+    ExchangeFeed feed;
+    RequestEnds ends; // the driver's core; outlives the channels, whose links it observes
     const LinkFactory makeEnd;
     DriverPlugin plugin; // outlives the channels, whose code is the plug-in's
     std::vector<RunningChannel> channels;

@@ -1,6 +1,6 @@
 #include "Crowd.h"
 #include "FakeHost.h"
-#include "services/control/ControlClient.h"
+#include "cli/ControlClient.h"
 #include "services/control/ControlServer.h"
 
 #include <QTemporaryDir>

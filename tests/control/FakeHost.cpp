@@ -72,7 +72,7 @@ Halvex::DriverErrorResult FakeHost::requestPoll(int channelId, int rtuId) {
     return result;
 }
 
-host::HostFigures FakeHost::figures() const {
+host::HostFigures FakeHost::siteFigures() const {
     {
         const std::lock_guard<std::mutex> lock(mutex);
         ++figureCount;

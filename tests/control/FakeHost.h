@@ -21,8 +21,9 @@ public:
 
     std::string submit(const host::Command& command, host::CommandDone done) override;
     Result requestPoll(int channelId, int rtuId) override;
-    host::HostFigures figures() const override;
+    host::HostFigures siteFigures() const override;
     bool wasRefused(int channelId, int rtuId) const override;
+    host::ExchangeFeed& exchanges() override { return feed; }
 
     // What the next commands and polls come to.
     void answerWith(Result next, bool refusedByController = false);
@@ -38,6 +39,7 @@ public:
     void waitForCommands(std::size_t count);
 
     host::ValueStore store;
+    host::ExchangeFeed feed;
 
 private:
     const host::Site& site;

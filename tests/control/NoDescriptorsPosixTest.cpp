@@ -1,5 +1,5 @@
 #include "FakeHost.h"
-#include "services/control/ControlClient.h"
+#include "cli/ControlClient.h"
 #include "services/control/ControlServer.h"
 #include "services/control/DescriptorLimit.h"
 

@@ -1,4 +1,4 @@
-#include "services/control/ReplyText.h"
+#include "cli/ReplyText.h"
 #include "FakeHost.h"
 #include "cli/CtlCommand.h"
 #include "services/control/Reply.h"
@@ -50,7 +50,7 @@ TEST(ControlReplyText, TellsALineForEachResult) {
 TEST(ControlReplyText, TellsTheStatusAsATable) {
     const Site site = controlSite();
     const FakeHost fake(site);
-    const HostFigures figures = fake.figures();
+    const HostFigures figures = fake.siteFigures();
     const std::string table = statusText(statusParts(figures.channels, figures.rtus));
     EXPECT_EQ(
         table.substr(0, table.find("reservoirs")),

@@ -59,7 +59,7 @@ protected:
         fake,
         fake.store,
         {[this](ClientId client, const QByteArray& line) { sent[client].push_back(line.toStdString()); },
-         [this] { ++woken; }, [this] { return time; }}};
+         [](ClientId) { return true; }, [this] { ++woken; }, [this] { return time; }}};
 };
 
 const char* const writeRun = R"({"id":1,"do":"write","values":[{"point":"hill/RUN","value":1}]})";
@@ -305,8 +305,9 @@ TEST(ServiceEnd, CommandsMayEndAfterTheServiceIsGone) {
     fake.hold();
     int woken = 0;
     {
-        ControlService service(site, fake, fake.store,
-                               {[](ClientId, const QByteArray&) {}, [&woken] { ++woken; }, {}});
+        ControlService service(
+            site, fake, fake.store,
+            {[](ClientId, const QByteArray&) {}, [](ClientId) { return true; }, [&woken] { ++woken; }, {}});
         service.handleLine(1, writeRun);
     }
     fake.release();

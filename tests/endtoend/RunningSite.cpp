@@ -12,12 +12,11 @@ RunningSite::~RunningSite() {
 void RunningSite::start(const std::string& pluginFile) {
     store = std::make_unique<host::ValueStore>(description);
     core.add(*store);
-    log = std::make_unique<host::RunLog>(description, false);
-    runtime = std::make_unique<host::HostRuntime>(description, core, makeLink);
+    runtime = std::make_unique<host::HostRuntime>(description, core, nullptr, makeLink);
     ASSERT_EQ(runtime->start(pluginFile), "");
     service = std::make_unique<host::CommandService>(
         description, core, [this](int channel, int id) { return runtime->findRtu(channel, id); },
-        [this](int channel, int id) { return log->wasLastRequestRefused(channel, id); },
+        [this](int channel, int id) { return runtime->requestEnds().wasLastRequestRefused(channel, id); },
         [this](const std::string& text) {
             const std::lock_guard<std::mutex> lock(mutex);
             told.push_back(text);

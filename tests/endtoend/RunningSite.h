@@ -2,7 +2,6 @@
 
 #include "commands/CommandService.h"
 #include "runtime/HostRuntime.h"
-#include "runtime/RunLog.h"
 #include "values/ValueStore.h"
 
 #include <HalvexDriverLink/CLink.h>
@@ -47,7 +46,6 @@ private:
     std::unique_ptr<host::ValueStore> store;
     host::CoreFanOut core;
     host::HostRuntime::LinkFactory makeLink = host::makeLink;
-    std::unique_ptr<host::RunLog> log;
     std::unique_ptr<host::HostRuntime> runtime;
     std::unique_ptr<host::CommandService> service;
 };

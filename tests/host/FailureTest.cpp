@@ -1,21 +1,36 @@
-#include "SmallSite.h"
+#include "ObservedLine.h"
 #include "runtime/FailureCollapser.h"
 #include "runtime/FailureText.h"
+#include "runtime/LineMessages.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using host::FailureCollapser;
 using host::failureReason;
-using host::TransmitType;
 using testing::AllOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
 using namespace std::chrono_literals;
+using namespace telegrams;
 
 namespace {
 
 const FailureCollapser::Time start{};
 const FailureCollapser::Source rtu{1, 2};
+constexpr int silence = 1; // kinds
+constexpr int refused = 2;
+
+std::string reasonBehind(const host::Site& site, const QByteArray& sent, const QByteArray& received) {
+    ObservedLine line(site);
+    line.send(sent);
+    if (!received.isEmpty())
+        line.receive(received);
+    line.reportFailure();
+    return failureReason(line.ended.at(0));
+}
 
 } // namespace
 
@@ -27,68 +42,150 @@ TEST(FailureText, NamesChannelAndRtu) {
     EXPECT_EQ(nameOf(channel, nullptr), "channel 4 \"waterworks\"");
 }
 
-TEST(FailureText, TellsWhatToCheck) {
-    const host::Site site = smallSite();
-    const host::Channel& channel = site.channels[0];
-    EXPECT_THAT(failureReason(channel, &channel.rtus[0], "Request result : Timeout", ""),
-                AllOf(HasSubstr("no complete answer"), HasSubstr("200 ms"), HasSubstr("check"),
-                      HasSubstr("station number 5"), HasSubstr("udp://127.0.0.1:9")));
-    EXPECT_THAT(failureReason(channel, nullptr, "Error opening channel", ""),
-                AllOf(HasSubstr("cannot open udp://127.0.0.1:9"), HasSubstr("check")));
+TEST(FailureText, TellsWhatToCheckWhenNobodyAnswers) {
+    EXPECT_EQ(reasonBehind(smallSite(), readTwoRegisters, {}),
+              "no answer within 200 ms; check that the controller is on and has station number 5, and that "
+              "udp://127.0.0.1:9 is its address");
+    EXPECT_THAT(reasonBehind(serialSite(), switchOn, {}),
+                AllOf(HasSubstr("no answer within 200 ms"), HasSubstr("the cable at /dev/x"),
+                      HasSubstr("9600 baud and transmit type data")));
 }
 
-TEST(FailureText, TellsSilenceOnEthernetAsWhatItIs) {
-    const host::Site site = smallSite();
-    const host::Channel& channel = site.channels[0];
-    EXPECT_THAT(failureReason(channel, &channel.rtus[0], "Request result : Chennel Error", ""),
-                HasSubstr("no complete answer"));
+TEST(FailureText, NamesTheEndInUseWhenNobodyAnswers) {
+    host::Site site = smallSite();
+    site.channels[0].secondary = host::UdpEnd{"127.0.0.2", 9};
+    ObservedLine line(site);
+    line.wire().secondaryEnd().linkOpened(0);
+    LinkObserver& secondary = line.wire().secondaryEnd();
+    secondary.telegramSent(readTwoRegisters.constData(), readTwoRegisters.size(), LinkObserver::Clock::now());
+    line.reportFailure();
+    EXPECT_THAT(failureReason(line.ended.at(0)), HasSubstr("udp://127.0.0.2:9"));
+    line.open();
+    line.send(readTwoRegisters);
+    line.reportFailure();
+    EXPECT_THAT(failureReason(line.ended.at(1)), HasSubstr("udp://127.0.0.1:9"));
 }
 
-TEST(FailureText, TellsRefusalsFromDamage) {
-    const host::Site site = smallSite();
-    const host::Channel& channel = site.channels[0];
-    const auto text = [&](const char* protocolError) {
-        return failureReason(channel, &channel.rtus[0], "Request result : Bad Data", protocolError);
-    };
-    EXPECT_THAT(text("Ack Error: 1"), HasSubstr("refused"));
-    EXPECT_THAT(text("Nak Error"), HasSubstr("refused"));
-    EXPECT_THAT(text("CRC Error"), HasSubstr("damaged"));
-    EXPECT_THAT(text("Invaild Sequence"), HasSubstr("not the one to the request"));
+TEST(FailureText, TellsRefusalsFromDamageAndFromAnswersToOthers) {
+    EXPECT_EQ(reasonBehind(smallSite(), readTwoRegisters, refusal),
+              "the controller refused a request (acknowledge code 1); check that every element of its points "
+              "exists in it");
+    EXPECT_THAT(
+        reasonBehind(serialSite(host::TransmitType::Break), withChecksum(hex("05 06 01 00 64")), hex("15")),
+        HasSubstr("refused a request (negative acknowledge)"));
+    EXPECT_THAT(reasonBehind(smallSite(), readTwoRegisters, damagedAnswer),
+                AllOf(HasSubstr("damaged"), HasSubstr("check the network")));
+    EXPECT_THAT(reasonBehind(smallSite(), readTwoRegisters, lateAnswer),
+                AllOf(HasSubstr("not the one to the request"), HasSubstr("later than the time-out")));
 }
 
-TEST(FailureText, KnowsANegativeAcknowledgeByItsBytes) {
-    EXPECT_TRUE(host::isRefusedRead(TransmitType::Data, "B5 02 00 01 33 D5 00 00 "));
-    EXPECT_FALSE(host::isRefusedRead(TransmitType::Data, "B5 01 00 01 33 D5 00 00 "));
-    EXPECT_FALSE(host::isRefusedRead(TransmitType::Data, ""));
-    EXPECT_TRUE(host::isRefusedRead(TransmitType::Break, "15 00 00 00 00 00 "));
-    EXPECT_FALSE(host::isRefusedRead(TransmitType::Break, "15 00 01 00 00 00 "));
-    EXPECT_FALSE(host::isRefusedRead(TransmitType::Break, "00 00 00 "));
+TEST(FailureText, TellsALineThatFailedFromSilence) {
+    const host::Site site = serialSite();
+    ObservedLine line(site);
+    line.send(switchOn);
+    line.wire().primaryEnd().linkFailed();
+    line.reportFailure();
+    EXPECT_THAT(failureReason(line.ended.at(0)),
+                HasSubstr("check that device and cable are still plugged in"));
+}
+
+TEST(FailureText, TellsWhatToCheckWhenALineCannotBeOpened) {
+    EXPECT_THAT(cannotOpenReason(smallSite().channels[0]),
+                AllOf(HasSubstr("cannot open udp://127.0.0.1:9"), HasSubstr("check the host name")));
+    EXPECT_THAT(cannotOpenReason(serialSite().channels[0]), HasSubstr("check that the device is there"));
 }
 
 TEST(FailureCollapser, TellsTheFirstOfAKindAtOnceAndTheOthersOnceAMinute) {
     FailureCollapser collapser;
-    EXPECT_EQ(collapser.failed(rtu, "no answer", start), "no answer");
+    EXPECT_EQ(collapser.failed(rtu, silence, "no answer", start), "no answer");
     for (int second = 1; second < 60; ++second)
-        EXPECT_FALSE(collapser.failed(rtu, "no answer", start + std::chrono::seconds(second)));
-    EXPECT_EQ(collapser.failed(rtu, "no answer", start + 60s),
+        EXPECT_FALSE(collapser.failed(rtu, silence, "no answer", start + std::chrono::seconds(second)));
+    EXPECT_EQ(collapser.failed(rtu, silence, "no answer", start + 60s),
               "no answer (59 more since this was last told)");
-    EXPECT_FALSE(collapser.failed(rtu, "no answer", start + 61s));
+    EXPECT_FALSE(collapser.failed(rtu, silence, "no answer", start + 61s));
 }
 
 TEST(FailureCollapser, KeepsKindsAndSourcesApart) {
     FailureCollapser collapser;
-    EXPECT_TRUE(collapser.failed(rtu, "no answer", start));
-    EXPECT_TRUE(collapser.failed(rtu, "refused", start));
-    EXPECT_TRUE(collapser.failed({1, 3}, "no answer", start));
+    EXPECT_TRUE(collapser.failed(rtu, silence, "no answer", start));
+    EXPECT_TRUE(collapser.failed(rtu, refused, "refused", start));
+    EXPECT_TRUE(collapser.failed({1, 3}, silence, "no answer", start));
+}
+
+TEST(FailureCollapser, TakesFailuresOfAKindForOneWhateverTheirTexts) {
+    FailureCollapser collapser;
+    EXPECT_TRUE(collapser.failed(rtu, refused, "refused, code 1", start));
+    EXPECT_FALSE(collapser.failed(rtu, refused, "refused, code 2", start + 1s));
 }
 
 TEST(FailureCollapser, TellsTheEndOfAFailureOnce) {
     FailureCollapser collapser;
     EXPECT_FALSE(collapser.succeeded(rtu, "RTU 2"));
-    EXPECT_TRUE(collapser.failed(rtu, "no answer", start));
+    EXPECT_FALSE(collapser.isFailing(rtu));
+    EXPECT_TRUE(collapser.failed(rtu, silence, "no answer", start));
+    EXPECT_TRUE(collapser.isFailing(rtu));
     EXPECT_EQ(collapser.succeeded(rtu, "RTU 2"), "RTU 2: answers again");
     EXPECT_FALSE(collapser.succeeded(rtu, "RTU 2"));
     // A failure that is not told has no end to be told.
-    EXPECT_FALSE(collapser.failed(rtu, "no answer", start + 5s));
+    EXPECT_FALSE(collapser.failed(rtu, silence, "no answer", start + 5s));
     EXPECT_FALSE(collapser.succeeded(rtu, "RTU 2"));
+}
+
+TEST(LineMessages, TellsFailuresAndTheirEndButNotSuccess) {
+    const host::Site site = smallSite();
+    host::Messages messages;
+    host::LineMessages teller(messages);
+    ObservedLine line(site);
+    line.reportAnswer();
+    line.send(readTwoRegisters);
+    line.reportFailure();
+    line.send(readTwoRegisters);
+    line.reportFailure();
+    line.reportAnswer();
+    line.reportAnswer();
+    for (const host::RequestEnd& end : line.ended)
+        teller.requestEnded(end);
+    EXPECT_THAT(
+        messages.take(),
+        ElementsAre(HasSubstr("channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5): no answer"),
+                    HasSubstr("answers again")));
+}
+
+// Each answer's sequence number is another one.
+TEST(LineMessages, TellsLateAnswersOnce) {
+    const host::Site site = smallSite();
+    host::Messages messages;
+    host::LineMessages teller(messages);
+    ObservedLine line(site);
+    for (quint16 sequence = 100; sequence < 200; ++sequence) {
+        line.send(readTwoRegisters);
+        line.receive(ethernetTelegram(sequence, 1, hex("00 00 00 0C 00 00 00 0D")));
+        line.reportFailure();
+        teller.requestEnded(line.ended.back());
+    }
+    EXPECT_EQ(messages.take().size(), 1U);
+}
+
+TEST(LineMessages, TellsALineThatCannotBeOpened) {
+    const host::Site site = smallSite();
+    host::Messages messages;
+    host::LineMessages teller(messages);
+    teller.lineOpened(site.channels[0], false, 0);
+    EXPECT_THAT(messages.take(), IsEmpty());
+    teller.lineOpened(site.channels[0], false, 5);
+    teller.lineOpened(site.channels[0], false, 5);
+    EXPECT_THAT(messages.take(), ElementsAre(AllOf(HasSubstr("channel 4 \"waterworks\": cannot open"),
+                                                   Not(HasSubstr("RTU")))));
+    teller.lineOpened(site.channels[0], false, 0);
+    EXPECT_THAT(messages.take(), ElementsAre(HasSubstr("answers again")));
+}
+
+TEST(Messages, TellsHowManyWereLost) {
+    host::Messages messages;
+    for (int i = 0; i < 20'003; ++i)
+        messages.tell("x");
+    const std::vector<std::string> taken = messages.take();
+    ASSERT_EQ(taken.size(), 20'001U);
+    EXPECT_EQ(taken.back(), "3 messages were lost: they came faster than they were read");
+    EXPECT_THAT(messages.take(), IsEmpty());
 }

@@ -140,7 +140,7 @@ TEST(HostRuntime, InterruptsALineAtItsOwnTimeOutHoweverLongThatOfAnother) {
     site.channels[1].primary = host::UdpEnd{"endless", 1};
     EndlessLink* endless = nullptr;
     RecordingCore core;
-    HostRuntime runtime(site, core, [&](const host::LinkEnd& end) -> std::unique_ptr<CLink> {
+    HostRuntime runtime(site, core, nullptr, [&](const host::LinkEnd& end) -> std::unique_ptr<CLink> {
         if (std::get<host::UdpEnd>(end).host != "endless")
             return host::makeLink(end);
         auto link = std::make_unique<EndlessLink>();

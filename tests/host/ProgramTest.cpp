@@ -106,7 +106,7 @@ TEST_F(Program, EndsWithOneWhenAControllerIsSilent) {
     const Ending ending =
         run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"), QStringLiteral("1s")});
     EXPECT_EQ(ending.status, 1);
-    EXPECT_THAT(ending.errors, HasSubstr("RTU 1 \"tank\" (station 1): no complete answer within 100 ms"));
+    EXPECT_THAT(ending.errors, HasSubstr("RTU 1 \"tank\" (station 1): no answer within 100 ms"));
     EXPECT_THAT(ending.output, HasSubstr("never read"));
 }
 
@@ -125,7 +125,7 @@ TEST_F(Program, ShowsTheFramesThatItSends) {
     const Ending ending = run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"),
                                QStringLiteral("1s"), QStringLiteral("--frames")});
     EXPECT_THAT(ending.errors,
-                HasSubstr("1/1 << Send frame\n    00 00 00 10 01 00 00 00 00 01 06 00 00 01 "));
+                HasSubstr("channel-1, station 1  << read R1\n    00 00 00 10 01 00 00 00 00 01 06 00 00 01 "));
 }
 
 TEST_F(Program, EndsInOrderOnATerminationSignal) {

@@ -72,7 +72,7 @@ TEST_P(ReadOnEveryLine, EndsWithOneWhenTheStationDoesNotAnswer) {
     EXPECT_EQ(ending.output, "");
     EXPECT_THAT(ending.errors,
                 AllOf(HasSubstr(plainLink + ", station 9, R0..126, R127..253"),
-                      HasSubstr("no complete answer within 100 ms"), HasSubstr("station number 9")));
+                      HasSubstr("no answer within 100 ms"), HasSubstr("station number 9")));
     EXPECT_EQ(lineCount(ending.errors), 1U);
     // Of 40 telegrams, each of which would be tried three times.
     EXPECT_LT(simulator.counts(lineId).foreignStations, 40U);

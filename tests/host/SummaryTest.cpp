@@ -22,7 +22,7 @@ protected:
 
     RtuOutcome refused(bool connected, quint64 answers) {
         RtuOutcome result = outcome(connected, answers);
-        result.wasRefused = true;
+        result.figures.wasRefused = true;
         result.neverReadPoints = 1;
         return result;
     }

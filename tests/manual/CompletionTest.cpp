@@ -193,6 +193,6 @@ TEST_F(CompletionOfPlaces, OffersTheChoicesOfAnOption) {
 TEST_F(CompletionOfPlaces, OffersTheActionsForARunningHost) {
     EXPECT_THAT(offersFor("ctl "), UnorderedElementsAre("site.toml", "old logs"));
     EXPECT_THAT(offersFor("ctl site.toml "),
-                UnorderedElementsAre("write", "poll", "time-sync", "status", "watch"));
+                UnorderedElementsAre("write", "poll", "time-sync", "status", "watch", "trace"));
     EXPECT_THAT(offersFor("ctl --control notes.txt site.toml st"), UnorderedElementsAre("status"));
 }

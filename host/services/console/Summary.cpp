@@ -24,7 +24,7 @@ ExitStatus judge(const RtuOutcome& outcome) {
     const RtuStatus& status = outcome.figures.status;
     if (!rtu.enabled || rtu.points.empty())
         return ExitStatus::Good; // nobody asks it
-    if (outcome.wasRefused && outcome.badPoints + outcome.neverReadPoints > 0)
+    if (outcome.figures.wasRefused && outcome.badPoints + outcome.neverReadPoints > 0)
         return ExitStatus::Refused;
     return status.answers == 0 || !status.connected ? ExitStatus::CommunicationFailed : ExitStatus::Good;
 }

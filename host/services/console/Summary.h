@@ -8,7 +8,6 @@ namespace host {
 // How the run went for one RTU.
 struct RtuOutcome {
     RtuFigures figures;
-    bool wasRefused = false; // the last of its requests that failed
     std::size_t goodPoints = 0;
     std::size_t badPoints = 0;
     std::size_t neverReadPoints = 0;

@@ -30,6 +30,10 @@ std::string namePath(const std::string& path) {
 ControlListener::ControlListener(const Site& site, ControlledHost& controlled, ValueStore& store)
     : service(site, controlled, store,
               {[this](ClientId client, const QByteArray& line) { send(client, line); },
+               [this](ClientId client) {
+                   const ControlConnection* const connection = find(client);
+                   return connection != nullptr && connection->hasRoom();
+               },
                [this] {
                    QMetaObject::invokeMethod(
                        this, [this] { service.answerFinished(); }, Qt::QueuedConnection);
@@ -37,7 +41,10 @@ ControlListener::ControlListener(const Site& site, ControlledHost& controlled, V
                ControlService::Clock::now}) {
     workTimer.setSingleShot(true);
     connect(&workTimer, &QTimer::timeout, this, [this] { work(); });
-    connect(&changeTimer, &QTimer::timeout, this, [this] { service.tellChanges(); });
+    connect(&changeTimer, &QTimer::timeout, this, [this] {
+        service.tellChanges();
+        service.tellExchanges();
+    });
     connect(&listenTimer, &QTimer::timeout, this, [this] { listenAgain(); });
 }
 

@@ -43,7 +43,8 @@ ControlService::ControlService(const Site& hostSite, ControlledHost& controlledH
                                                   [&controlledHost](int channelId, int rtuId) {
                                                       return controlledHost.wasRefused(channelId, rtuId);
                                                   })),
-      shown(valueStore.states()) {}
+      shown(valueStore.states()),
+      trace(hostSite, controlledHost.exchanges(), serviceSettings.send, serviceSettings.hasRoom) {}
 
 ControlService::~ControlService() {
     finished->close();
@@ -223,7 +224,7 @@ void ControlService::answerIfComplete(quint64 ticket) {
 void ControlService::handle(ClientId client, const QJsonValue& id, const StatusRequest&) {
     const Clock::time_point now = settings.now();
     if (!statusTime || now - *statusTime >= statusAge) {
-        const HostFigures figures = controlled.figures();
+        const HostFigures figures = controlled.siteFigures();
         statusCache = statusParts(figures.channels, figures.rtus);
         statusTime = now;
     }
@@ -251,6 +252,23 @@ void ControlService::handle(ClientId client, const QJsonValue& id, const WatchRe
             count += static_cast<int>(ref.rtu->points.size());
     watches.emplace(client, watch);
     settings.send(client, reply(id, true, {{QStringLiteral("points"), count}}));
+}
+
+void ControlService::handle(ClientId client, const QJsonValue& id, const TraceRequest& request) {
+    ControlTrace::Wanted wanted = trace.find(request.channels);
+    if (!wanted.fault.empty())
+        settings.send(client, errorReply(id, ReplyFault::Unknown, wanted.fault));
+    else if (trace.isTracing(client))
+        settings.send(client,
+                      errorReply(id, ReplyFault::Busy, "this connection traces already; open another"));
+    else if (trace.count() >= mostTraces)
+        settings.send(client, errorReply(id, ReplyFault::Busy,
+                                         std::to_string(mostTraces) + " connections trace already"));
+    else {
+        const int count = static_cast<int>(wanted.channelIds.size());
+        settings.send(client, reply(id, true, {{QStringLiteral("channels"), count}}));
+        trace.begin(client, std::move(wanted.channelIds));
+    }
 }
 
 bool ControlService::tellCurrentValues(ClientId client, std::size_t most) {
@@ -289,6 +307,7 @@ void ControlService::tellChanges() {
 
 void ControlService::forget(ClientId client) {
     watches.erase(client);
+    trace.forget(client);
     openCounts.erase(client);
     for (auto request = openRequests.begin(); request != openRequests.end();)
         request = request->second.client == client ? openRequests.erase(request) : std::next(request);

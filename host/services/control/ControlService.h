@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ControlTrace.h"
 #include "ControlledHost.h"
 #include "FinishedCommands.h"
 #include "Request.h"
@@ -12,8 +13,6 @@
 
 namespace host {
 
-using ClientId = quint64;
-
 // Answers requests, without any socket: lines of clients in, lines for clients out. One thread, but for the
 // ends of commands, which may come on any and are answered for with answerFinished().
 //
@@ -25,8 +24,9 @@ public:
     using Send = std::function<void(ClientId, const QByteArray&)>;
 
     struct Settings {
-        Send send;                  // a line for a client, without its end
-        std::function<void()> wake; // answerFinished() has something to do; any thread
+        Send send;                     // a line for a client, without its end
+        ControlTrace::HasRoom hasRoom; // for exchanges
+        std::function<void()> wake;    // answerFinished() has something to do; any thread
         std::function<Clock::time_point()> now = Clock::now;
     };
 
@@ -44,6 +44,7 @@ public:
 
     void answerFinished();
     void tellChanges();
+    void tellExchanges() { trace.tell(); }
     // Sends a watcher at most so many of the current values that it was not told yet. True when more are
     // left.
     bool tellCurrentValues(ClientId client, std::size_t most);
@@ -53,6 +54,7 @@ public:
 
     static constexpr std::size_t mostOpenRequests = 64; // of one client
     static constexpr std::size_t mostWatches = 100;     // each change is sent so often
+    static constexpr std::size_t mostTraces = 16;       // each exchange is sent so often
 
 private:
     struct OpenRequest {
@@ -77,6 +79,7 @@ private:
     void handle(ClientId client, const QJsonValue& id, const TimeSyncRequest& request);
     void handle(ClientId client, const QJsonValue& id, const StatusRequest& request);
     void handle(ClientId client, const QJsonValue& id, const WatchRequest& request);
+    void handle(ClientId client, const QJsonValue& id, const TraceRequest& request);
     // Sends the error and returns nothing when a name is wrong.
     std::optional<std::vector<SiteNames::RtuRef>> findRtus(ClientId client, const QJsonValue& id,
                                                            const RtuNames& rtuNames, bool withDisabled);
@@ -94,6 +97,7 @@ private:
     std::vector<PointState> shown; // by the store's points
     std::size_t lostBefore = 0;
     std::map<ClientId, Watch> watches;
+    ControlTrace trace;
     std::map<quint64, OpenRequest> openRequests; // by ticket
     std::map<ClientId, std::size_t> openCounts;
     quint64 lastTicket = 0;

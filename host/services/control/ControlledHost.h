@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "runtime/ExchangeFeed.h"
 #include "services/console/Summary.h"
 
 namespace host {
@@ -16,7 +17,9 @@ class ControlledHost : public CommandTaker {
 public:
     // Asks an RTU for an integrity poll. The result tells only whether the driver took the wish over.
     virtual Halvex::DriverErrorResult requestPoll(int channelId, int rtuId) = 0;
-    virtual HostFigures figures() const = 0;
+    virtual HostFigures siteFigures() const = 0;
+    // Outlives the server.
+    virtual ExchangeFeed& exchanges() = 0;
     // Whether the last request of the RTU that failed was refused by the controller.
     virtual bool wasRefused(int channelId, int rtuId) const = 0;
 };

@@ -43,7 +43,7 @@ QJsonObject toJson(const RtuOutcome& outcome) {
             {QStringLiteral("station"), static_cast<int>(rtu.station)},
             {QStringLiteral("enabled"), rtu.enabled},
             {QStringLiteral("connected"), status.connected},
-            {QStringLiteral("refused"), outcome.wasRefused},
+            {QStringLiteral("refused"), outcome.figures.wasRefused},
             {QStringLiteral("requests"), number(status.requests)},
             {QStringLiteral("answers"), number(status.answers)},
             {QStringLiteral("time_outs"), number(status.timeOuts)},

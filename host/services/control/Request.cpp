@@ -18,9 +18,11 @@ const QString valuesKey = QStringLiteral("values");
 const QString pointKey = QStringLiteral("point");
 const QString valueKey = QStringLiteral("value");
 const QString rtusKey = QStringLiteral("rtus");
+const QString channelsKey = QStringLiteral("channels");
 
-const char* const actionNames[] = {"write", "poll", "time-sync", "status",
-                                   "watch"}; // by RequestAction's order
+// By RequestAction's order.
+const char* const actionNames[] = {"write", "poll", "time-sync", "status", "watch", "trace"};
+const std::string allActions = "it is one of write, poll, time-sync, status, watch, trace";
 
 std::string quoted(const QString& text) {
     return '"' + text.left(40).toStdString() + '"'; // enough to know it again
@@ -57,7 +59,7 @@ private:
     RequestAction readAction() {
         const QJsonValue name = object.value(actionKey);
         if (!name.isString()) {
-            fail("\"do\" is missing or no text; it is one of write, poll, time-sync, status, watch");
+            fail("\"do\" is missing or no text; " + allActions);
             return {};
         }
         const std::string action = name.toString().toStdString();
@@ -69,11 +71,12 @@ private:
             return TimeSyncRequest{readRtus()};
         if (action == "watch")
             return WatchRequest{readRtus()};
+        if (action == "trace")
+            return TraceRequest{readNames(channelsKey)};
         if (action == "status")
             allowKeys(object, {idKey, actionKey});
         else
-            fail("unknown request " + quoted(name.toString()) +
-                 "; it is one of write, poll, time-sync, status, watch");
+            fail("unknown request " + quoted(name.toString()) + "; " + allActions);
         return StatusRequest{};
     }
 
@@ -127,20 +130,22 @@ private:
         return std::nullopt;
     }
 
-    RtuNames readRtus() {
-        allowKeys(object, {idKey, actionKey, rtusKey});
-        const QJsonValue list = object.value(rtusKey);
+    RtuNames readRtus() { return readNames(rtusKey); }
+
+    std::vector<std::string> readNames(const QString& key) {
+        allowKeys(object, {idKey, actionKey, key});
+        const QJsonValue list = object.value(key);
         if (list.isUndefined())
             return {};
-        if (!list.isArray() || list.toArray().isEmpty() || list.toArray().size() > mostRtuNames) {
-            fail("\"rtus\" is no list of 1 to " + std::to_string(mostRtuNames) +
-                 " names; leave it out to mean all RTUs");
+        if (!list.isArray() || list.toArray().isEmpty() || list.toArray().size() > mostNames) {
+            fail(quoted(key) + " is no list of 1 to " + std::to_string(mostNames) +
+                 " names; leave it out to mean all");
             return {};
         }
-        RtuNames names;
+        std::vector<std::string> names;
         for (const auto& element : list.toArray()) {
             if (!element.isString())
-                fail("\"rtus\" holds something other than texts");
+                fail(quoted(key) + " holds something other than texts");
             names.push_back(element.toString().toStdString());
         }
         return names;
@@ -150,7 +155,7 @@ private:
     std::string fault;
 };
 
-QJsonArray toJson(const RtuNames& names) {
+QJsonArray toJson(const std::vector<std::string>& names) {
     QJsonArray array;
     for (const std::string& name : names)
         array.append(QString::fromStdString(name));
@@ -165,6 +170,11 @@ void addParts(QJsonObject& object, const WriteRequest& write) {
 }
 
 void addParts(QJsonObject&, const StatusRequest&) {}
+
+void addParts(QJsonObject& object, const TraceRequest& trace) {
+    if (!trace.channels.empty())
+        object.insert(channelsKey, toJson(trace.channels));
+}
 
 template <typename RequestForRtus>
 void addParts(QJsonObject& object, const RequestForRtus& request) {

@@ -36,7 +36,12 @@ struct WatchRequest {
     RtuNames rtus;
 };
 
-using RequestAction = std::variant<WriteRequest, PollRequest, TimeSyncRequest, StatusRequest, WatchRequest>;
+struct TraceRequest {
+    std::vector<std::string> channels; // by name; none: all
+};
+
+using RequestAction =
+    std::variant<WriteRequest, PollRequest, TimeSyncRequest, StatusRequest, WatchRequest, TraceRequest>;
 
 struct Request {
     QJsonValue id = QJsonValue::Undefined; // repeated in the reply, if there is one
@@ -51,7 +56,7 @@ struct BadRequest {
 
 constexpr int longestRequestLine = 64 * 1024; // bytes, without the line end
 constexpr int mostWriteValues = 500;          // of one request; an RTU's queue takes 1,000 commands
-constexpr int mostRtuNames = 500;             // of one request
+constexpr int mostNames = 500;                // of RTUs or channels in one request
 
 std::variant<Request, BadRequest> parseRequest(const QByteArray& line);
 // Without the line end.

@@ -1,0 +1,169 @@
+#include "ReplyText.h"
+
+#include "services/console/TableLayout.h"
+#include "values/ValueText.h"
+
+#include <HalvexDriverComponent/Halvex.h>
+
+#include <QDateTime>
+#include <QJsonArray>
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+using Row = std::vector<std::string>;
+
+std::string text(const QJsonObject& object, const char* key) {
+    return object.value(QLatin1String(key)).toString().toStdString();
+}
+
+std::string numberText(const QJsonObject& object, const char* key) {
+    return QString::number(object.value(QLatin1String(key)).toDouble(), 'g', 15).toStdString();
+}
+
+bool flag(const QJsonObject& object, const char* key) {
+    return object.value(QLatin1String(key)).toBool();
+}
+
+bool isGood(const QJsonObject& result) {
+    return result.value(QStringLiteral("number")).toInt(-1) == 0;
+}
+
+bool isRefused(const QJsonObject& result) {
+    using Halvex::DriverErrorResult;
+    if (text(result, "result") == "refused")
+        return true;
+    const auto number = static_cast<DriverErrorResult>(result.value(QStringLiteral("number")).toInt());
+    return number == DriverErrorResult::NotSupported || number == DriverErrorResult::RtuNotFound ||
+           number == DriverErrorResult::PointNotFound || number == DriverErrorResult::UnsupportedAddress;
+}
+
+std::string resultLine(const QJsonObject& result) {
+    std::string line = text(result, "point") + text(result, "rtu");
+    if (result.contains(QStringLiteral("value")))
+        line += " = " + numberText(result, "value");
+    line += "  " + text(result, "result");
+    const QJsonValue number = result.value(QStringLiteral("number"));
+    if (!number.isNull() && !isGood(result))
+        line += " (" + std::to_string(number.toInt()) + ")";
+    const std::string why = text(result, "why");
+    return line + (why.empty() ? "" : ": " + why);
+}
+
+std::string channelHeading(const QJsonObject& channel) {
+    std::string heading = text(channel, "name") + "  " + text(channel, "type") + "  " + text(channel, "end") +
+                          (flag(channel, "connected") ? "  connected" : "  NOT CONNECTED");
+    const std::pair<const char*, const char*> troubles[] = {{"failed_opens", " failed opens"},
+                                                            {"channel_errors", " channel errors"},
+                                                            {"link_changes", " link changes"},
+                                                            {"scan_overruns", " scan overruns"}};
+    for (const auto& [key, name] : troubles)
+        if (channel.value(QLatin1String(key)).toDouble() > 0)
+            heading += "  " + numberText(channel, key) + name;
+    return heading;
+}
+
+std::string stateText(const QJsonObject& rtu) {
+    if (!flag(rtu, "enabled"))
+        return "disabled";
+    if (flag(rtu, "refused"))
+        return "refuses";
+    return flag(rtu, "connected") ? "connected" : "NOT CONNECTED";
+}
+
+Row rowFor(const QJsonObject& rtu) {
+    const auto roundTrip = [&rtu](const char* key) {
+        return QString::number(rtu.value(QLatin1String(key)).toDouble(), 'f', 2).toStdString() + " ms";
+    };
+    return {text(rtu, "name"),
+            numberText(rtu, "station"),
+            stateText(rtu),
+            numberText(rtu, "requests"),
+            numberText(rtu, "answers"),
+            numberText(rtu, "time_outs"),
+            numberText(rtu, "errors"),
+            roundTrip("last_round_trip_ms"),
+            roundTrip("slowest_round_trip_ms"),
+            numberText(rtu, "good_points"),
+            numberText(rtu, "bad_points"),
+            numberText(rtu, "never_read_points")};
+}
+
+std::size_t countCharacters(const std::string& utf8) {
+    return static_cast<std::size_t>(QString::fromStdString(utf8).size());
+}
+
+std::string tableText(const std::vector<Row>& rows) {
+    constexpr std::size_t textColumns = 1; // the RTU's name; the rest stands to the right
+    constexpr std::size_t stateColumn = 2;
+    std::vector<std::size_t> widths(rows[0].size(), 0);
+    for (const Row& row : rows)
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], countCharacters(row[i]));
+    std::string table;
+    for (const Row& row : rows) {
+        table += ' ';
+        for (std::size_t i = 0; i < row.size(); ++i)
+            table += (i == 0 ? "" : "  ") + fitText(row[i], widths[i], i >= textColumns && i != stateColumn);
+        table += '\n';
+    }
+    return table;
+}
+
+} // namespace
+
+std::string resultsText(const QJsonObject& reply) {
+    std::string lines;
+    for (const auto& result : reply.value(QStringLiteral("results")).toArray())
+        lines += resultLine(result.toObject()) + '\n';
+    return lines;
+}
+
+std::string statusText(const QJsonObject& reply) {
+    std::string tables;
+    for (const auto& element : reply.value(QStringLiteral("channels")).toArray()) {
+        const QJsonObject channel = element.toObject();
+        std::vector<Row> rows{{"RTU", "station", "state", "requests", "answers", "time-outs", "errors",
+                               "last", "slowest", "good", "bad", "never read"}};
+        for (const auto& rtu : channel.value(QStringLiteral("rtus")).toArray())
+            rows.push_back(rowFor(rtu.toObject()));
+        tables += channelHeading(channel) + '\n' + tableText(rows);
+    }
+    return tables;
+}
+
+std::string changeText(const QJsonObject& change) {
+    const QDateTime time =
+        QDateTime::fromString(change.value(QStringLiteral("time")).toString(), Qt::ISODateWithMs);
+    const bool wasRead = text(change, "quality") != toText(PointQuality::NeverRead);
+    std::string line = (wasRead ? localTimeText(time.toMSecsSinceEpoch()) + "  " : "") + text(change, "rtu") +
+                       '/' + text(change, "name") + " (" + text(change, "address") + ")";
+    if (!change.value(QStringLiteral("value")).isNull())
+        line += " = " + numberText(change, "value");
+    return line + "  " + text(change, "quality");
+}
+
+ExitStatus judgeReply(const QJsonObject& reply) {
+    if (!reply.contains(QStringLiteral("results"))) {
+        const std::string code = text(reply, "code");
+        return flag(reply, "ok")  ? ExitStatus::Good
+               : code == "busy"   ? ExitStatus::Refused
+               : code == "ending" ? ExitStatus::CommunicationFailed
+                                  : ExitStatus::Configuration;
+    }
+    const QJsonArray results = reply.value(QStringLiteral("results")).toArray();
+    const auto good = std::count_if(results.begin(), results.end(),
+                                    [](const auto& result) { return isGood(result.toObject()); });
+    if (good == results.size())
+        return ExitStatus::Good;
+    if (good > 0)
+        return ExitStatus::SomeElements;
+    const bool allRefused = std::all_of(results.begin(), results.end(),
+                                        [](const auto& result) { return isRefused(result.toObject()); });
+    return allRefused ? ExitStatus::Refused : ExitStatus::CommunicationFailed;
+}
+
+} // namespace host

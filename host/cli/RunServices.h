@@ -1,0 +1,36 @@
+#pragma once
+
+#include "RunCommand.h"
+#include "services/Service.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace host {
+
+class ConsoleService;
+struct Console;
+
+// The services of `sbus-host run`. This is the one place outside of its own folder that a new service is
+// entered in. Main thread.
+class RunServices {
+public:
+    RunServices(const RunOptions& options, OutputFormat format, Console& console);
+    RunServices(const RunServices&) = delete;
+    RunServices& operator=(const RunServices&) = delete;
+    ~RunServices();
+
+    // Starts all, in their order. Empty, or why one of them cannot; then all are stopped.
+    std::string start(RunningSite& site);
+    // Stops all, the last one first.
+    void stop();
+
+    const ConsoleService& console() const { return *consoleService; }
+
+private:
+    std::vector<std::unique_ptr<Service>> services;
+    const ConsoleService* consoleService = nullptr; // one of them
+};
+
+} // namespace host

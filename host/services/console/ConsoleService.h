@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Output.h"
+#include "services/RunningSite.h"
+#include "services/Service.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace host {
+
+struct Console;
+
+// Shows the values of a running site and what people are to be told, on standard output and standard error.
+class ConsoleService : public Service {
+public:
+    // `withFrames`: every telegram too, as a message. The console outlives the service.
+    ConsoleService(Console& shownOn, OutputFormat outputFormat, const std::string& tableTitle,
+                   bool withFrames);
+    ~ConsoleService() override;
+
+    std::string name() const override { return "console"; }
+    std::string start(RunningSite& runningSite) override;
+    // Shows what is left.
+    void stop() override;
+    std::vector<ServiceFigure> figures() const override;
+
+    // Nobody reads standard output any more. Any thread.
+    bool isClosed() const { return closed.load(std::memory_order_acquire); }
+
+private:
+    void run();
+    void show();
+
+    Console& console;
+    const OutputFormat format;
+    const std::string title;
+    const bool showsFrames;
+    RunningSite* site = nullptr; // from start() on
+    std::unique_ptr<Output> output;
+    std::unique_ptr<ExchangeFeed::Watch> frames;
+    std::atomic<bool> closed{false};
+
+    std::mutex mutex; // guards the flag
+    std::condition_variable changed;
+    bool stopping = false;
+    std::thread thread; // last: it works on all of the above
+};
+
+} // namespace host

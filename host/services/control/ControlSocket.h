@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ControlServer.h"
+#include "services/RunningSite.h"
+#include "services/Service.h"
+
+#include <memory>
+#include <string>
+
+namespace host {
+
+// Opens a running site to sbus-host ctl.
+class ControlSocket : public Service, public ControlledHost {
+public:
+    // Serves `socketPath`, or the site file's own socket when it is empty.
+    ControlSocket(const std::string& socketPath, const std::string& siteFile);
+    ~ControlSocket() override;
+
+    std::string name() const override { return "control"; }
+    // A site's own socket may belong to another host that runs it: then this one runs on without, and says
+    // so.
+    std::string start(RunningSite& runningSite) override;
+    void stop() override;
+    std::vector<ServiceFigure> figures() const override;
+
+private:
+    std::string submit(const Command& command, CommandDone done) override;
+    Halvex::DriverErrorResult requestPoll(int channelId, int rtuId) override;
+    HostFigures siteFigures() const override;
+    ExchangeFeed& exchanges() override { return site->exchanges; }
+    bool wasRefused(int channelId, int rtuId) const override;
+
+    const std::string path;
+    const std::string sitePath;
+    RunningSite* site = nullptr; // from start() on
+    std::unique_ptr<ControlServer> server;
+};
+
+} // namespace host
