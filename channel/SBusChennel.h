@@ -3,6 +3,8 @@
 #include <HalvexDriverComponent/CChannel.h>
 #include <HalvexDriverComponent/Halvex.h>
 
+#include <functional>
+
 class SBusDelayedQueue;
 class SBusProtocolBase;
 
@@ -25,9 +27,12 @@ public:
     void CloseChannel() override;
     CRtu* CreateRtu(const RemoteTerminalUnit& info) override;
 
+    // How run() waits, in milliseconds: QThread::msleep unless a test sets something else before run().
+    void setPause(std::function<void(unsigned long)> newPause);
+
 private:
-    // Never called with false: whoever finds the line failed clears the connected flag, and run() opens it
-    // anew.
+    // run() calls it with true after each successful open. Nothing calls it with false: the protocol object,
+    // CloseChannel and the host clear the connected flag themselves.
     void OnLinkStateChanged(bool isConnected);
     void onConnected();
     void onDisconnected();
@@ -39,4 +44,5 @@ private:
 
     SBusProtocolBase* protocol = nullptr;
     SBusDelayedQueue* delayedQueue = nullptr;
+    std::function<void(unsigned long)> pause = &QThread::msleep;
 };
