@@ -21,6 +21,38 @@ protected:
 
 constexpr auto rightAndCentred = Qt::AlignRight | Qt::AlignVCenter;
 
+// Remembers the texts that are looked up while it lives, in order, and translates none.
+class TextRecorder : public QTranslator {
+public:
+    TextRecorder() { QCoreApplication::installTranslator(this); }
+    ~TextRecorder() override { QCoreApplication::removeTranslator(this); }
+
+    bool isEmpty() const override { return false; }
+
+    QString translate(const char* context, const char* text, const char*, int) const override {
+        if (qstrcmp(context, "SaiaSerialDeviceOption") == 0)
+            texts << QString::fromLatin1(text);
+        return {};
+    }
+
+    mutable QStringList texts;
+};
+
+// The connections to an object's slots as Qt prints them for debugging: the sender's class and name and the
+// receiving slot, the newest first.
+QStringList connectionsTo(const QObject& receiver) {
+    static QStringList lines;
+    lines.clear();
+    const QtMessageHandler before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& line) {
+            if (line.contains(QLatin1String("<--")))
+                lines << line.simplified();
+        });
+    receiver.dumpObjectInfo();
+    qInstallMessageHandler(before);
+    return lines;
+}
+
 } // namespace
 
 TEST_F(OptionPageForm, HasItsNameSizeAndTitle) {
@@ -74,6 +106,47 @@ TEST_F(OptionPageForm, PutsTheUnitBehindTheDelay) {
     EXPECT_EQ(row->itemAt(1)->widget(), label("msec"));
 }
 
+TEST_F(OptionPageForm, HasNoMarginsAroundTheInnerLayouts) {
+    EXPECT_EQ(grid()->contentsMargins(), QMargins());
+    EXPECT_EQ(grid()->itemAtPosition(2, 1)->layout()->contentsMargins(), QMargins());
+}
+
+TEST_F(OptionPageForm, StretchesAndAlignsNoCell) {
+    const auto* vertical = page.findChild<QVBoxLayout*>(QStringLiteral("verticalLayout"));
+    const auto* row = page.findChild<QHBoxLayout*>(QStringLiteral("horizontalLayout"));
+    for (const QLayout* layout : {static_cast<const QLayout*>(vertical), static_cast<const QLayout*>(row),
+                                  static_cast<const QLayout*>(grid())})
+        for (int i = 0; i < layout->count(); ++i)
+            EXPECT_EQ(layout->itemAt(i)->alignment(), Qt::Alignment())
+                << qPrintable(layout->objectName()) << i;
+    for (int i : {0, 1}) {
+        EXPECT_EQ(vertical->stretch(i), 0);
+        EXPECT_EQ(row->stretch(i), 0);
+        EXPECT_EQ(grid()->columnStretch(i), 0);
+    }
+    for (int i : {0, 1, 2})
+        EXPECT_EQ(grid()->rowStretch(i), 0);
+    EXPECT_EQ(grid()->count(), 6) << "one item a cell";
+}
+
+TEST_F(OptionPageForm, LeavesEverySizePolicyButTheStationsAsItIs) {
+    const QSpinBox spinBox;
+    const QComboBox comboBox;
+    const QLabel plainLabel;
+    EXPECT_EQ(delay->sizePolicy(), spinBox.sizePolicy());
+    EXPECT_EQ(mode->sizePolicy(), comboBox.sizePolicy());
+    for (const char* name : {"label_2", "label_3", "bl", "msec"})
+        EXPECT_EQ(label(name)->sizePolicy(), plainLabel.sizePolicy()) << name;
+}
+
+// Which is the order in which the tabulator key goes through them, too.
+TEST_F(OptionPageForm, MakesItsWidgetsInTheOrderInWhichTheyAreSeen) {
+    QStringList names;
+    for (const QWidget* widget : page.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        names << widget->objectName();
+    EXPECT_EQ(names, (QStringList{"label_2", "addr", "label_3", "mode", "bl", "delay", "msec"}));
+}
+
 TEST_F(OptionPageForm, NamesItsFields) {
     for (const auto& [name, text] :
          {std::pair{"label_2", "Comm. Board Station No.:"}, std::pair{"label_3", "S-Bus Protocol :"},
@@ -88,6 +161,7 @@ TEST_F(OptionPageForm, AlignsTheLabelsRightAndCentred) {
         ASSERT_NE(label(name), nullptr) << name;
         EXPECT_EQ(label(name)->alignment(), rightAndCentred) << name;
     }
+    EXPECT_EQ(label("msec")->alignment(), QLabel().alignment()) << "stands behind its field";
 }
 
 TEST_F(OptionPageForm, OffersStationsUpTo256) {
@@ -128,6 +202,20 @@ TEST_F(OptionPageForm, TranslatesEveryTextUnderItsOwnName) {
     const auto* choices = translated.findChild<QComboBox*>(QStringLiteral("mode"));
     EXPECT_EQ(choices->itemText(0), QStringLiteral("<Data Mode>"));
     EXPECT_EQ(choices->itemText(1), QStringLiteral("<Break Mode>"));
+}
+
+TEST_F(OptionPageForm, TakesItsOwnNameForATitleBeforeItsTextsAndTheLastingTitleBehindThem) {
+    const TextRecorder recorder;
+    const SaiaSerialDeviceOption recorded(nullptr);
+    EXPECT_EQ(recorder.texts, (QStringList{"SaiaSerialDeviceOption",
+                                           "Comm. Board Station No.:", "S-Bus Protocol :", "Data Mode",
+                                           "Break Mode", "Break Delay Time :", "(msec)", "Protocol"}));
+}
+
+TEST_F(OptionPageForm, ListensToStationThenDelayThenMode) {
+    EXPECT_EQ(connectionsTo(page),
+              (QStringList{"<-- QComboBox::mode transmitTypeChanged(int)",
+                           "<-- QSpinBox::delay valueChanged(int)", "<-- QSpinBox::addr valueChanged(int)"}));
 }
 
 TEST_F(OptionPageForm, DeclaresItsFourSlotsInOrderAndNothingElse) {
