@@ -304,13 +304,16 @@ TEST_F(ChannelSetup, ClosingLogsNothing) {
     EXPECT_TRUE(log.lines().isEmpty());
 }
 
-TEST_F(ChannelSetup, TakesItsQueueAndThenItsProtocolAlongWhenItGoes) {
+// The protocol object goes as the channel's child: behind what the channel's base deletes.
+TEST_F(ChannelSetup, TakesItsQueueThenItsRtusThenItsProtocolAlongWhenItGoes) {
     QStringList gone;
     engineCalls.destroyQueue = [&](SBusDelayedQueue*) { gone << QStringLiteral("queue"); };
+    const CRtu* const rtu = addRtu(1, 5);
     initialise(ethernet);
+    QObject::connect(rtu, &QObject::destroyed, [&] { gone << QStringLiteral("rtu"); });
     QObject::connect(protocols().value(0), &QObject::destroyed, [&] { gone << QStringLiteral("protocol"); });
     channel.reset();
-    EXPECT_EQ(gone, (QStringList{"queue", "protocol"}));
+    EXPECT_EQ(gone, (QStringList{"queue", "rtu", "protocol"}));
 }
 
 TEST_F(ChannelSetup, GoesWithoutEverHavingBeenSetUp) {
