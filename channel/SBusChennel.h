@@ -11,8 +11,8 @@ class SBusProtocolBase;
 // One S-Bus line and its thread: opens the link, tells the RTUs when it is up, and turns the protocol
 // engine every 10 ms until the host asks it to stop.
 //
-// States: not connected, connected. Only run() goes from the first to the second; the protocol object and
-// CloseChannel go back, and run() then opens the link again.
+// States: not connected, connected. Only run() goes from the first to the second. The protocol object,
+// CloseChannel and the host go back; run() then opens the link again.
 // Threads: run() is the channel's thread; every other public operation is the host's, before that thread
 // starts or after it has ended.
 // Ownership: the host owns the channel; the protocol object is the channel's child, and the delayed queue

@@ -124,7 +124,8 @@ void ChannelBench::addRegister(CRtu* rtu, const char* address) {
     rtu->GetPointList()->AddAnalogPoint(point);
 }
 
-// The map is the channel's own; a host's may have places that ours never has.
+// The channel shows its map for reading alone. Tests change it for what AddRtu never puts in: an empty place,
+// or an RTU of another class.
 QMap<int, CRtu*>& ChannelBench::places() {
     return const_cast<QMap<int, CRtu*>&>(channel->GetRtuMap());
 }

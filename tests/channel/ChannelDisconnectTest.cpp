@@ -74,7 +74,7 @@ TEST_F(ChannelDisconnect, PassesOverAnEmptyPlaceAmongTheRtus) {
     addNotingRtu(1);
     addNotingRtu(3);
     atPause = [this](int) {
-        addEmptyPlace(2); // the framework's look at the scans is over
+        addEmptyPlace(2); // not earlier: the first CheckScan looks at every RTU
         journal();
         tellLinkState(*channel, false);
     };

@@ -12,7 +12,7 @@ class ChannelLoop : public ChannelBench {
 protected:
     static int station(const QByteArray& telegram) { return static_cast<unsigned char>(telegram[9]); }
 
-    // Of a point that reads `input`, and that writes a pulse to output 7.
+    // Adds a point that reads `input`, and whose command is a pulse of output 7.
     static void addPulseOutput(CRtu* rtu, const char* input) {
         StatusPoint point;
         point.number = 2;
@@ -236,7 +236,7 @@ TEST_F(ChannelLoop, OfAnUnknownTypeWithoutALinkRunsAndEnds) {
 
 TEST_F(ChannelLoop, GoesOnTurningOnALineOfAnUnknownType) {
     initialise(0);
-    channel->SetConnect(true); // a host's doing: such a line never connects by itself
+    channel->SetConnect(true); // by the host: such a line never connects by itself
     runTurns(2);
     EXPECT_EQ(journal(), (QStringList{"on scan", "on pause 10", "on scan", "on pause 10"}));
 }

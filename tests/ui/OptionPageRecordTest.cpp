@@ -264,8 +264,8 @@ TEST_F(OptionPageRecord, TheValueSlotStoresWhatTheWidgetsShowAndNotItsArgument) 
 TEST_F(OptionPageRecord, TheTransmitTypeSlotStoresItsArgumentAndEnablesTheDelayUnlessItIsZero) {
     EScan scan = record("1", "0", "10");
     page.loadScan(&scan);
-    page.transmitTypeChanged(5);
-    EXPECT_EQ(scan.transmitType, QStringLiteral("5"));
+    page.transmitTypeChanged(12);
+    EXPECT_EQ(scan.transmitType, QStringLiteral("12"));
     EXPECT_TRUE(delay->isEnabled());
     page.transmitTypeChanged(0);
     EXPECT_EQ(scan.transmitType, QStringLiteral("0"));
