@@ -5,6 +5,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMetaMethod>
+#include <QProxyStyle>
 #include <QVBoxLayout>
 
 namespace {
@@ -20,6 +21,24 @@ protected:
 };
 
 constexpr auto rightAndCentred = Qt::AlignRight | Qt::AlignVCenter;
+
+// A style whose own spacings and margins are none of those that the form asks for.
+class WideStyle : public QProxyStyle {
+public:
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
+        switch (metric) {
+        case PM_LayoutHorizontalSpacing:
+        case PM_LayoutVerticalSpacing:
+        case PM_LayoutLeftMargin:
+        case PM_LayoutTopMargin:
+        case PM_LayoutRightMargin:
+        case PM_LayoutBottomMargin:
+            return 40;
+        default:
+            return QProxyStyle::pixelMetric(metric, option, widget);
+        }
+    }
+};
 
 // Remembers the texts that are looked up while it lives, in order, and translates none.
 class TextRecorder : public QTranslator {
@@ -106,9 +125,23 @@ TEST_F(OptionPageForm, PutsTheUnitBehindTheDelay) {
     EXPECT_EQ(row->itemAt(1)->widget(), label("msec"));
 }
 
-TEST_F(OptionPageForm, HasNoMarginsAroundTheInnerLayouts) {
-    EXPECT_EQ(grid()->contentsMargins(), QMargins());
-    EXPECT_EQ(grid()->itemAtPosition(2, 1)->layout()->contentsMargins(), QMargins());
+TEST_F(OptionPageForm, KeepsItsSpacingsAndMarginsInEveryStyle) {
+    WideStyle style;
+    SaiaSerialDeviceOption styled(nullptr);
+    styled.setStyle(&style);
+    QWidget other;
+    other.setStyle(&style);
+    ASSERT_EQ(QHBoxLayout(&other).spacing(), 40) << "left to the style";
+    const auto* vertical = styled.findChild<QVBoxLayout*>(QStringLiteral("verticalLayout"));
+    const auto* inner = styled.findChild<QGridLayout*>(QStringLiteral("gridLayout"));
+    const auto* row = styled.findChild<QHBoxLayout*>(QStringLiteral("horizontalLayout"));
+    EXPECT_EQ(vertical->spacing(), 6);
+    EXPECT_EQ(vertical->contentsMargins(), QMargins(11, 11, 11, 11));
+    EXPECT_EQ(inner->horizontalSpacing(), 6);
+    EXPECT_EQ(inner->verticalSpacing(), 6);
+    EXPECT_EQ(inner->contentsMargins(), QMargins());
+    EXPECT_EQ(row->spacing(), 6);
+    EXPECT_EQ(row->contentsMargins(), QMargins());
 }
 
 TEST_F(OptionPageForm, StretchesAndAlignsNoCell) {
