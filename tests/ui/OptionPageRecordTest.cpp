@@ -221,6 +221,13 @@ TEST_F(OptionPageRecord, AnUnknownTransmitTypeReachesTheChoiceAsItIs) {
     EXPECT_EQ(delay->value(), 50);
 }
 
+TEST_F(OptionPageRecord, ANegativeTransmitTypeEnablesTheDelayToo) {
+    EScan scan = record("1", "-1", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(mode->currentIndex(), -1);
+    EXPECT_TRUE(delay->isEnabled());
+}
+
 TEST_F(OptionPageRecord, ChoosingDataModeDisablesTheDelay) {
     EScan scan = record("1", "1", "10");
     page.loadScan(&scan);
@@ -270,6 +277,9 @@ TEST_F(OptionPageRecord, TheTransmitTypeSlotStoresItsArgumentAndEnablesTheDelayU
     page.transmitTypeChanged(0);
     EXPECT_EQ(scan.transmitType, QStringLiteral("0"));
     EXPECT_FALSE(delay->isEnabled());
+    page.transmitTypeChanged(-1);
+    EXPECT_EQ(scan.transmitType, QStringLiteral("-1"));
+    EXPECT_TRUE(delay->isEnabled());
 }
 
 TEST_F(OptionPageRecord, TheStationSlotStoresItsTextAsItIs) {
