@@ -132,8 +132,8 @@ TEST_F(OptionPageForm, KeepsItsSpacingsAndMarginsInEveryStyle) {
     QWidget other;
     other.setStyle(&style);
     ASSERT_EQ(QHBoxLayout(&other).spacing(), 40) << "left to the style";
-    const auto* vertical = styled.findChild<QVBoxLayout*>(QStringLiteral("verticalLayout"));
-    const auto* inner = styled.findChild<QGridLayout*>(QStringLiteral("gridLayout"));
+    auto* vertical = styled.findChild<QVBoxLayout*>(QStringLiteral("verticalLayout"));
+    auto* inner = styled.findChild<QGridLayout*>(QStringLiteral("gridLayout"));
     const auto* row = styled.findChild<QHBoxLayout*>(QStringLiteral("horizontalLayout"));
     EXPECT_EQ(vertical->spacing(), 6);
     EXPECT_EQ(vertical->contentsMargins(), QMargins(11, 11, 11, 11));
@@ -142,6 +142,11 @@ TEST_F(OptionPageForm, KeepsItsSpacingsAndMarginsInEveryStyle) {
     EXPECT_EQ(inner->contentsMargins(), QMargins());
     EXPECT_EQ(row->spacing(), 6);
     EXPECT_EQ(row->contentsMargins(), QMargins());
+    // Each has its spacing of its own, not that of the layout around it.
+    vertical->setSpacing(20);
+    EXPECT_EQ(inner->spacing(), 6);
+    inner->setSpacing(20);
+    EXPECT_EQ(row->spacing(), 6);
 }
 
 TEST_F(OptionPageForm, StretchesAndAlignsNoCell) {
