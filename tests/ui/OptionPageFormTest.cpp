@@ -114,6 +114,15 @@ TEST_F(OptionPageForm, HoldsThreeRowsOfLabelAndField) {
     EXPECT_EQ(cell(2, 0), label("bl"));
 }
 
+TEST_F(OptionPageForm, AddsItsCellsRowByRow) {
+    QStringList names;
+    for (int i = 0; i < grid()->count(); ++i) {
+        QLayoutItem* const item = grid()->itemAt(i);
+        names << (item->widget() ? item->widget()->objectName() : item->layout()->objectName());
+    }
+    EXPECT_EQ(names, (QStringList{"label_2", "addr", "label_3", "mode", "bl", "horizontalLayout"}));
+}
+
 TEST_F(OptionPageForm, PutsTheUnitBehindTheDelay) {
     ASSERT_NE(grid()->itemAtPosition(2, 1), nullptr);
     const QLayout* row = grid()->itemAtPosition(2, 1)->layout();
