@@ -9,12 +9,14 @@
 #include <HalvexDriverComponent/Halvex.h>
 #include <HalvexDriverLink/CLink.h>
 
+#include <utility>
+
 using Halvex::CommTypeCode;
 using Halvex::LogLevel;
 
 namespace {
 
-constexpr unsigned long turnMs = 10;    // between two requests; bounds how late a due request is noticed
+constexpr unsigned long turnMs = 10;    // between two turns while connected
 constexpr unsigned long retryMs = 1000; // between two tries to open the link
 
 } // namespace
@@ -58,7 +60,7 @@ SBusProtocolBase* SBusChennel::createProtocol() {
     return nullptr;
 }
 
-// Disabled RTUs count too: the last in the order of the ids decides for the line.
+// Called for each RTU in the order of the ids, disabled ones included, so the last one decides for the line.
 void SBusChennel::takeOverLineSettings(const CRtu& rtu) {
     auto* const serial = static_cast<SBusSerialDriver*>(protocol);
     const EScan& settings = rtu.GetRtuInfo().scan;
@@ -66,18 +68,22 @@ void SBusChennel::takeOverLineSettings(const CRtu& rtu) {
     serial->breakDelay = settings.breakDelay.toInt(nullptr, 10);
 }
 
+void SBusChennel::setPause(std::function<void(unsigned long)> newPause) {
+    pause = std::move(newPause);
+}
+
 void SBusChennel::run() {
     while (!IsShutdown()) {
         CheckScan();
         if (!IsConnect() && !connectLink()) {
-            msleep(retryMs);
+            pause(retryMs);
             continue;
         }
         if (delayedQueue != nullptr)
             delayedQueue->dispatchDue();
         if (protocol != nullptr)
             protocol->processNextRequest();
-        msleep(turnMs);
+        pause(turnMs);
     }
 }
 

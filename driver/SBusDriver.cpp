@@ -13,7 +13,7 @@ using Halvex::CommTypeCode;
 
 namespace {
 
-constexpr int hostDriverCode = 11; // under which the host's configuration keeps this driver
+constexpr int hostDriverCode = 11; // the host's number for this driver
 
 } // namespace
 
@@ -56,7 +56,7 @@ QList<DeviceOptionWidgetInterface*> SBusDriver::deviceOptionWidgets(int code) {
     return {};
 }
 
-// A file that is missing leaves an empty translator installed, which changes nothing.
+// Whether there is a file or not, the translator is installed; an empty one translates nothing.
 void SBusDriver::loadTranslator() {
     auto* const translator = new QTranslator(this);
     const bool loaded =
@@ -70,7 +70,7 @@ int SBusDriver::driverCode() {
     return hostDriverCode;
 }
 
-// The blanks of the help texts are part of them: translations are looked up by the whole text.
+// Every blank of the help texts counts: their translations are looked up by the whole text.
 
 QStringList SBusDriver::biAddressDescriptions() {
     return {tr("Saia S-BUS Address Descriptions\n"

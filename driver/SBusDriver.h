@@ -3,7 +3,8 @@
 #include <HalvexAbstractDriver/DriverPluginInterface.h>
 
 // The plug-in's entry point: names the driver, lists its two line types and makes channels and option
-// pages. Main thread only. Owns nothing but the translators that it loads.
+// pages, which belong to the caller. The driver owns the translators that it loads, and nothing else.
+// States: not initialised (as made), initialised. Main thread only.
 class SBusDriver final : public DriverPluginInterface {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID HALVEX_DRIVER_PLUGIN_IID FILE "SBusDriver.json")

@@ -8,14 +8,18 @@ class QLabel;
 class QSpinBox;
 
 // The page for an RTU on a serial line: station number, transmission mode, break delay. Each change goes
-// into the scan record at once; there is no saving. GUI thread only. The record is the dialog's.
+// into the scan record at once, without a step that saves it.
+//
+// States: without a record (as made), with one (from loadScan on). transmitTypeChanged and valueChanged need
+// a record. GUI thread only. The dialog owns the record.
 class SaiaSerialDeviceOption final : public DeviceOptionWidgetInterface {
     Q_OBJECT
 
 public:
     explicit SaiaSerialDeviceOption(QWidget* parent);
 
-    // Filling the widgets writes back into the record while it is read; the order is part of the behaviour.
+    // Filling the widgets writes into the record while it is read. A station other than the one shown stores
+    // the delay that is still shown, before the record's own delay is read.
     void loadScan(EScan* newScan) override;
 
 public Q_SLOTS:

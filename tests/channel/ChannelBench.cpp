@@ -1,130 +1,100 @@
 #include "ChannelBench.h"
 
-#include "Telegram.h"
+#include "EngineCalls.h"
 
-#include <QThread>
+#include <HalvexDriverComponent/CLogger.h>
 
-#include <algorithm>
-#include <thread>
+#include <QMutexLocker>
+
+#include <utility>
 
 namespace {
 
-constexpr auto patience = std::chrono::seconds(30);
+class NotingRtu final : public CRtu {
+public:
+    NotingRtu(HalvexDriverCoreInterface* host, CChannel* owner, const RemoteTerminalUnit& configuration,
+              std::function<void(const QString&)> writeDown)
+        : CRtu(host, owner, configuration), note(std::move(writeDown)) {}
 
-// A register answer of zeros to an Ethernet read telegram.
-QByteArray answerTo(const QByteArray& telegram) {
-    const int elements = static_cast<unsigned char>(telegram[11]) + 1;
-    QByteArray answer(3, '\0');
-    answer += static_cast<char>(9 + 4 * elements + 2);
-    answer += QByteArray("\x01\x00", 2) + telegram.mid(6, 2) + '\x01' + QByteArray(4 * elements, '\0');
-    sbus::appendChecksum(answer);
-    return answer;
-}
+    void StopRtu() override { note(QStringLiteral("stop rtu %1").arg(GetRtuId())); }
+
+    int RequestPoll(int kind, CReply* reply) override {
+        note(QStringLiteral("poll rtu %1 kind %2%3")
+                 .arg(GetRtuId())
+                 .arg(kind)
+                 .arg(reply == nullptr ? QString() : QStringLiteral(" for a reply")));
+        return 0;
+    }
+
+private:
+    const std::function<void(const QString&)> note;
+};
 
 } // namespace
 
-void ControllerLink::failOpens(int count) {
-    const std::lock_guard lock(mutex);
-    failingOpens = count;
+void Journal::note(const QString& entry) {
+    const QMutexLocker lock(&mutex);
+    entries << entry;
 }
 
-void ControllerLink::keepSilent() {
-    const std::lock_guard lock(mutex);
-    silent = true;
+QStringList Journal::take() {
+    const QMutexLocker lock(&mutex);
+    return std::exchange(entries, {});
 }
 
-bool ControllerLink::waitForOpens(int count) {
-    std::unique_lock lock(mutex);
-    return changed.wait_for(lock, patience, [&] { return static_cast<int>(opened.size()) >= count; });
+void WatchedCore::publishRtuStatus(int channelId, int rtuId, const RtuStatus& status) {
+    RecordingCore::publishRtuStatus(channelId, rtuId, status);
+    onRtuStatus(rtuId, status);
 }
 
-bool ControllerLink::waitForTelegrams(int count) {
-    std::unique_lock lock(mutex);
-    return changed.wait_for(lock, patience, [&] { return sent.size() >= count; });
-}
-
-int ControllerLink::resetCount() const {
-    const std::lock_guard lock(mutex);
-    return resets;
-}
-
-int ControllerLink::openCount() const {
-    const std::lock_guard lock(mutex);
-    return static_cast<int>(opened.size());
-}
-
-int ControllerLink::closeCount() const {
-    const std::lock_guard lock(mutex);
-    return closes;
-}
-
-QList<QByteArray> ControllerLink::telegrams() const {
-    const std::lock_guard lock(mutex);
-    return sent;
-}
-
-std::vector<std::chrono::steady_clock::time_point> ControllerLink::openTimes() const {
-    const std::lock_guard lock(mutex);
-    return opened;
-}
-
-std::vector<std::chrono::steady_clock::time_point> ControllerLink::sendTimes() const {
-    const std::lock_guard lock(mutex);
-    return sentAt;
-}
-
-void ControllerLink::reset() {
-    const std::lock_guard lock(mutex);
-    ++resets;
-}
-
-int ControllerLink::open() {
-    const std::lock_guard lock(mutex);
-    opened.push_back(std::chrono::steady_clock::now());
-    changed.notify_all();
-    if (failingOpens == 0)
-        return 0;
-    --failingOpens;
-    return 111; // any error number
-}
-
-void ControllerLink::close() {
-    const std::lock_guard lock(mutex);
-    ++closes;
-}
-
-int ControllerLink::send(const char* data, int length, int) {
-    const std::lock_guard lock(mutex);
-    sent << QByteArray(data, length);
-    sentAt.push_back(std::chrono::steady_clock::now());
-    answer = silent || length < 16 ? QByteArray() : answerTo(sent.last());
-    changed.notify_all();
-    return 0;
-}
-
-int ControllerLink::receive(char* buffer, int capacity, int& received, int timeoutMs) {
-    std::unique_lock lock(mutex);
-    if (answer.isEmpty()) {
-        lock.unlock();
-        std::this_thread::sleep_for(std::chrono::milliseconds(timeoutMs));
-        received = 0;
-        return 0;
-    }
-    received = std::min(capacity, answer.size());
-    std::copy_n(answer.cbegin(), received, buffer);
-    answer.clear();
-    return 0;
+ChannelBench::ChannelBench()
+    : logWatch(CLogger::GetInstance()->watchLines([this](const LogLine& line) {
+          note(QStringLiteral("log %1 %2").arg(static_cast<int>(line.level)).arg(line.text));
+      })) {
+    channel->SetScanClock([this] {
+        note(QStringLiteral("scan"));
+        return qint64{0};
+    });
+    core.onRtuStatus = [this](int rtuId, const RtuStatus& status) {
+        note(QStringLiteral("rtu %1 %2")
+                 .arg(rtuId)
+                 .arg(status.connected ? QStringLiteral("connected") : QStringLiteral("disconnected")));
+    };
+    engineCalls.setLink = [this](CLink* link) {
+        if (link == nullptr)
+            note(QStringLiteral("engine has no link"));
+        else
+            note(link == channel->GetLink() ? QStringLiteral("engine has the link")
+                                            : QStringLiteral("engine has another link"));
+    };
 }
 
 ChannelBench::~ChannelBench() {
-    if (channel)
-        stop();
+    engineCalls = {};
+}
+
+void ChannelBench::note(const QString& entry) {
+    const bool on = channel && channel->IsConnect();
+    entries.note((on ? QStringLiteral("on ") : QStringLiteral("off ")) + entry);
+}
+
+std::unique_ptr<ControllerLink> ChannelBench::makeLink() {
+    auto link = std::make_unique<ControllerLink>();
+    link->onCall = [this](const char* call) { note(QString::fromLatin1(call)); };
+    return link;
 }
 
 ControllerLink* ChannelBench::setLink() {
-    auto link = std::make_unique<ControllerLink>();
+    auto link = makeLink();
     ControllerLink* const kept = link.get();
     channel->SetLinks(std::move(link));
+    return kept;
+}
+
+ControllerLink* ChannelBench::setSecondaryLinkAlone() {
+    auto link = makeLink();
+    ControllerLink* const kept = link.get();
+    channel->SetLinks(nullptr, std::move(link));
     return kept;
 }
 
@@ -154,25 +124,42 @@ void ChannelBench::addRegister(CRtu* rtu, const char* address) {
     rtu->GetPointList()->AddAnalogPoint(point);
 }
 
-void ChannelBench::startWith(int commType) {
+// The channel shows its map for reading alone. Tests change it for what AddRtu never puts in: an empty place,
+// or an RTU of another class.
+QMap<int, CRtu*>& ChannelBench::places() {
+    return const_cast<QMap<int, CRtu*>&>(channel->GetRtuMap());
+}
+
+void ChannelBench::addNotingRtu(int id) {
+    places().insert(id, new NotingRtu(&core, channel.get(), record(id, id),
+                                      [this](const QString& entry) { note(entry); }));
+}
+
+void ChannelBench::addEmptyPlace(int id) {
+    places().insert(id, nullptr);
+}
+
+void ChannelBench::takeEmptyPlaceAway(int id) {
+    places().remove(id);
+}
+
+void ChannelBench::initialise(int commType) {
     channel->SetCommType(commType);
     EXPECT_TRUE(channel->InitChannel());
+    entries.take();
+}
+
+void ChannelBench::runTurns(int count) {
+    const int last = pauses.size() + count;
+    channel->setPause([this, last](unsigned long milliseconds) {
+        note(QStringLiteral("pause %1").arg(milliseconds));
+        pauses << milliseconds;
+        atPause(pauses.size());
+        channel->SetShutdown(pauses.size() >= last);
+    });
+    channel->SetShutdown(false);
     channel->start();
-}
-
-void ChannelBench::stop() {
-    channel->SetShutdown(true);
     EXPECT_TRUE(channel->wait(30'000));
-}
-
-bool ChannelBench::waitUntil(const std::function<bool()>& reached) {
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while (!reached()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        QThread::msleep(2);
-    }
-    return true;
 }
 
 QStringList ChannelBench::linesAt(Halvex::LogLevel level) const {

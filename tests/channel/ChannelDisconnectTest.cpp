@@ -5,8 +5,8 @@
 using Halvex::DriverErrorResult;
 using Halvex::LogLevel;
 
-// The loop tells the channel of a link that has opened; nothing tells it yet of one that is lost. What it
-// does then is reached from here: an explicit instantiation may name a private operation.
+// The loop calls this private operation with true alone. An explicit instantiation may name it, so its other
+// half is reached from here.
 void tellLinkState(SBusChennel& channel, bool isConnected);
 
 template <auto operation>
@@ -19,32 +19,48 @@ namespace {
 
 class ChannelDisconnect : public ChannelBench {
 protected:
-    // Without its thread.
+    // On the channel's thread, behind its first turn. The journal holds the disconnecting alone.
     void connectAndDisconnect() {
-        setLink();
-        channel->SetCommType(ethernet);
-        channel->InitChannel();
-        tellLinkState(*channel, true);
-        ASSERT_TRUE(channel->IsConnect());
-        log.clear();
-        tellLinkState(*channel, false);
+        atPause = [this](int) {
+            journal();
+            tellLinkState(*channel, false);
+        };
+        runTurns(1);
     }
 };
 
 } // namespace
 
-TEST_F(ChannelDisconnect, TakesTheConnectionFromTheChannelAndEveryRtu) {
-    const CRtu* const first = addPollingRtu(1, 5);
-    const CRtu* const second = addPollingRtu(2, 6);
+TEST_F(ChannelDisconnect, IsFlagThenEachRtuThenLogThenEngine) {
+    setLink();
+    initialise(ethernet);
+    addNotingRtu(2);
+    addNotingRtu(1);
     connectAndDisconnect();
-    EXPECT_FALSE(channel->IsConnect());
-    EXPECT_FALSE(first->IsConnect());
-    EXPECT_FALSE(second->IsConnect());
+    EXPECT_EQ(journal(),
+              (QStringList{"off rtu 1 disconnected", "off rtu 2 disconnected",
+                           "off log 16 Primary channel has disconnected", "off engine has no link"}));
+}
+
+TEST_F(ChannelDisconnect, NamesTheSecondaryWhenItIsInUse) {
+    setSecondaryLinkAlone();
+    initialise(ethernet);
+    connectAndDisconnect();
+    EXPECT_EQ(journal(),
+              (QStringList{"off log 16 Secondary channel has disconnected", "off engine has no link"}));
+}
+
+TEST_F(ChannelDisconnect, WritesItsLineAsAChannelLine) {
+    setLink();
+    initialise(ethernet);
+    connectAndDisconnect();
     EXPECT_EQ(linesAt(LogLevel::LinkFailure), QStringList{"Primary channel has disconnected"});
 }
 
 TEST_F(ChannelDisconnect, TakesTheLinkFromTheEngineSoThatCommandsFailAtOnce) {
+    setLink();
     CRtu* const rtu = addPollingRtu(1, 5);
+    initialise(ethernet);
     connectAndDisconnect();
     channel->SetConnect(true); // the flag alone, so that the command reaches the engine
     auto* const reply = new CReply(channel.get());
@@ -52,17 +68,32 @@ TEST_F(ChannelDisconnect, TakesTheLinkFromTheEngineSoThatCommandsFailAtOnce) {
     EXPECT_EQ(reply->wait(0), DriverErrorResult::ChannelError);
 }
 
-// Our own hosts' maps have no empty place; another host's may.
 TEST_F(ChannelDisconnect, PassesOverAnEmptyPlaceAmongTheRtus) {
-    const CRtu* const first = addPollingRtu(1, 5);
-    const CRtu* const last = addPollingRtu(3, 6);
-    auto& places = const_cast<QMap<int, CRtu*>&>(channel->GetRtuMap());
-    places.insert(2, nullptr);
     setLink();
-    channel->SetCommType(ethernet);
-    EXPECT_TRUE(channel->InitChannel());
+    initialise(ethernet);
+    addNotingRtu(1);
+    addNotingRtu(3);
+    atPause = [this](int) {
+        addEmptyPlace(2); // not earlier: the first CheckScan looks at every RTU
+        journal();
+        tellLinkState(*channel, false);
+    };
+    runTurns(1);
+    EXPECT_EQ(journal(),
+              (QStringList{"off rtu 1 disconnected", "off rtu 3 disconnected",
+                           "off log 16 Primary channel has disconnected", "off engine has no link"}));
+    takeEmptyPlaceAway(2);
+}
+
+TEST_F(ChannelDisconnect, ConnectingPassesOverAnEmptyPlaceAmongTheRtusToo) {
+    setLink();
+    initialise(ethernet);
+    addNotingRtu(1);
+    addEmptyPlace(2);
+    addNotingRtu(3);
     tellLinkState(*channel, true);
-    EXPECT_TRUE(first->IsConnect());
-    EXPECT_TRUE(last->IsConnect());
-    places.remove(2);
+    EXPECT_EQ(journal(), (QStringList{"off log 4 Primary channel has connected", "on engine has the link",
+                                      "on rtu 1 connected", "on poll rtu 1 kind 0", "on rtu 3 connected",
+                                      "on poll rtu 3 kind 0"}));
+    takeEmptyPlaceAway(2);
 }

@@ -1,11 +1,13 @@
 #include <HalvexAbstractDriver/DriverPluginInterface.h>
 
 #include <QCoreApplication>
+#include <QLocale>
 #include <QPluginLoader>
 
 #include <cstdio>
 
-// driver_name_printer PLUGIN: prints the driver's name in the language of the system.
+// driver_name_printer PLUGIN: prints the driver's name in the language of the system. The program's own
+// language is another one, German.
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     QPluginLoader loader(QCoreApplication::arguments().value(1));
@@ -14,6 +16,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "%s\n", qPrintable(loader.errorString()));
         return 1;
     }
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     driver->loadTranslator();
     std::printf("%s\n", driver->driverName().toUtf8().constData());
     return 0;

@@ -6,6 +6,8 @@
 #include <HalvexDriverComponent/CChannel.h>
 #include <HalvexDriverComponent/CRtu.h>
 
+#include <QPointer>
+
 #include <memory>
 
 namespace {
@@ -68,6 +70,16 @@ TEST_F(Factory, MakesANewOptionPageForASerialLineEachTime) {
     EXPECT_NE(firstPage, secondPage);
     EXPECT_STREQ(firstPage->metaObject()->className(), "SaiaSerialDeviceOption");
     EXPECT_EQ(firstPage->parentWidget(), nullptr);
+}
+
+TEST_F(Factory, LeavesChannelsAndPagesToTheHostWhenItGoes) {
+    const auto channel = createChannel(3);
+    const QPointer<QWidget> page = driver->deviceOptionWidgets(serial).value(0);
+    EXPECT_TRUE(driver->children().isEmpty());
+    delete loader.instance();
+    EXPECT_EQ(channel->channelId(), 3);
+    ASSERT_FALSE(page.isNull());
+    delete page.data();
 }
 
 TEST_F(Factory, MakesNoOptionPageForAnyOtherType) {

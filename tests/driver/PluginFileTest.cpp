@@ -8,9 +8,37 @@
 #include <QLibrary>
 #include <QPointer>
 
+#include <cstring>
+
 namespace {
 
 class PluginFile : public LoadedDriver {};
+
+// A driver with nothing but what every driver must have.
+class PlainDriver : public DriverPluginInterface {
+public:
+    QString driverDescription() override { return {}; }
+    void initialize(HalvexDriverCoreInterface*) override {}
+    QString driverName() override { return {}; }
+    CChannel* createChannel(int) override { return nullptr; }
+    bool isSupportedCommType(int) override { return false; }
+    bool isAvailable() override { return false; }
+    QList<QPair<int, QString>> supportedCommTypes() override { return {}; }
+    QList<DeviceOptionWidgetInterface*> deviceOptionWidgets(int) override { return {}; }
+    void loadTranslator() override {}
+    int driverCode() override { return 0; }
+    QStringList biAddressDescriptions() override { return {}; }
+    QStringList boAddressDescriptions() override { return {}; }
+    QStringList aoAddressDescriptions() override { return {}; }
+    QStringList aiAddressDescriptions() override { return {}; }
+};
+
+// What the object has at a place of its table of operations.
+const void* operationAt(const DriverPluginInterface& object, std::size_t slot) {
+    const void* const* table = nullptr;
+    std::memcpy(&table, static_cast<const void*>(&object), sizeof(table));
+    return table[slot];
+}
 
 } // namespace
 
@@ -77,6 +105,26 @@ TEST_F(PluginFile, GivesADriverThatAnswersToItsOwnNameAndItsBases) {
     EXPECT_EQ(driver->qt_metacast(HALVEX_DRIVER_PLUGIN_IID), driver);
     EXPECT_EQ(driver->qt_metacast("QObject"), loader.instance());
     EXPECT_EQ(driver->qt_metacast("SBusChennel"), nullptr);
+}
+
+TEST_F(PluginFile, GivesADriverThatOverridesWhatEveryDriverMustAndNoMore) {
+    using Interface = DriverPluginInterface;
+    const PlainDriver plain;
+    for (std::size_t slot :
+         {slotOf(&Interface::fin), slotOf(&Interface::checkOwnDataBase), slotOf(&Interface::isServerCommand),
+          slotOf(&Interface::unPackedResult), slotOf(&Interface::driverCommandParameter),
+          slotOf(&Interface::defaultCommAddress), slotOf(&Interface::supportedPhysicalLayer),
+          slotOf(&Interface::isPortNotUse), slotOf(&Interface::isAddressNotUse),
+          slotOf(&Interface::chennelOptionWidgets), slotOf(&Interface::scanAddressOptionWidgets),
+          slotOf(&Interface::statusInputAddressDescription),
+          slotOf(&Interface::statusOutputAddressDescription),
+          slotOf(&Interface::analogInputAddressDescription),
+          slotOf(&Interface::analogOutputAddressDescription), slotOf(&Interface::aiAddressWidget),
+          slotOf(&Interface::aoAddressWidget), slotOf(&Interface::biAddressWidget),
+          slotOf(&Interface::boAddressWidget)})
+        EXPECT_EQ(operationAt(*driver, slot), operationAt(plain, slot)) << "slot " << slot;
+    EXPECT_NE(operationAt(*driver, slotOf(&Interface::driverCode)),
+              operationAt(plain, slotOf(&Interface::driverCode)));
 }
 
 TEST(DriverPluginInterfaceSlots, StandInTheOrderOfTheInterface) {

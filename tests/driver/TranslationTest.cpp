@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QPointer>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTranslator>
@@ -69,14 +70,21 @@ TEST_F(Translation, FallsBackToTheFileWithoutALanguage) {
     EXPECT_EQ(shownName(), QStringLiteral("of any language"));
 }
 
-TEST_F(Translation, IsNotTakenFromAnotherLanguagesFile) {
+TEST_F(Translation, IsNotTakenFromTheFileOfTheProgramsOwnLanguage) {
     provide("language.qm", "sbusdriver_de.qm");
+    provide("language_and_territory.qm", "sbusdriver_de_DE.qm");
     EXPECT_EQ(shownName(), untranslated);
 }
 
 TEST_F(Translation, IsLookedForInTheHostsTranslationFolderAlone) {
     ASSERT_TRUE(QFile::copy(QStringLiteral(TRANSLATION_DIRECTORY "/any.qm"),
                             host.filePath(QStringLiteral("sbusdriver.qm"))));
+    EXPECT_EQ(shownName(), untranslated);
+}
+
+TEST_F(Translation, OfTheHostsFolderIsLookedForUnderItsWholeNameAlone) {
+    provide("any.qm", "driver_ko_KR.qm");
+    provide("language.qm", "sbusdriver-ko_KR.qm");
     EXPECT_EQ(shownName(), untranslated);
 }
 
@@ -97,4 +105,12 @@ TEST_F(TranslatorObjects, AreAllInstalledWhetherTheyLoadedOrNot) {
     driver->loadTranslator();
     for (QTranslator* translator : translators())
         EXPECT_TRUE(QCoreApplication::removeTranslator(translator)) << "was not installed";
+}
+
+TEST_F(TranslatorObjects, GoWithTheDriver) {
+    driver->loadTranslator();
+    const QPointer<QTranslator> translator = translators().value(0);
+    ASSERT_FALSE(translator.isNull());
+    delete loader.instance();
+    EXPECT_TRUE(translator.isNull());
 }

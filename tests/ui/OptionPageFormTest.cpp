@@ -5,6 +5,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMetaMethod>
+#include <QProxyStyle>
 #include <QVBoxLayout>
 
 namespace {
@@ -20,6 +21,56 @@ protected:
 };
 
 constexpr auto rightAndCentred = Qt::AlignRight | Qt::AlignVCenter;
+
+// A style whose own spacings and margins are none of those that the form asks for.
+class WideStyle : public QProxyStyle {
+public:
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
+        switch (metric) {
+        case PM_LayoutHorizontalSpacing:
+        case PM_LayoutVerticalSpacing:
+        case PM_LayoutLeftMargin:
+        case PM_LayoutTopMargin:
+        case PM_LayoutRightMargin:
+        case PM_LayoutBottomMargin:
+            return 40;
+        default:
+            return QProxyStyle::pixelMetric(metric, option, widget);
+        }
+    }
+};
+
+// Remembers the texts that are looked up while it lives, in order, and translates none.
+class TextRecorder : public QTranslator {
+public:
+    TextRecorder() { QCoreApplication::installTranslator(this); }
+    ~TextRecorder() override { QCoreApplication::removeTranslator(this); }
+
+    bool isEmpty() const override { return false; }
+
+    QString translate(const char* context, const char* text, const char*, int) const override {
+        if (qstrcmp(context, "SaiaSerialDeviceOption") == 0)
+            texts << QString::fromLatin1(text);
+        return {};
+    }
+
+    mutable QStringList texts;
+};
+
+// The connections to an object's slots as Qt prints them for debugging: the sender's class and name and the
+// receiving slot, the newest first.
+QStringList connectionsTo(const QObject& receiver) {
+    static QStringList lines;
+    lines.clear();
+    const QtMessageHandler before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& line) {
+            if (line.contains(QLatin1String("<--")))
+                lines << line.simplified();
+        });
+    receiver.dumpObjectInfo();
+    qInstallMessageHandler(before);
+    return lines;
+}
 
 } // namespace
 
@@ -63,6 +114,15 @@ TEST_F(OptionPageForm, HoldsThreeRowsOfLabelAndField) {
     EXPECT_EQ(cell(2, 0), label("bl"));
 }
 
+TEST_F(OptionPageForm, AddsItsCellsRowByRow) {
+    QStringList names;
+    for (int i = 0; i < grid()->count(); ++i) {
+        QLayoutItem* const item = grid()->itemAt(i);
+        names << (item->widget() ? item->widget()->objectName() : item->layout()->objectName());
+    }
+    EXPECT_EQ(names, (QStringList{"label_2", "addr", "label_3", "mode", "bl", "horizontalLayout"}));
+}
+
 TEST_F(OptionPageForm, PutsTheUnitBehindTheDelay) {
     ASSERT_NE(grid()->itemAtPosition(2, 1), nullptr);
     const QLayout* row = grid()->itemAtPosition(2, 1)->layout();
@@ -72,6 +132,66 @@ TEST_F(OptionPageForm, PutsTheUnitBehindTheDelay) {
     ASSERT_EQ(row->count(), 2);
     EXPECT_EQ(row->itemAt(0)->widget(), delay);
     EXPECT_EQ(row->itemAt(1)->widget(), label("msec"));
+}
+
+TEST_F(OptionPageForm, KeepsItsSpacingsAndMarginsInEveryStyle) {
+    WideStyle style;
+    SaiaSerialDeviceOption styled(nullptr);
+    styled.setStyle(&style);
+    QWidget other;
+    other.setStyle(&style);
+    ASSERT_EQ(QHBoxLayout(&other).spacing(), 40) << "left to the style";
+    auto* vertical = styled.findChild<QVBoxLayout*>(QStringLiteral("verticalLayout"));
+    auto* inner = styled.findChild<QGridLayout*>(QStringLiteral("gridLayout"));
+    const auto* row = styled.findChild<QHBoxLayout*>(QStringLiteral("horizontalLayout"));
+    EXPECT_EQ(vertical->spacing(), 6);
+    EXPECT_EQ(vertical->contentsMargins(), QMargins(11, 11, 11, 11));
+    EXPECT_EQ(inner->horizontalSpacing(), 6);
+    EXPECT_EQ(inner->verticalSpacing(), 6);
+    EXPECT_EQ(inner->contentsMargins(), QMargins());
+    EXPECT_EQ(row->spacing(), 6);
+    EXPECT_EQ(row->contentsMargins(), QMargins());
+    // Each has its spacing of its own, not that of the layout around it.
+    vertical->setSpacing(20);
+    EXPECT_EQ(inner->spacing(), 6);
+    inner->setSpacing(20);
+    EXPECT_EQ(row->spacing(), 6);
+}
+
+TEST_F(OptionPageForm, StretchesAndAlignsNoCell) {
+    const auto* vertical = page.findChild<QVBoxLayout*>(QStringLiteral("verticalLayout"));
+    const auto* row = page.findChild<QHBoxLayout*>(QStringLiteral("horizontalLayout"));
+    for (const QLayout* layout : {static_cast<const QLayout*>(vertical), static_cast<const QLayout*>(row),
+                                  static_cast<const QLayout*>(grid())})
+        for (int i = 0; i < layout->count(); ++i)
+            EXPECT_EQ(layout->itemAt(i)->alignment(), Qt::Alignment())
+                << qPrintable(layout->objectName()) << i;
+    for (int i : {0, 1}) {
+        EXPECT_EQ(vertical->stretch(i), 0);
+        EXPECT_EQ(row->stretch(i), 0);
+        EXPECT_EQ(grid()->columnStretch(i), 0);
+    }
+    for (int i : {0, 1, 2})
+        EXPECT_EQ(grid()->rowStretch(i), 0);
+    EXPECT_EQ(grid()->count(), 6) << "one item a cell";
+}
+
+TEST_F(OptionPageForm, LeavesEverySizePolicyButTheStationsAsItIs) {
+    const QSpinBox spinBox;
+    const QComboBox comboBox;
+    const QLabel plainLabel;
+    EXPECT_EQ(delay->sizePolicy(), spinBox.sizePolicy());
+    EXPECT_EQ(mode->sizePolicy(), comboBox.sizePolicy());
+    for (const char* name : {"label_2", "label_3", "bl", "msec"})
+        EXPECT_EQ(label(name)->sizePolicy(), plainLabel.sizePolicy()) << name;
+}
+
+// Which is the order in which the tabulator key goes through them, too.
+TEST_F(OptionPageForm, MakesItsWidgetsInTheOrderInWhichTheyAreSeen) {
+    QStringList names;
+    for (const QWidget* widget : page.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        names << widget->objectName();
+    EXPECT_EQ(names, (QStringList{"label_2", "addr", "label_3", "mode", "bl", "delay", "msec"}));
 }
 
 TEST_F(OptionPageForm, NamesItsFields) {
@@ -88,6 +208,7 @@ TEST_F(OptionPageForm, AlignsTheLabelsRightAndCentred) {
         ASSERT_NE(label(name), nullptr) << name;
         EXPECT_EQ(label(name)->alignment(), rightAndCentred) << name;
     }
+    EXPECT_EQ(label("msec")->alignment(), QLabel().alignment()) << "stands behind its field";
 }
 
 TEST_F(OptionPageForm, OffersStationsUpTo256) {
@@ -128,6 +249,20 @@ TEST_F(OptionPageForm, TranslatesEveryTextUnderItsOwnName) {
     const auto* choices = translated.findChild<QComboBox*>(QStringLiteral("mode"));
     EXPECT_EQ(choices->itemText(0), QStringLiteral("<Data Mode>"));
     EXPECT_EQ(choices->itemText(1), QStringLiteral("<Break Mode>"));
+}
+
+TEST_F(OptionPageForm, TakesItsOwnNameForATitleBeforeItsTextsAndTheLastingTitleBehindThem) {
+    const TextRecorder recorder;
+    const SaiaSerialDeviceOption recorded(nullptr);
+    EXPECT_EQ(recorder.texts, (QStringList{"SaiaSerialDeviceOption",
+                                           "Comm. Board Station No.:", "S-Bus Protocol :", "Data Mode",
+                                           "Break Mode", "Break Delay Time :", "(msec)", "Protocol"}));
+}
+
+TEST_F(OptionPageForm, ListensToStationThenDelayThenMode) {
+    EXPECT_EQ(connectionsTo(page),
+              (QStringList{"<-- QComboBox::mode transmitTypeChanged(int)",
+                           "<-- QSpinBox::delay valueChanged(int)", "<-- QSpinBox::addr valueChanged(int)"}));
 }
 
 TEST_F(OptionPageForm, DeclaresItsFourSlotsInOrderAndNothingElse) {

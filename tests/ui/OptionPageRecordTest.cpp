@@ -1,8 +1,43 @@
 #include "OptionPage.h"
 
+#include <QEvent>
+
+#include <functional>
+
 namespace {
 
 class OptionPageRecord : public OptionPage {};
+
+// Slots that write without asking whether there is a record: a page is loaded before a user can touch it.
+class OptionPageDeathTest : public OptionPage {
+protected:
+    OptionPageDeathTest() { testing::GTEST_FLAG(death_test_style) = "threadsafe"; }
+};
+
+// Tells of a widget that is enabled or disabled, at that moment.
+class EnabledWatch : public QObject {
+public:
+    EnabledWatch(QWidget* widget, std::function<void()> noticed) : notice(std::move(noticed)) {
+        widget->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::EnabledChange)
+            notice();
+        return false;
+    }
+
+private:
+    const std::function<void()> notice;
+};
+
+void whenChanged(QSpinBox* box, const std::function<void()>& notice) {
+    QObject::connect(box, QOverload<int>::of(&QSpinBox::valueChanged), notice);
+}
+
+void whenChanged(QComboBox* box, const std::function<void()>& notice) {
+    QObject::connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), notice);
+}
 
 void expectRecord(const EScan& scan, const char* station, const char* transmitType, const char* breakDelay) {
     EXPECT_EQ(scan.stationAddress, QString::fromLatin1(station));
@@ -91,6 +126,70 @@ TEST_F(OptionPageRecord, ABreakDelayThatIsNoNumberIsZero) {
     EXPECT_EQ(scan.breakDelay, QStringLiteral("0"));
 }
 
+TEST_F(OptionPageRecord, LeadingZerosMakeNoOctalNumbers) {
+    EScan scan = record("010", "01", "0100");
+    page.loadScan(&scan);
+    EXPECT_EQ(addr->value(), 10);
+    EXPECT_EQ(mode->currentIndex(), 1);
+    scan = record("10", "01", "0100");
+    page.loadScan(&scan);
+    EXPECT_EQ(delay->value(), 100);
+    scan = record("10", "010", "100");
+    page.loadScan(&scan);
+    EXPECT_EQ(mode->currentIndex(), -1) << "ten, not eight";
+}
+
+TEST_F(OptionPageRecord, HexadecimalTextsAreNoNumbers) {
+    EScan scan = record("0x10", "0x1", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(addr->value(), 0);
+    EXPECT_EQ(mode->currentIndex(), 0);
+    scan = record("0", "0", "0x10");
+    page.loadScan(&scan);
+    EXPECT_EQ(delay->value(), 0);
+}
+
+TEST_F(OptionPageRecord, FillsStationThenRightsThenModeThenDelay) {
+    HalvexAccountService::instance()->setEditDatabase(false);
+    EScan scan = record("5", "1", "");
+    QStringList steps;
+    whenChanged(addr, [&] {
+        steps << QStringLiteral("station");
+        EXPECT_TRUE(page.isEnabled());
+        scan.breakDelay.clear(); // what the write-back put there
+    });
+    const EnabledWatch rights(&page, [&] { steps << QStringLiteral("rights"); });
+    whenChanged(mode, [&] {
+        steps << QStringLiteral("mode");
+        EXPECT_EQ(scan.breakDelay, QString()) << "the missing delay is not made up for yet";
+        delay->setValue(33); // so that the delay changes at its turn
+        scan.breakDelay.clear();
+        steps.removeAll(QStringLiteral("delay"));
+    });
+    whenChanged(delay, [&] { steps << QStringLiteral("delay"); });
+    page.loadScan(&scan);
+    EXPECT_EQ(steps, (QStringList{"station", "rights", "mode", "delay"}));
+    expectRecord(scan, "5", "1", "10");
+}
+
+TEST_F(OptionPageRecord, FillsTheDelayBeforeItDisablesIt) {
+    EScan scan = record("1", "0", "50");
+    bool enabledAtChange = false;
+    whenChanged(delay, [&] { enabledAtChange = delay->isEnabled(); });
+    page.loadScan(&scan);
+    EXPECT_TRUE(enabledAtChange);
+    EXPECT_FALSE(delay->isEnabled());
+}
+
+TEST_F(OptionPageRecord, StoresAChosenModeBeforeItEnablesTheDelay) {
+    EScan scan = record("1", "0", "10");
+    page.loadScan(&scan);
+    QString stored;
+    const EnabledWatch watch(delay, [&] { stored = scan.transmitType; });
+    mode->setCurrentIndex(1);
+    EXPECT_EQ(stored, QStringLiteral("1"));
+}
+
 TEST_F(OptionPageRecord, ValuesBeyondTheRangesAreCut) {
     EScan scan = record("300", "1", "10");
     page.loadScan(&scan);
@@ -120,6 +219,13 @@ TEST_F(OptionPageRecord, AnUnknownTransmitTypeReachesTheChoiceAsItIs) {
     EXPECT_EQ(scan.transmitType, QStringLiteral("-1")) << "the change of the choice was stored";
     EXPECT_TRUE(delay->isEnabled());
     EXPECT_EQ(delay->value(), 50);
+}
+
+TEST_F(OptionPageRecord, ANegativeTransmitTypeEnablesTheDelayToo) {
+    EScan scan = record("1", "-1", "50");
+    page.loadScan(&scan);
+    EXPECT_EQ(mode->currentIndex(), -1);
+    EXPECT_TRUE(delay->isEnabled());
 }
 
 TEST_F(OptionPageRecord, ChoosingDataModeDisablesTheDelay) {
@@ -165,12 +271,15 @@ TEST_F(OptionPageRecord, TheValueSlotStoresWhatTheWidgetsShowAndNotItsArgument) 
 TEST_F(OptionPageRecord, TheTransmitTypeSlotStoresItsArgumentAndEnablesTheDelayUnlessItIsZero) {
     EScan scan = record("1", "0", "10");
     page.loadScan(&scan);
-    page.transmitTypeChanged(5);
-    EXPECT_EQ(scan.transmitType, QStringLiteral("5"));
+    page.transmitTypeChanged(12);
+    EXPECT_EQ(scan.transmitType, QStringLiteral("12"));
     EXPECT_TRUE(delay->isEnabled());
     page.transmitTypeChanged(0);
     EXPECT_EQ(scan.transmitType, QStringLiteral("0"));
     EXPECT_FALSE(delay->isEnabled());
+    page.transmitTypeChanged(-1);
+    EXPECT_EQ(scan.transmitType, QStringLiteral("-1"));
+    EXPECT_TRUE(delay->isEnabled());
 }
 
 TEST_F(OptionPageRecord, TheStationSlotStoresItsTextAsItIs) {
@@ -185,6 +294,14 @@ TEST_F(OptionPageRecord, TheStationSlotDoesNothingBeforeARecordIsLoaded) {
     page.slaveAddressChanged(QStringLiteral("12"));
     EXPECT_EQ(addr->value(), 1);
     EXPECT_EQ(delay->value(), 10);
+}
+
+TEST_F(OptionPageDeathTest, TheModeSlotNeedsARecord) {
+    EXPECT_DEATH(page.transmitTypeChanged(1), "");
+}
+
+TEST_F(OptionPageDeathTest, TheValueSlotNeedsARecord) {
+    EXPECT_DEATH(page.valueChanged(1), "");
 }
 
 TEST_F(OptionPageRecord, TheDelaySlotDoesNothing) {
