@@ -127,7 +127,10 @@ def run_sample(run, mutants, count, seed):
 def main():
     options = arguments()
     mutants = all_mutants()
-    entries = accepted.parse(accepted.FILE.read_text(encoding="utf-8"))
+    try:
+        entries = accepted.parse(accepted.FILE.read_text(encoding="utf-8"))
+    except accepted.Malformed as fault:
+        sys.exit(f"{accepted.FILE.name}: {fault}")
     stale = accepted.without_mutant(entries, (mutant for found in mutants.values() for mutant in found))
     for entry in stale:
         print(f"{accepted.FILE.name}: no such mutant any more: {entry.file}: {entry.text}: {entry.change}",

@@ -23,112 +23,112 @@ def changed(text, change):
 
 
 class Tokens(unittest.TestCase):
-    def test_a_comparison_becomes_its_neighbour_and_its_opposite(self):
+    def test_AComparisonBecomesItsNeighbourAndItsOpposite(self):
         self.assertEqual(body("return a < b;"), ["2: `<` becomes `<=`", "2: `<` becomes `>=`"])
 
-    def test_signs_of_declarations_and_templates_stay(self):
+    def test_SignsOfDeclarationsAndTemplatesStay(self):
         self.assertEqual(changes("const Media& findMedia(std::array<int, 4>* list, Type&& other);\n"), [])
 
-    def test_comments_and_directives_stay(self):
+    def test_CommentsAndDirectivesStay(self):
         self.assertEqual(changes('#include "File1.h"\n#define SIZE \\\n    1 + 2\n// 1 + 2\n/* 3\n4 */\n'), [])
 
-    def test_assertions_for_the_compiler_stay(self):
+    def test_AssertionsForTheCompilerStay(self):
         self.assertEqual(changes("static_assert(sizeof a == 4);\n"), [])
 
-    def test_a_pure_virtual_function_stays(self):
+    def test_APureVirtualFunctionStays(self):
         self.assertEqual(changes("class A {\n    virtual int f() const = 0;\n};\n"), [])
 
-    def test_an_operator_keeps_its_name(self):
+    def test_AnOperatorKeepsItsName(self):
         self.assertEqual(changes("bool operator<(const A& a, const A& b);\nbool operator!() const;\n"), [])
 
-    def test_a_destructor_stays_one(self):
+    def test_ADestructorStaysOne(self):
         self.assertEqual(changes("A::~A() = default;\nclass A {\n    ~A() override;\n};\n"), [])
 
-    def test_numbers_become_one_more_in_their_own_notation(self):
+    def test_NumbersBecomeOneMoreInTheirOwnNotation(self):
         self.assertEqual(changes("constexpr quint32 a = 31U;\nconstexpr quint32 b = 0x1021;\n"
                                  "constexpr double c = 0.5;\n"),
                          ["1: `31U` becomes `32U`", "2: `0x1021` becomes `0x1022`", "3: `0.5` becomes `1.5`"])
 
-    def test_a_number_of_all_ones_becomes_one_less_and_still_fits(self):
+    def test_ANumberOfAllOnesBecomesOneLessAndStillFits(self):
         self.assertEqual(changes("constexpr quint8 a = 0xFF;\n"), ["1: `0xFF` becomes `0xFE`"])
 
-    def test_digits_may_be_parted(self):
+    def test_DigitsMayBeParted(self):
         self.assertEqual(changes("constexpr quint32 a = 0x8000'0000;\n"),
                          ["1: `0x8000'0000` becomes `0x80000001`"])
 
-    def test_a_text_becomes_empty_whatever_stands_in_it(self):
+    def test_ATextBecomesEmptyWhateverStandsInIt(self):
         self.assertEqual(body('f("a // \\" 1 + 2");'),
                          ["2: statement dropped", '2: `"a // \\" 1 + 2"` becomes `""`'])
 
-    def test_a_character_becomes_another(self):
+    def test_ACharacterBecomesAnother(self):
         self.assertEqual(changes("constexpr char a = 'C';\nconstexpr char b = '\\0';\n"),
                          ["1: `'C'` becomes `'?'`", "2: `'\\0'` becomes `'?'`"])
 
-    def test_negative_numbers_and_negations_lose_their_sign(self):
+    def test_NegativeNumbersAndNegationsLoseTheirSign(self):
         self.assertEqual(body("return !a && b == -c;"),
                          ["2: `!` dropped", "2: `&&` becomes `||`", "2: `==` becomes `!=`", "2: `-` dropped"])
 
-    def test_changes_that_read_the_same_are_numbered(self):
+    def test_ChangesThatReadTheSameAreNumbered(self):
         self.assertEqual(body("x = a + b + c;"),
                          ["2: statement dropped", "2: `+` becomes `-`", "2: `+` becomes `-` (2)"])
 
 
 class Statements(unittest.TestCase):
-    def test_calls_are_dropped_and_change_places(self):
+    def test_CallsAreDroppedAndChangePlaces(self):
         text = "void f() {\n    a();\n    b(x);\n}\n"
         self.assertEqual(changes(text), ["2: statement dropped", "2: swapped with the next statement",
                                          "3: statement dropped"])
         self.assertEqual(changed(text, "swapped with the next statement"), "void f() {\n    b(x);\n    a();\n}\n")
         self.assertEqual(changed(text, "statement dropped"), "void f() {\n    ;\n    b(x);\n}\n")
 
-    def test_declarations_stay(self):
+    def test_DeclarationsStay(self):
         self.assertEqual(body("const auto x = f();\nns::Type<int> y(x);\nType* const z = nullptr;\nreturn z;"), [])
 
-    def test_returns_with_a_value_stay_and_those_without_are_dropped(self):
+    def test_ReturnsWithAValueStayAndThoseWithoutAreDropped(self):
         self.assertEqual(body("if (a)\nreturn;\nreturn b;"), ["2: condition negated", "3: statement dropped"])
 
-    def test_assignments_that_know_nothing_of_each_other_keep_their_places(self):
+    def test_AssignmentsThatKnowNothingOfEachOtherKeepTheirPlaces(self):
         self.assertEqual(body("item.a = x;\nitem.b = y;"), ["2: statement dropped", "3: statement dropped"])
 
-    def test_assignments_of_which_one_reads_the_other_change_places(self):
+    def test_AssignmentsOfWhichOneReadsTheOtherChangePlaces(self):
         self.assertIn("2: swapped with the next statement", body("a = x;\nb = a;"))
 
-    def test_statements_of_a_lambda_are_dropped(self):
+    def test_StatementsOfALambdaAreDropped(self):
         self.assertEqual(body("run([&] {\nstep();\n});\nrun([this](int i) -> bool {\nstep(i);\nreturn i;\n});"),
                          ["2: statement dropped", "2: swapped with the next statement", "3: statement dropped",
                           "5: statement dropped", "6: statement dropped"])
 
-    def test_members_of_a_constructor_are_no_statements(self):
+    def test_MembersOfAConstructorAreNoStatements(self):
         self.assertEqual(changes("A::A(int x) : a{x}, b(x) {\n    start();\n}\n"), ["2: statement dropped"])
 
-    def test_bodies_in_a_class_are_changed(self):
+    def test_BodiesInAClassAreChanged(self):
         self.assertEqual(changes("class A {\npublic:\n    void f() { a.clear(); }\n    B b{c};\n};\n"),
                          ["3: statement dropped"])
 
-    def test_a_statement_behind_a_label_is_dropped_without_it(self):
+    def test_AStatementBehindALabelIsDroppedWithoutIt(self):
         text = "void f() {\n    switch (a) {\n    case A:\n        g();\n    }\n}\n"
         self.assertEqual(changed(text, "statement dropped"), text.replace("g();", ";"))
 
-    def test_a_break_is_dropped(self):
+    def test_ABreakIsDropped(self):
         self.assertEqual(body("while (a) {\nbreak;\n}"), ["2: condition negated", "3: statement dropped"])
 
 
 class Conditions(unittest.TestCase):
-    def test_a_plain_condition_is_negated(self):
+    def test_APlainConditionIsNegated(self):
         self.assertEqual(changed("void f() {\n    while (a || b)\n        ++c;\n}\n", "condition negated"),
                          "void f() {\n    while (!(a || b))\n        ++c;\n}\n")
 
-    def test_a_condition_with_a_declaration_is_negated_behind_it(self):
+    def test_AConditionWithADeclarationIsNegatedBehindIt(self):
         self.assertEqual(changed("void f() {\n    if (const int code = g())\n        h();\n}\n", "condition negated"),
                          "void f() {\n    if (const int code = g(); !(code))\n        h();\n}\n")
 
-    def test_a_single_comparison_is_not_negated_besides(self):
+    def test_ASingleComparisonIsNotNegatedBesides(self):
         self.assertEqual(body("if (a == b)\nreturn;"), ["2: `==` becomes `!=`", "3: statement dropped"])
 
-    def test_a_negated_condition_only_loses_its_sign(self):
+    def test_ANegatedConditionOnlyLosesItsSign(self):
         self.assertEqual(body("if (!f(a, b))\nreturn;"), ["2: `!` dropped", "3: statement dropped"])
 
-    def test_a_choice_is_negated(self):
+    def test_AChoiceIsNegated(self):
         self.assertEqual(changed("int f() {\n    return g(x) && y ? a : b;\n}\n", "condition negated"),
                          "int f() {\n    return !(g(x) && y) ? a : b;\n}\n")
 
@@ -138,21 +138,21 @@ ENTRY = accepted.entry_text(MUTANT) + "Equivalent: a and b\nare never equal.\n"
 
 
 class AcceptedMutants(unittest.TestCase):
-    def test_what_is_printed_of_a_survivor_lists_it_wherever_its_line_stands(self):
+    def test_WhatIsPrintedOfASurvivorListsItWhereverItsLineStands(self):
         entry = accepted.parse(ENTRY)[MUTANT.key]
         self.assertEqual((entry.reason, entry.is_equivalent), ("a and b are never equal.", True))
         self.assertEqual(accepted.without_mutant({entry.key: entry}, [MUTANT]), [])
 
-    def test_an_entry_without_its_mutant_is_found(self):
+    def test_AnEntryWithoutItsMutantIsFound(self):
         entries = accepted.parse(ENTRY)
         self.assertEqual(accepted.without_mutant(entries, []), list(entries.values()))
 
-    def test_an_entry_needs_a_reason(self):
+    def test_AnEntryNeedsAReason(self):
         for reason in ("", "Because.\n", "Accepted: \n"):
             with self.assertRaises(accepted.Malformed):
                 accepted.parse(accepted.entry_text(MUTANT) + reason)
 
-    def test_the_list_holds_no_entry_twice(self):
+    def test_TheListHoldsNoEntryTwice(self):
         with self.assertRaises(accepted.Malformed):
             accepted.parse(ENTRY + "\n" + ENTRY)
 
@@ -163,7 +163,7 @@ def verdict(outcome, entry=None, folder="rtu"):
 
 
 class Results(unittest.TestCase):
-    def test_the_share_leaves_out_only_what_no_test_can_find(self):
+    def test_TheShareLeavesOutOnlyWhatNoTestCanFind(self):
         equivalent = accepted.Accepted("", "", "", "why", True)
         tolerated = accepted.Accepted("", "", "", "why", False)
         folder = results.Folder("rtu", [verdict(trial.KILLED), verdict(trial.KILLED), verdict(trial.KILLED),
@@ -173,14 +173,14 @@ class Results(unittest.TestCase):
         self.assertEqual(folder.share, 0.6)
         self.assertEqual(folder.row(), "| `rtu` | 6 | 3 | 60.0% | 1 | 1 | 1 | 1 | 1 |\n")
 
-    def test_a_run_of_one_folder_leaves_the_others_in_the_table(self):
+    def test_ARunOfOneFolderLeavesTheOthersInTheTable(self):
         block = results.merged("", [results.Folder("channel", [verdict(trial.SURVIVED, None, "channel")])])
         both = results.merged(block, [results.Folder("rtu", [verdict(trial.KILLED)])])
         self.assertIn("| `rtu` | 1 | 1 | 100.0% |", both)
         self.assertIn("| `channel` | 1 | 0 | 0.0% |", both)
         self.assertIn("- `channel/File.cpp`, ``a();``: statement dropped. Not listed.\n", both)
 
-    def test_a_share_is_never_rounded_up(self):
+    def test_AShareIsNeverRoundedUp(self):
         self.assertEqual(results.shown_share(0.9499), "94.9%")
 
 
