@@ -57,8 +57,9 @@ def build(folders):
     # A run that was cut off may have left its own there.
     for name in (MODULES[folder] for folder in folders if folder in MODULES):
         (TREE / "bin" / f"{name}.so").unlink(missing_ok=True)
-    if subprocess.run([ROOT / "dev", "build", "mutate", "--target", *targets], stdout=subprocess.DEVNULL).returncode:
-        raise BuildFailure("the tests do not build")
+    done = subprocess.run([ROOT / "dev", "build", "mutate", "--target", *targets], stdout=subprocess.PIPE, text=True)
+    if done.returncode:
+        raise BuildFailure(f"the tests do not build\n{done.stdout}")
 
 
 def ninja(*arguments):
@@ -142,7 +143,7 @@ class Program:
                          for case in xml.etree.ElementTree.parse(report).iter("testcase")}
                 self.phases = phases_of(cases, took)
             if not passed or not self.passes(test, folder):
-                raise BuildFailure(f"{self.test} fails without any change: run {test}")
+                raise BuildFailure(f"{self.test} fails without any change, so it can tell nothing: run {test}")
         return took
 
     def passes(self, test, folder):
