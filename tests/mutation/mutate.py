@@ -98,8 +98,8 @@ def run_folders(run, mutants, is_whole):
         begin = time.monotonic()
         folders.append(results.Folder(name, list(run.verdicts([(name, mutant) for mutant in found]))))
         print(f"{name}: {len(found)} tried in {time.monotonic() - begin:.0f} s", file=sys.stderr)
-    if is_whole:
-        results.write_document(folders)
+        if is_whole:
+            results.write_document(folders[-1:])
     results.print_summary(folders)
     below = [folder.name for folder in folders if folder.share < results.GOAL]
     if below:
