@@ -14,6 +14,7 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 
 option(SBUS_WARNINGS_AS_ERRORS "Stop at the first warning" ON)
 option(SBUS_PRECOMPILED_HEADERS "Compile common headers once for each target; worth it with clang alone" OFF)
+set(SBUS_PRECOMPILED_FROM 5 CACHE STRING "The files of a target that are worth precompiled headers")
 set(SBUS_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize: address,undefined or thread")
 
 find_package(Threads REQUIRED)
@@ -38,10 +39,12 @@ if(SBUS_BUILD_FUZZERS)
     add_compile_options(-fsanitize=fuzzer-no-link -fno-sanitize=unreachable)
 endif()
 
-# To compile the common headers takes as long as they save in five files.
+# To compile the common headers takes as long as they save in five files. Where files are compiled again and again,
+# they are worth it for one.
 function(precompile_headers name sources)
+    list(FILTER sources INCLUDE REGEX "\\.cpp$")
     list(LENGTH sources count)
-    if(SBUS_PRECOMPILED_HEADERS AND count GREATER 5)
+    if(SBUS_PRECOMPILED_HEADERS AND count GREATER_EQUAL SBUS_PRECOMPILED_FROM)
         target_precompile_headers(${name} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/CommonHeaders.h)
     endif()
 endfunction()
