@@ -76,8 +76,11 @@ QString dataOf(const Packet& packet) {
 
 QString requestText(const Packet& packet) {
     const QString address = packet.value("sbus.addr_RTC") + packet.value("sbus.addr_IOF");
-    const QString head = QStringLiteral("station %1: %2, ")
-                             .arg(packet.value("sbus.destination"), packet.textBehindColon("sbus.cmd"));
+    const QString command = QStringLiteral("station %1: %2")
+                                .arg(packet.value("sbus.destination"), packet.textBehindColon("sbus.cmd"));
+    if (address.isEmpty())
+        return command;
+    const QString head = command + QStringLiteral(", ");
     if (packet.has("sbus.rcount"))
         return head + QStringLiteral("%1 from %2").arg(packet.value("sbus.rcount"), address);
     const char* const count = packet.has("sbus.fio_count") ? "sbus.fio_count" : "sbus.wcount_calc";
