@@ -112,6 +112,30 @@ TEST_F(CaptureInWireshark, DecodesBreakMode) {
                          }));
 }
 
+TEST_F(CaptureInWireshark, DecodesTheClockOfASerialLine) {
+    add(exchangeOf(Framing::DataMode, "B5 00 05 0C 52 07 23 12 31 23 59 58 86 36", "B5 02 00 00 23 F4"));
+    EXPECT_EQ(fields({"-e", "sbus.rtc.week_day", "-e", "sbus.rtc.date", "-e", "sbus.rtc.time"}).value(0),
+              "0x5207\t0x231231\t0x235958");
+}
+
+// As the user's guide tells.
+TEST_F(CaptureInWireshark, CanBeFilteredByChannelStationRefusalAndResponseTime) {
+    Exchange slow = readOfTwoRegisters();
+    slow.roundTrip = std::chrono::milliseconds(501);
+    Exchange elsewhere = exchangeOf(Framing::BreakMode, "05 0D 03 00 C8 00 01 46 41", "15", Answer::Refused);
+    elsewhere.channelId = 2;
+    add(slow);
+    add(elsewhere);
+    const auto framesThat = [this](const char* filter) {
+        return fields({"-Y", filter, "-e", "frame.number"});
+    };
+    EXPECT_EQ(framesThat("ip.addr == 10.1.0.0/16"), (QStringList{"1", "2"}));
+    EXPECT_EQ(framesThat("ip.addr == 10.2.1.5"), (QStringList{"3", "4"}));
+    EXPECT_EQ(framesThat("sbus.att == 2"), QStringList{"4"});
+    EXPECT_EQ(framesThat("sbus.nakcode != 0"), QStringList{"4"});
+    EXPECT_EQ(framesThat("sbus.response_time > 0.5"), QStringList{"2"});
+}
+
 // The lines of a site number their telegrams each for itself.
 TEST_F(CaptureInWireshark, KeepsLinesAndStationsApart) {
     Exchange first = exchangeOf(Framing::BreakMode, "05 06 01 00 0A 92 B4", "00 00 00 07 FF FF FF FE EE 3A");
