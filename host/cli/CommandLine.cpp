@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include "CaptureArguments.h"
 #include "site/Duration.h"
 #include "site/Number.h"
 
@@ -22,6 +23,7 @@ struct GivenController {
     std::string mode = modeNames.front();
     unsigned breakDelayMs = 10;
     std::string pluginPath;
+    std::shared_ptr<GivenCapture> capture;
 };
 
 std::string faultText(const std::string& what, const std::string& remedy) {
@@ -83,12 +85,14 @@ std::shared_ptr<GivenController> addController(CLI::App& command) {
     command.add_option(
         "--plugin", given->pluginPath,
         "Driver plug-in; without it SBusDriver beside this program or in the library directory");
+    given->capture = addCaptureOptions(command);
     return given;
 }
 
 Controller controllerOf(const GivenController& given) {
     Controller controller;
     controller.pluginPath = given.pluginPath;
+    controller.capture = captureOf(*given.capture);
     ControllerLine& line = controller.line;
     line.end = parseLinkUrl(given.link).end.value();
     line.station = given.station;

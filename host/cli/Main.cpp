@@ -1,3 +1,4 @@
+#include "CaptureArguments.h"
 #include "CheckCommand.h"
 #include "CommandLine.h"
 #include "CtlArguments.h"
@@ -64,11 +65,13 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
         "Where sbus-host ctl reaches this host; without it at a socket of the site file's own");
     command->add_flag("!--no-control", given->options.takesControl, "Take no commands from sbus-host ctl")
         ->excludes("--control");
-    command->callback([given, &status] {
+    const auto capture = host::addCaptureOptions(*command);
+    command->callback([given, capture, &status] {
         if (!given->duration.empty())
             given->options.duration = host::parseDuration(given->duration);
         if (!given->format.empty())
             given->options.format = formatNamed(given->format);
+        given->options.capture = host::captureOf(*capture);
         status = host::runSite(given->options);
     });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "services/capture/CaptureOptions.h"
 #include "services/console/Output.h"
 #include "services/console/Summary.h"
 
@@ -13,10 +14,11 @@ struct RunOptions {
     std::optional<std::chrono::milliseconds> duration; // until a signal comes, when left out
     std::optional<OutputFormat> format;                // a table on a terminal, else lines, when left out
     bool frames = false;
-    std::string logDirectory; // empty: no log files
-    std::string pluginPath;   // empty: searched for
-    bool takesControl = true; // opens a control socket
-    std::string controlPath;  // of that; empty: the site file's own
+    std::string logDirectory;              // empty: no log files
+    std::string pluginPath;                // empty: searched for
+    bool takesControl = true;              // opens a control socket
+    std::string controlPath;               // of that; empty: the site file's own
+    std::optional<CaptureOptions> capture; // none: telegrams are not captured
 };
 
 // Runs a site until its time is over, a signal comes, or nobody reads the output any more.

@@ -71,7 +71,7 @@ _sbus_host_offer_sites() {
 _sbus_host_offer_value() {
     case $1 in
     --log-dir) _sbus_host_offer_files -d ;;
-    --plugin | --control) _sbus_host_offer_files -f ;;
+    --plugin | --control | --capture) _sbus_host_offer_files -f ;;
     *) _sbus_host_offer_words "$(_sbus_host_options "$2" "$1")" ;;
     esac
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plan/OneShotSite.h"
+#include "services/capture/CaptureOptions.h"
 #include "services/console/Summary.h"
 
 #include <optional>
@@ -10,7 +11,8 @@ namespace host {
 
 struct Controller {
     ControllerLine line;
-    std::string pluginPath; // empty: searched for
+    std::string pluginPath;                // empty: searched for
+    std::optional<CaptureOptions> capture; // none: telegrams are not captured
 };
 
 enum class ReadFormat { Text, Json, Csv };

@@ -153,6 +153,12 @@ TEST_F(Completion, OffersDirectoriesForLogsAndFilesForAPlugin) {
     EXPECT_THAT(offersFor("run --plugin = n"), UnorderedElementsAre("notes.txt"));
 }
 
+TEST_F(Completion, OffersFilesForACaptureAndNothingForItsSize) {
+    for (const char* const words : {"run --capture n", "read udp : //10.0.0.5 --capture n"})
+        EXPECT_THAT(offersFor(words), UnorderedElementsAre("notes.txt")) << words;
+    EXPECT_THAT(offersFor("run --capture-size "), IsEmpty());
+}
+
 TEST_F(Completion, OffersNothingForATime) {
     EXPECT_THAT(offersFor("run --for "), IsEmpty());
 }

@@ -41,24 +41,6 @@ struct Packet {
     }
 };
 
-// Runs without the settings of whoever is logged in, which may say how dissectors work.
-QByteArray runTshark(const QString& captureFile) {
-    const QTemporaryDir home;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("HOME"), home.path());
-    environment.remove(QStringLiteral("XDG_CONFIG_HOME"));
-    environment.remove(QStringLiteral("WIRESHARK_CONFIG_DIR"));
-    QProcess program;
-    program.setProcessEnvironment(environment);
-    program.start(QStringLiteral("tshark"), {QStringLiteral("-n"), QStringLiteral("-r"), captureFile,
-                                             QStringLiteral("-T"), QStringLiteral("pdml")});
-    if (!program.waitForStarted(patienceMs))
-        throw std::runtime_error("tshark cannot be started; ./dev setup installs it");
-    if (!program.waitForFinished(patienceMs) || program.exitCode() != 0)
-        throw std::runtime_error("tshark failed: " + program.readAllStandardError().toStdString());
-    return program.readAllStandardOutput();
-}
-
 QList<Packet> readPackets(const QByteArray& pdml) {
     QList<Packet> packets;
     QXmlStreamReader xml(pdml);
@@ -94,8 +76,11 @@ QString dataOf(const Packet& packet) {
 
 QString requestText(const Packet& packet) {
     const QString address = packet.value("sbus.addr_RTC") + packet.value("sbus.addr_IOF");
-    const QString head = QStringLiteral("station %1: %2, ")
-                             .arg(packet.value("sbus.destination"), packet.textBehindColon("sbus.cmd"));
+    const QString command = QStringLiteral("station %1: %2")
+                                .arg(packet.value("sbus.destination"), packet.textBehindColon("sbus.cmd"));
+    if (address.isEmpty())
+        return command;
+    const QString head = command + QStringLiteral(", ");
     if (packet.has("sbus.rcount"))
         return head + QStringLiteral("%1 from %2").arg(packet.value("sbus.rcount"), address);
     const char* const count = packet.has("sbus.fio_count") ? "sbus.fio_count" : "sbus.wcount_calc";
@@ -113,7 +98,17 @@ QString telegramText(const Packet& packet) {
     }
 }
 
-QStringList remarksOn(const Packet& packet, int size, int requestFrame) {
+bool isToController(const Packet& packet) {
+    return packet.value("udp.dstport") == QLatin1String("5050");
+}
+
+// Of what UDP carries.
+int sizeOf(const Packet& packet) {
+    constexpr int udpHeaderSize = 8;
+    return packet.value("udp.length").toInt() - udpHeaderSize;
+}
+
+QStringList remarksOn(const Packet& packet, int requestFrame) {
     QStringList remarks;
     for (const Field& field : packet.fields)
         if (field.name == QLatin1String("_ws.expert.message"))
@@ -122,7 +117,7 @@ QStringList remarksOn(const Packet& packet, int size, int requestFrame) {
         remarks << QStringLiteral("malformed");
     if (packet.value("sbus.crc.status") != QLatin1String("1"))
         remarks << QStringLiteral("checksum not correct");
-    if (packet.value("sbus.len") != QString::number(size))
+    if (packet.value("sbus.len") != QString::number(sizeOf(packet)))
         remarks << QStringLiteral("length %1").arg(packet.value("sbus.len"));
     const bool isRequest = packet.has("sbus.destination");
     const QString answered = packet.value("sbus.response_to");
@@ -131,32 +126,55 @@ QStringList remarksOn(const Packet& packet, int size, int requestFrame) {
     return remarks;
 }
 
-QString describe(const Packet& packet, int size, int requestFrame) {
+QString describe(const Packet& packet, int requestFrame) {
     if (!packet.isSBus)
-        return QStringLiteral("no S-Bus telegram, %1 bytes").arg(size);
+        return QStringLiteral("no S-Bus telegram, %1 bytes").arg(sizeOf(packet));
     QString text = packet.value("sbus.seq") + QLatin1Char(' ') + telegramText(packet);
-    for (const QString& remark : remarksOn(packet, size, requestFrame))
+    for (const QString& remark : remarksOn(packet, requestFrame))
         text += QStringLiteral(" [%1]").arg(remark);
     return text;
 }
 
 } // namespace
 
+QByteArray runTshark(const QString& captureFile, const QStringList& arguments) {
+    const QTemporaryDir home;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), home.path());
+    environment.remove(QStringLiteral("XDG_CONFIG_HOME"));
+    environment.remove(QStringLiteral("WIRESHARK_CONFIG_DIR"));
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.start(QStringLiteral("tshark"),
+                  QStringList{QStringLiteral("-n"), QStringLiteral("-r"), captureFile} + arguments);
+    if (!program.waitForStarted(patienceMs))
+        throw std::runtime_error("tshark cannot be started; ./dev setup installs it");
+    if (!program.waitForFinished(patienceMs) || program.exitCode() != 0)
+        throw std::runtime_error("tshark failed: " + program.readAllStandardError().toStdString());
+    return program.readAllStandardOutput();
+}
+
+QStringList dissectFile(const QString& captureFile) {
+    QStringList texts;
+    int frame = 0; // tshark counts from 1
+    int requestFrame = 0;
+    for (const Packet& packet :
+         readPackets(runTshark(captureFile, {QStringLiteral("-T"), QStringLiteral("pdml")}))) {
+        ++frame;
+        if (isToController(packet))
+            requestFrame = frame;
+        texts << describe(packet, requestFrame);
+    }
+    return texts;
+}
+
 QStringList dissect(const Capture& capture) {
     QTemporaryFile file;
     if (!file.open() || file.write(capture.pcapFile()) < 0 || !file.flush())
         throw std::runtime_error("the capture file cannot be written");
-    const QList<Packet> packets = readPackets(runTshark(file.fileName()));
-    const QList<Capture::Datagram>& datagrams = capture.datagrams();
-    if (packets.size() != datagrams.size())
-        throw std::runtime_error("tshark read " + std::to_string(packets.size()) + " of " +
-                                 std::to_string(datagrams.size()) + " datagrams");
-    QStringList texts;
-    int requestFrame = 0; // tshark counts from 1
-    for (int i = 0; i < packets.size(); ++i) {
-        if (datagrams[i].direction == Capture::Direction::ToController)
-            requestFrame = i + 1;
-        texts << describe(packets[i], datagrams[i].bytes.size(), requestFrame);
-    }
+    QStringList texts = dissectFile(file.fileName());
+    if (texts.size() != capture.datagrams().size())
+        throw std::runtime_error("tshark read " + std::to_string(texts.size()) + " of " +
+                                 std::to_string(capture.datagrams().size()) + " datagrams");
     return texts;
 }

@@ -18,6 +18,12 @@
 // not the datagram's, an answer that it does not take for the answer to the telegram before.
 // Without tshark: std::runtime_error.
 QStringList dissect(const Capture& capture);
+// The same of a capture file (pcap) that holds UDP with the controller on port 5050.
+QStringList dissectFile(const QString& captureFile);
+
+// What tshark prints of a capture file. It runs without the settings of whoever is logged in, which may say
+// how dissectors work.
+QByteArray runTshark(const QString& captureFile, const QStringList& arguments);
 
 // What it says of the two acknowledges that a simulated controller gives.
 inline const QString acknowledged = QStringLiteral("acknowledge: ACK (Acknowledged) (0x0000)");
