@@ -156,7 +156,8 @@ void addWrite(CLI::App& program, ExitStatus& status) {
         ->required()
         ->check(writeFault);
     command->add_flag("--verify", given->verify, "Read back what was written, and compare");
-    command->add_flag("--dry-run", given->dryRun, "Tell the telegrams as hex and in words, and send nothing");
+    command->add_flag("--dry-run", given->dryRun, "Tell the telegrams as hex and in words, and send nothing")
+        ->excludes("--capture");
     command->callback([controller, given, &status] {
         WriteOptions options;
         options.controller = controllerOf(*controller);

@@ -1,6 +1,7 @@
 #include "oneshot/Commands.h"
 #include "oneshot/ElementReader.h"
 #include "oneshot/ElementTally.h"
+#include "oneshot/OneShotCapture.h"
 
 #include "services/console/ProgressBar.h"
 #include "services/console/StopSignal.h"
@@ -101,8 +102,12 @@ void tellError(const std::string& text) {
 ExitStatus readElements(const ReadOptions& options) {
     terminal::survivePipeEnd();
     stopsignal::install();
+    OneShotCapture capture(options.controller.capture);
     ElementReader reader(options.controller.line, options.elements);
-    const std::string fault = reader.open(options.controller.pluginPath);
+    const auto captured = capture.follow(reader.exchanges());
+    std::string fault = capture.start();
+    if (fault.empty())
+        fault = reader.open(options.controller.pluginPath);
     if (!fault.empty()) {
         tellError(fault);
         return ExitStatus::Configuration;

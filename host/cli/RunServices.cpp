@@ -1,5 +1,6 @@
 #include "RunServices.h"
 
+#include "services/capture/CaptureService.h"
 #include "services/console/ConsoleService.h"
 #include "services/console/StreamWriter.h"
 #include "services/control/ControlSocket.h"
@@ -11,6 +12,8 @@ RunServices::RunServices(const RunOptions& options, OutputFormat format, Console
         std::make_unique<ConsoleService>(console, format, "sbus-host  " + options.sitePath, options.frames);
     consoleService = shown.get();
     services.push_back(std::move(shown));
+    if (options.capture)
+        services.push_back(std::make_unique<CaptureService>(*options.capture));
     if (options.takesControl)
         services.push_back(std::make_unique<ControlSocket>(options.controlPath, options.sitePath));
 }

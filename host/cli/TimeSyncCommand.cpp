@@ -1,5 +1,6 @@
 #include "oneshot/CommandSender.h"
 #include "oneshot/Commands.h"
+#include "oneshot/OneShotCapture.h"
 
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
@@ -16,8 +17,12 @@ ExitStatus synchroniseClock(const Controller& controller) {
     const ControllerLine& line = controller.line;
     const Site site = makeWriteSite(line, {});
     const LineType type = site.channels.front().type;
+    OneShotCapture capture(controller.capture);
     CommandSender sender(line, site);
-    const std::string fault = sender.open(controller.pluginPath);
+    const auto captured = capture.follow(sender.exchanges());
+    std::string fault = capture.start();
+    if (fault.empty())
+        fault = sender.open(controller.pluginPath);
     if (!fault.empty()) {
         tellError(fault);
         return ExitStatus::Configuration;

@@ -2,6 +2,7 @@
 #include "oneshot/Commands.h"
 #include "oneshot/ElementReader.h"
 #include "oneshot/ElementTally.h"
+#include "oneshot/OneShotCapture.h"
 #include "oneshot/WriteSteps.h"
 
 #include "services/console/ProgressBar.h"
@@ -41,9 +42,9 @@ ElementTally tallyOf(const WriteEndings& endings) {
 // Sends one step after the other and tells what becomes of it.
 class Writing {
 public:
-    Writing(const WriteOptions& writeOptions, const Site& site)
+    Writing(const WriteOptions& writeOptions, const Site& site, OneShotCapture& capture)
         : options(writeOptions), sender(writeOptions.controller.line, site),
-          endings(writeOptions.writes.size(), Kind::NotSent) {}
+          captured(capture.follow(sender.exchanges())), endings(writeOptions.writes.size(), Kind::NotSent) {}
 
     std::string open() { return sender.open(options.controller.pluginPath); }
 
@@ -90,6 +91,7 @@ private:
 
     const WriteOptions& options;
     CommandSender sender;
+    const std::unique_ptr<ExchangeFeed::Watch> captured;
     WriteEndings endings;
     unsigned silentInARow = 0;
     std::map<std::string, std::string> failures; // by reason: line, station, elements
@@ -121,7 +123,7 @@ std::string differenceText(const ControllerLine& line, const ElementWrite& write
 }
 
 // False when anything differs or could not be read back.
-ExitStatus verify(const WriteOptions& options, const WriteEndings& endings) {
+ExitStatus verify(const WriteOptions& options, const WriteEndings& endings, OneShotCapture& capture) {
     const ControllerLine& line = options.controller.line;
     const std::vector<std::size_t> writes = lastWrites(options, endings);
     if (writes.empty())
@@ -131,6 +133,7 @@ ExitStatus verify(const WriteOptions& options, const WriteEndings& endings) {
     for (const std::size_t write : writes)
         elements.push_back({options.writes[write].address, options.writes[write].isFloat});
     ElementReader reader(line, elements);
+    const auto captured = capture.follow(reader.exchanges());
     const std::string fault = reader.open(options.controller.pluginPath);
     if (!fault.empty()) {
         tellError(fault);
@@ -162,9 +165,12 @@ ExitStatus writeElements(const WriteOptions& options) {
     stopsignal::install();
     const Site site = makeWriteSite(options.controller.line, options.writes);
     WriteEndings endings;
+    OneShotCapture capture(options.controller.capture);
     {
-        Writing writing(options, site); // closes the line before it is opened to read back
-        const std::string fault = writing.open();
+        Writing writing(options, site, capture); // closes the line before it is opened to read back
+        std::string fault = capture.start();
+        if (fault.empty())
+            fault = writing.open();
         if (!fault.empty()) {
             tellError(fault);
             return ExitStatus::Configuration;
@@ -174,7 +180,7 @@ ExitStatus writeElements(const WriteOptions& options) {
     const ExitStatus written = statusOf(tallyOf(endings));
     if (!options.verify || stopsignal::isRequested())
         return written;
-    const ExitStatus verified = verify(options, endings);
+    const ExitStatus verified = verify(options, endings, capture);
     return written == ExitStatus::Good ? verified : written;
 }
 

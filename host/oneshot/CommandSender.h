@@ -34,6 +34,7 @@ public:
                   HostRuntime::LinkFactory linkFactory = makeLink);
     ~CommandSender() override;
 
+    ExchangeFeed& exchanges() { return runtime.exchanges(); }
     // Empty, or why the plug-in does not run.
     std::string open(const std::string& pluginPath);
     // Waits for the line, gives the command and waits for its result. Nothing is sent any more after a signal

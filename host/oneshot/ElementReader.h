@@ -27,6 +27,7 @@ public:
     ElementReader(const ControllerLine& controllerLine, const std::vector<ElementRead>& elementsToRead);
     ~ElementReader();
 
+    ExchangeFeed& exchanges() { return runtime.exchanges(); }
     // Empty, or why the plug-in does not run.
     std::string open(const std::string& pluginPath);
     // `progress` is called every now and then until the values are there.

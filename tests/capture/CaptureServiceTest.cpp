@@ -81,7 +81,7 @@ private:
     NoCommands commands;
 
 protected:
-    host::RunningSite runningSite{site, values, feed, commands, messages, {}, {}};
+    host::RunningSite runningSite{site, values, feed, commands, messages, {}, {}, {}};
 };
 
 // As the file holds them.

@@ -169,20 +169,28 @@ CaptureService::~CaptureService() {
 }
 
 std::string CaptureService::start(RunningSite& runningSite) {
-    const std::string fault = writer->begin(runningSite.messages);
-    if (!fault.empty())
-        return fault;
-    std::thread([shared = writer] { shared->writeUntilEnded(); }).detach();
-    watch = runningSite.exchanges.watch(
-        [target = writer.get()](const Exchange& exchange) { target->add(exchange); });
-    return "";
+    std::string fault = begin(runningSite.messages);
+    if (fault.empty())
+        watch = follow(runningSite.exchanges);
+    return fault;
+}
+
+std::string CaptureService::begin(Messages& messages) {
+    std::string fault = writer->begin(messages);
+    hasBegun = fault.empty();
+    if (hasBegun)
+        std::thread([shared = writer] { shared->writeUntilEnded(); }).detach();
+    return fault;
+}
+
+std::unique_ptr<ExchangeFeed::Watch> CaptureService::follow(ExchangeFeed& feed) const {
+    return feed.watch([target = writer.get()](const Exchange& exchange) { target->add(exchange); });
 }
 
 void CaptureService::stop() {
-    if (!watch)
-        return;
     watch.reset();
-    writer->end();
+    if (std::exchange(hasBegun, false))
+        writer->end();
 }
 
 std::vector<ServiceFigure> CaptureService::figures() const {

@@ -30,6 +30,10 @@ public:
 
     std::string name() const override { return "capture"; }
     std::string start(RunningSite& runningSite) override;
+    // The same without a running site: opens the file, and then captures what passes a feed, as long as the
+    // watch lives.
+    std::string begin(Messages& messages);
+    [[nodiscard]] std::unique_ptr<ExchangeFeed::Watch> follow(ExchangeFeed& feed) const;
     // What waits is written. A write that never ends keeps its thread beyond the service's end.
     void stop() override;
     std::vector<ServiceFigure> figures() const override;
@@ -39,6 +43,7 @@ private:
 
     // Shared with its thread, which may outlive the service.
     const std::shared_ptr<Writer> writer;
+    bool hasBegun = false;
     std::unique_ptr<ExchangeFeed::Watch> watch;
 };
 
