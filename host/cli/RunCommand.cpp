@@ -1,12 +1,15 @@
 #include "RunCommand.h"
 
-#include "commands/CommandService.h"
+#include "commands/CommandDispatcher.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/RunLog.h"
+#include "services/RunningSite.h"
+#include "services/clocks/ClockSchedule.h"
 #include "services/console/StopSignal.h"
 #include "services/console/StreamWriter.h"
 #include "services/console/Terminal.h"
 #include "services/control/RunControl.h"
+#include "services/pulses/PulseSupervisor.h"
 #include "site/SiteFile.h"
 #include "values/ValueStore.h"
 
@@ -109,13 +112,45 @@ bool openControl(RunControl& control, CommandTaker& commands, const RunOptions& 
     return false;
 }
 
+// What a running host does with commands: gives them to the driver one at a time, watches over pulses, sets
+// clocks. Made once the runtime has started; ends before it does.
+class Commands {
+public:
+    Commands(const Site& site, ValueStore& store, HostRuntime& runtime, RunLog& log)
+        : dispatcher(
+              site, [&runtime](int channelId, int rtuId) { return runtime.findRtu(channelId, rtuId); },
+              [&log](int channelId, int rtuId) { return log.wasLastRequestRefused(channelId, rtuId); }),
+          pulses(store, dispatcher, [&log](const std::string& message) { log.addMessage(message); }),
+          clocks(site, dispatcher, [&log](const std::string& message) { log.addMessage(message); }),
+          running{site,   store,    exchanges,
+                  pulses, messages, [&runtime, &log] { return figuresOf(runtime, log); },
+                  {}} {
+        pulses.start(running);
+        clocks.start(running);
+    }
+    ~Commands() { stop(); }
+
+    CommandTaker& taker() { return pulses; }
+    void stop() {
+        clocks.stop();
+        pulses.stop();
+        dispatcher.stop();
+    }
+
+private:
+    CommandDispatcher dispatcher;
+    PulseSupervisor pulses;
+    ClockSchedule clocks;
+    ExchangeFeed exchanges;
+    Messages messages;
+    RunningSite running;
+};
+
 ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputFormat format, Console& console) {
-    using Changes = ValueStore::Changes;
-    ValueStore store(site, format == OutputFormat::Table ? Changes::Ignore : Changes::Keep);
+    ValueStore store(site);
     RunLog log(site, options.frames);
-    CoreFanOut core(store);
-    HostRuntime runtime(site, core);
-    RunControl control(site, core, runtime, log, [&runtime, &store, &log] {
+    HostRuntime runtime(site, store);
+    RunControl control(store, runtime, log, [&runtime, &store, &log] {
         return HostFigures{runtime.channelFigures(), outcomesOf(runtime, store, log)};
     });
     const std::string fault = runtime.start(options.pluginPath);
@@ -123,11 +158,8 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
         std::cerr << "sbus-host: " << fault << '\n';
         return ExitStatus::Configuration;
     }
-    CommandService commands(
-        site, core, [&runtime](int channelId, int rtuId) { return runtime.findRtu(channelId, rtuId); },
-        [&log](int channelId, int rtuId) { return log.wasLastRequestRefused(channelId, rtuId); },
-        [&log](const std::string& message) { log.addMessage(message); });
-    if (options.takesControl && !openControl(control, commands, options, log))
+    Commands commands(site, store, runtime, log);
+    if (options.takesControl && !openControl(control, commands.taker(), options, log))
         return ExitStatus::Configuration;
     const std::unique_ptr<Output> output =
         makeOutput(format, console, "sbus-host  " + options.sitePath, store,
@@ -145,8 +177,8 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     runtime.stop();
     CLogger::GetInstance()->flush(logFlushMs);
     (isForReading(format) ? console.out : console.error).write(summaryText(outcomes, channels));
-    if (store.lostChanges() > 0)
-        console.error.write(std::to_string(store.lostChanges()) +
+    if (output->lostChanges() > 0)
+        console.error.write(std::to_string(output->lostChanges()) +
                             " changes were lost: they came faster than the output was read\n");
     if (const auto dropped = CLogger::GetInstance()->figures().dropped; dropped > 0)
         console.error.write(std::to_string(dropped) +

@@ -37,7 +37,7 @@ std::string rangesText(const std::vector<std::string>& ranges) {
 
 ElementReader::ElementReader(const ControllerLine& controllerLine,
                              const std::vector<ElementRead>& elementsToRead)
-    : line(controllerLine), site(makeReadSite(line, elementsToRead)), board(elementsToRead.size()),
+    : line(controllerLine), site(makeReadSite(line, elementsToRead)), board(site, elementsToRead.size()),
       log(site, false, [this](const RequestResult& result) { board.noteResult(result); }),
       runtime(site, board), chunks(channel().rtus.size()) {}
 

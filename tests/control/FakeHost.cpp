@@ -45,8 +45,7 @@ host::Site controlSite() {
     return {{waterworks, reservoirs}};
 }
 
-FakeHost::FakeHost(const host::Site& hostSite)
-    : store(hostSite, host::ValueStore::Changes::Keep), site(hostSite) {}
+FakeHost::FakeHost(const host::Site& hostSite) : store(hostSite), site(hostSite) {}
 
 std::string FakeHost::submit(const host::Command& command, host::CommandDone done) {
     Result end;

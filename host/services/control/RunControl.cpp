@@ -9,16 +9,12 @@
 
 namespace host {
 
-RunControl::RunControl(const Site& site, CoreFanOut& coreFanOut, HostRuntime& hostRuntime,
-                       const RunLog& runLog, Figures countFigures)
-    : core(coreFanOut), runtime(hostRuntime), log(runLog), count(std::move(countFigures)),
-      store(site, ValueStore::Changes::Keep), server(site, *this, store) {
-    core.add(store);
-}
+RunControl::RunControl(const ValueStore& values, HostRuntime& hostRuntime, const RunLog& runLog,
+                       Figures countFigures)
+    : runtime(hostRuntime), log(runLog), count(std::move(countFigures)), server(*this, values) {}
 
 RunControl::~RunControl() {
     stop();
-    core.remove(store);
 }
 
 std::string RunControl::start(CommandTaker& commandTaker, const std::string& path,

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ControlServer.h"
-#include "runtime/CoreFanOut.h"
 #include "values/ValueStore.h"
 
 #include <functional>
@@ -11,14 +10,13 @@ namespace host {
 class HostRuntime;
 class RunLog;
 
-// Opens a running site to control clients. Made before the runtime is started, so that it misses no value;
-// stopped before runtime and commands are. Site, core, runtime and log outlive it. Main thread, but for what
-// ControlledHost says.
+// Opens a running site to control clients. Stopped before runtime and commands are. Store, runtime and log
+// outlive it. Main thread, but for what ControlledHost says.
 class RunControl : private ControlledHost {
 public:
     using Figures = std::function<HostFigures()>; // any thread
 
-    RunControl(const Site& site, CoreFanOut& coreFanOut, HostRuntime& hostRuntime, const RunLog& runLog,
+    RunControl(const ValueStore& values, HostRuntime& hostRuntime, const RunLog& runLog,
                Figures countFigures);
     RunControl(const RunControl&) = delete;
     RunControl& operator=(const RunControl&) = delete;
@@ -35,12 +33,10 @@ private:
     HostFigures figures() const override;
     bool wasRefused(int channelId, int rtuId) const override;
 
-    CoreFanOut& core;
     HostRuntime& runtime;
     const RunLog& log;
     const Figures count;
     CommandTaker* taker = nullptr; // from start() on
-    ValueStore store;
     ControlServer server;
 };
 
