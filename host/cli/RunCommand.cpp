@@ -1,7 +1,7 @@
 #include "RunCommand.h"
 
 #include "RunServices.h"
-#include "commands/CommandService.h"
+#include "commands/CommandDispatcher.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/LineMessages.h"
 #include "services/console/ConsoleService.h"
@@ -79,48 +79,30 @@ ExitStatus failed(const std::string& fault) {
     return ExitStatus::Configuration;
 }
 
-void tellLosses(const ValueStore& store, Console& console) {
-    if (store.lostChanges() > 0)
-        console.error.write(std::to_string(store.lostChanges()) +
+void tellLosses(const ConsoleService& shown, Console& console) {
+    if (shown.lostChanges() > 0)
+        console.error.write(std::to_string(shown.lostChanges()) +
                             " changes were lost: they came faster than the output was read\n");
     if (const auto dropped = CLogger::GetInstance()->figures().dropped; dropped > 0)
         console.error.write(std::to_string(dropped) +
                             " log lines were lost: the log directory's disk is full, fails or is too slow\n");
 }
 
-RunningSite runningSite(const Site& site, ValueStore& store, CommandTaker& commands, Messages& messages,
-                        HostRuntime& runtime) {
-    return {
-        site,
-        store,
-        runtime.exchanges(),
-        commands,
-        messages,
-        [&runtime] {
-            return SiteFigures{runtime.channelFigures(), runtime.rtuFigures()};
-        },
-        [&runtime](int channelId, int rtuId) { return runtime.requestPoll(channelId, rtuId); },
-        [&runtime](int channelId, int rtuId) { return runtime.requestEnds().wasRefused(channelId, rtuId); }};
-}
-
 ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputFormat format, Console& console) {
     ValueStore store(site);
     Messages messages;
     LineMessages lineMessages(messages);
-    CoreFanOut core(store);
-    HostRuntime runtime(site, core, &lineMessages);
+    HostRuntime runtime(site, store, &lineMessages);
     std::string fault = runtime.prepare(options.pluginPath);
     if (!fault.empty())
         return failed(fault);
-    CommandService commands(
-        site, core, [&runtime](int channelId, int rtuId) { return runtime.findRtu(channelId, rtuId); },
+    CommandDispatcher dispatcher(
+        site, [&runtime](int channelId, int rtuId) { return runtime.findRtu(channelId, rtuId); },
         [&runtime](int channelId, int rtuId) {
             return runtime.requestEnds().wasLastRequestRefused(channelId, rtuId);
-        },
-        [&messages](const std::string& message) { messages.tell(message); });
-    RunningSite running = runningSite(site, store, commands, messages, runtime);
-    RunServices services(options, format, console);
-    fault = services.start(running);
+        });
+    RunServices services(options, format, {site, store, messages, runtime, dispatcher, console});
+    fault = services.start();
     if (!fault.empty())
         return failed(fault);
     runtime.run();
@@ -129,13 +111,13 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     // What counts is how things stood at the end of the run, not what closing the lines makes of it.
     store.freeze();
     services.stop();
-    commands.stop();
+    dispatcher.stop();
     const std::vector<RtuOutcome> outcomes = collectOutcomes(runtime.rtuFigures(), store);
     const std::vector<ChannelFigures> channels = runtime.channelFigures();
     runtime.stop();
     CLogger::GetInstance()->flush(logFlushMs);
     (isForReading(format) ? console.out : console.error).write(summaryText(outcomes, channels));
-    tellLosses(store, console);
+    tellLosses(services.console(), console);
     return judge(outcomes);
 }
 

@@ -1,15 +1,43 @@
 #include "RunServices.h"
 
+#include "commands/CommandDispatcher.h"
 #include "services/capture/CaptureService.h"
+#include "services/clocks/ClockSchedule.h"
 #include "services/console/ConsoleService.h"
 #include "services/console/StreamWriter.h"
 #include "services/control/ControlSocket.h"
+#include "services/pulses/PulseSupervisor.h"
 
 namespace host {
 
-RunServices::RunServices(const RunOptions& options, OutputFormat format, Console& console) {
-    auto shown =
-        std::make_unique<ConsoleService>(console, format, "sbus-host  " + options.sitePath, options.frames);
+namespace {
+
+RunningSite runningSiteOf(const RunServices::Host& host, CommandTaker& commands) {
+    HostRuntime& runtime = host.runtime;
+    return {
+        host.site,
+        host.values,
+        runtime.exchanges(),
+        commands,
+        host.messages,
+        [&runtime] {
+            return SiteFigures{runtime.channelFigures(), runtime.rtuFigures()};
+        },
+        [&runtime](int channelId, int rtuId) { return runtime.requestPoll(channelId, rtuId); },
+        [&runtime](int channelId, int rtuId) { return runtime.requestEnds().wasRefused(channelId, rtuId); }};
+}
+
+} // namespace
+
+// Commands pass the pulses' supervisor on their way to the dispatcher.
+RunServices::RunServices(const RunOptions& options, OutputFormat format, const Host& host) {
+    const auto tell = [&messages = host.messages](const std::string& message) { messages.tell(message); };
+    auto pulses = std::make_unique<PulseSupervisor>(host.values, host.dispatcher, tell);
+    runningSite = std::make_unique<RunningSite>(runningSiteOf(host, *pulses));
+    services.push_back(std::move(pulses));
+    services.push_back(std::make_unique<ClockSchedule>(host.site, host.dispatcher, tell));
+    auto shown = std::make_unique<ConsoleService>(host.console, format, "sbus-host  " + options.sitePath,
+                                                  options.frames);
     consoleService = shown.get();
     services.push_back(std::move(shown));
     if (options.capture)
@@ -22,9 +50,9 @@ RunServices::~RunServices() {
     stop();
 }
 
-std::string RunServices::start(RunningSite& site) {
+std::string RunServices::start() {
     for (const std::unique_ptr<Service>& service : services) {
-        std::string fault = service->start(site);
+        std::string fault = service->start(*runningSite);
         if (!fault.empty()) {
             stop();
             return fault;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "RunCommand.h"
+#include "services/RunningSite.h"
 #include "services/Service.h"
 
 #include <memory>
@@ -9,6 +10,7 @@
 
 namespace host {
 
+class CommandDispatcher;
 class ConsoleService;
 struct Console;
 
@@ -16,13 +18,23 @@ struct Console;
 // entered in. Main thread.
 class RunServices {
 public:
-    RunServices(const RunOptions& options, OutputFormat format, Console& console);
+    // What they work on: prepared, and outliving them. The dispatcher is stopped before they are destroyed.
+    struct Host {
+        const Site& site;
+        ValueStore& values;
+        Messages& messages;
+        HostRuntime& runtime;
+        CommandDispatcher& dispatcher;
+        Console& console;
+    };
+
+    RunServices(const RunOptions& options, OutputFormat format, const Host& host);
     RunServices(const RunServices&) = delete;
     RunServices& operator=(const RunServices&) = delete;
     ~RunServices();
 
     // Starts all, in their order. Empty, or why one of them cannot; then all are stopped.
-    std::string start(RunningSite& site);
+    std::string start();
     // Stops all, the last one first.
     void stop();
 
@@ -31,6 +43,7 @@ public:
 private:
     std::vector<std::unique_ptr<Service>> services;
     const ConsoleService* consoleService = nullptr; // one of them
+    std::unique_ptr<RunningSite> runningSite;       // what they see
 };
 
 } // namespace host

@@ -124,7 +124,7 @@ void appendWrite(std::vector<WordWrite>& writes, const Rtu& rtu, unsigned id, do
     if (point->isFloat && value == 0)
         writes.push_back({integerTwinOf(rtu, *point), point->address, false, 0});
     else
-        writes.push_back({id, point->address, point->isFloat, value});
+        writes.push_back({numberOf(rtu, *point), point->address, point->isFloat, value});
 }
 
 } // namespace
@@ -142,6 +142,8 @@ std::string refusalOf(const Channel& channel, const Rtu& rtu, const CommandActio
 }
 
 std::vector<CommandAction> planDriverCalls(const Rtu& rtu, const CommandAction& action) {
+    if (const auto* const switching = std::get_if<SwitchPoint>(&action))
+        return {SwitchPoint{numberOf(rtu, *findPoint(rtu, switching->point)), switching->on}};
     std::vector<WordWrite> writes;
     if (const auto* const one = std::get_if<SetPoint>(&action))
         appendWrite(writes, rtu, one->point, one->value);

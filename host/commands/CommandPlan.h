@@ -14,7 +14,8 @@ namespace host {
 std::string refusalOf(const Channel& channel, const Rtu& rtu, const CommandAction& action);
 
 // The driver's commands that carry out an action which is not refused, in their order: one for each, but for
-// a list of set points, which is cut so that every value lands at its own element.
+// a list of set points, which is cut so that every value lands at its own element. Points are named by their
+// numbers in the driver's records.
 std::vector<CommandAction> planDriverCalls(const Rtu& rtu, const CommandAction& action);
 
 // Null when there is none.

@@ -38,7 +38,7 @@ std::string rangesText(const std::vector<std::string>& ranges) {
 
 ElementReader::ElementReader(const ControllerLine& controllerLine,
                              const std::vector<ElementRead>& elementsToRead)
-    : line(controllerLine), site(makeReadSite(line, elementsToRead)), board(elementsToRead.size()),
+    : line(controllerLine), site(makeReadSite(line, elementsToRead)), board(site, elementsToRead.size()),
       runtime(site, board, &board), chunks(channel().rtus.size()) {}
 
 ElementReader::~ElementReader() {

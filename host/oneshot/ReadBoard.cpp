@@ -6,7 +6,7 @@
 
 namespace host {
 
-ReadBoard::ReadBoard(std::size_t elements) : board(elements) {}
+ReadBoard::ReadBoard(const Site& readSite, std::size_t elements) : site(readSite), board(elements) {}
 
 void ReadBoard::begin() {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -17,13 +17,15 @@ void ReadBoard::begin() {
     hasNews = false;
 }
 
-void ReadBoard::publishPoints(int, int, const QVector<PointUpdate>& updates) {
+// A number is the point's position in its RTU; the point's id is the place of its element.
+void ReadBoard::publishPoints(int, int rtuId, const QVector<PointUpdate>& updates) {
+    const std::vector<Point>& points = site.channels.front().rtus[static_cast<std::size_t>(rtuId) - 1].points;
     const qint64 nowMs = QDateTime::currentMSecsSinceEpoch();
     const std::lock_guard<std::mutex> lock(mutex);
     for (const PointUpdate& one : updates) {
-        if (one.quality != PointQuality::Good || one.number >= board.size())
+        if (one.quality != PointQuality::Good || one.number >= points.size())
             continue;
-        Reading& reading = board[one.number];
+        Reading& reading = board[points[one.number].id];
         elementsRead += reading.isRead ? 0 : 1;
         reading = {one.value, one.stamp.isNull() ? nowMs : one.stamp.toMSecsSinceEpoch(), true};
     }

@@ -18,12 +18,13 @@ struct Reading {
     bool isRead = false;
 };
 
-// Where the values and the results of one reading arrive, made of a site of makeReadSite: a point's number is
-// its element's place. A value that has been read stays so until begin(): that its RTU asks once more, or its
-// line breaks off behind it, takes nothing back. Any thread.
+// Where the values and the results of one reading arrive, by the places of its elements. A value that has
+// been read stays so until begin(): that its RTU asks once more, or its line breaks off behind it, takes
+// nothing back. Any thread.
 class ReadBoard : public HalvexDriverCoreInterface, public LineListener {
 public:
-    explicit ReadBoard(std::size_t elements);
+    // A site of makeReadSite, which outlives it.
+    ReadBoard(const Site& readSite, std::size_t elements);
 
     // A new reading: nothing is read yet, and no result is there.
     void begin();
@@ -45,6 +46,8 @@ public:
     bool isRead(std::size_t element) const;
 
 private:
+    const Site& site;
+
     mutable std::mutex mutex; // guards what follows
     std::condition_variable news;
     bool hasNews = false;

@@ -25,8 +25,8 @@ std::string lineInUseHint(const ControllerLine& line);
 constexpr int oneShotChannelId = 1;
 
 // One RTU for each telegram that reading `elements` takes, all of the same station, so that each telegram has
-// a result of its own and one that is refused takes no other with it. Ids from 1 on. The id of a point is the
-// place of its element in `elements`.
+// a result of its own and one that is refused takes no other with it. RTU ids from 1 on without gaps. The id
+// of a point is the place of its element in `elements`.
 Site makeReadSite(const ControllerLine& line, const std::vector<ElementRead>& elements);
 // "R10..20", what an RTU of such a site reads.
 std::string elementsText(const Rtu& rtu);

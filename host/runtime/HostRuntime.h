@@ -100,9 +100,10 @@ private:
     std::vector<RunningChannel> channels;
 };
 
-// The host's records for the driver.
+// The host's records for the driver. The number of a point in them is its position in its RTU, from 0 on.
 RemoteTerminalUnit makeRtuRecord(const Rtu& rtu);
 void addPoints(CRtu& target, const Rtu& rtu);
+unsigned numberOf(const Rtu& rtu, const Point& point);
 // The number of the hidden integer point that stands beside each float point of `rtu`, at the same register.
 unsigned integerTwinOf(const Rtu& rtu, const Point& floatPoint);
 std::unique_ptr<CLink> makeLink(const LinkEnd& end);

@@ -1,7 +1,6 @@
 #include "HostRuntime.h"
 
 #include "plan/ReadPlan.h"
-#include "values/ValueStore.h"
 
 #include <HalvexDriverComponent/CRtu.h>
 #include <HalvexDriverComponent/Halvex.h>
@@ -28,9 +27,9 @@ QString text(const std::optional<unsigned>& value) {
     return value ? text(*value) : QString();
 }
 
-StatusPoint statusPoint(const Point& point) {
+StatusPoint statusPoint(const Point& point, unsigned number) {
     StatusPoint record;
-    record.number = point.id;
+    record.number = number;
     record.name = text(point.name);
     if (point.isPolled)
         record.firstAddress = text(point.address);
@@ -48,10 +47,10 @@ StatusPoint statusPoint(const Point& point) {
     return record;
 }
 
-AnalogPoint analogPoint(const Point& point) {
+AnalogPoint analogPoint(const Point& point, unsigned number) {
     using Halvex::PointDataType;
     AnalogPoint record;
-    record.number = point.id;
+    record.number = number;
     record.name = text(point.name);
     record.dataType = static_cast<unsigned>(point.isFloat ? PointDataType::Float : PointDataType::Integer);
     record.address = text(point.address);
@@ -60,14 +59,13 @@ AnalogPoint analogPoint(const Point& point) {
 
 void addHiddenPoint(CPointList& list, unsigned number, const ElementAddress& address) {
     Point point;
-    point.id = number;
     point.address = address;
     if (isBitMedia(address.media)) {
-        StatusPoint record = statusPoint(point);
+        StatusPoint record = statusPoint(point, number);
         record.firstOutputAddress.clear();
         list.AddStatusPoint(record);
     } else {
-        list.AddAnalogPoint(analogPoint(point));
+        list.AddAnalogPoint(analogPoint(point, number));
     }
 }
 
@@ -107,9 +105,9 @@ void addPoints(CRtu& target, const Rtu& rtu) {
     CPointList& list = *target.GetPointList();
     for (const Point& point : rtu.points) {
         if (point.kind == PointKind::Status)
-            list.AddStatusPoint(statusPoint(point));
+            list.AddStatusPoint(statusPoint(point, numberOf(rtu, point)));
         else
-            list.AddAnalogPoint(analogPoint(point));
+            list.AddAnalogPoint(analogPoint(point, numberOf(rtu, point)));
     }
     unsigned number = firstHiddenNumber;
     for (const ElementAddress& address : planReads(rtu).hidden)
@@ -122,7 +120,11 @@ void addPoints(CRtu& target, const Rtu& rtu) {
 unsigned integerTwinOf(const Rtu& rtu, const Point& floatPoint) {
     // Far behind the hidden points that complete runs: there are not more of those than elements.
     constexpr unsigned firstTwin = firstHiddenNumber + 0x4000'0000;
-    return firstTwin + static_cast<unsigned>(&floatPoint - rtu.points.data());
+    return firstTwin + numberOf(rtu, floatPoint);
+}
+
+unsigned numberOf(const Rtu& rtu, const Point& point) {
+    return static_cast<unsigned>(&point - rtu.points.data());
 }
 
 std::unique_ptr<CLink> makeLink(const LinkEnd& end) {

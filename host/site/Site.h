@@ -12,7 +12,8 @@
 // What a site file describes, checked and in its plain form: lines, controllers, points.
 namespace host {
 
-// Numbers from here on belong to hidden points, which are read but never shown.
+// Ids from here on are not for points of the file: numbers of hidden points, which are read but never shown,
+// begin here.
 constexpr unsigned firstHiddenNumber = 0x8000'0000;
 
 enum class PointKind { Status, Analog };

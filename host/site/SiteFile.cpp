@@ -1,6 +1,6 @@
 #include "SiteFile.h"
 
-#include "PointTable.h"
+#include "PointTableFile.h"
 #include "SiteChecks.h"
 #include "TomlTable.h"
 

@@ -2,6 +2,7 @@
 
 #include "ValueText.h"
 
+#include <charconv>
 #include <cmath>
 
 namespace host {
@@ -10,58 +11,164 @@ const char* const changeCsvHeader = "time,channel,rtu,id,name,address,value,qual
 
 namespace {
 
-std::string jsonEscape(unsigned char control) {
-    const char* const digits = "0123456789abcdef";
-    return std::string("\\u00") + digits[control >> 4] + digits[control & 0xF];
+void appendNumber(std::string& text, unsigned number) {
+    char digits[10]; // as many as the highest number has
+    text.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
 }
 
-std::string csvText(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string quoted = "\"";
-    for (const char character : text)
-        quoted += character == '"' ? std::string("\"\"") : std::string(1, character);
-    return quoted + '"';
+void appendAddress(std::string& text, const ElementAddress& address) {
+    text += address.media;
+    appendNumber(text, address.number);
 }
+
+void appendJsonText(std::string& text, const std::string& utf8) {
+    const char* const digits = "0123456789abcdef";
+    text += '"';
+    for (const char character : utf8) {
+        const auto code = static_cast<unsigned char>(character);
+        if (code >= 0x20) {
+            if (character == '"' || character == '\\')
+                text += '\\';
+            text += character;
+        } else {
+            text += "\\u00";
+            text += digits[code >> 4];
+            text += digits[code & 0xF];
+        }
+    }
+    text += '"';
+}
+
+void appendCsvText(std::string& text, const std::string& cell) {
+    if (cell.find_first_of(",\"\r\n") == std::string::npos) {
+        text += cell;
+        return;
+    }
+    text += '"';
+    for (const char character : cell)
+        text.append(character == '"' ? 2 : 1, character);
+    text += '"';
+}
+
+// What the texts of all points of an RTU have in common, made anew only where another RTU follows.
+class RtuPart {
+public:
+    template <typename Make>
+    const std::string& of(const PointRef& ref, Make make) {
+        if (rtu != ref.rtu) {
+            rtu = ref.rtu;
+            text.clear();
+            make(text);
+        }
+        return text;
+    }
+
+private:
+    const Rtu* rtu = nullptr;
+    std::string text;
+};
+
+class LineText : public ChangeText {
+public:
+    void append(std::string& text, const PointRef& ref, const PointState& state) override {
+        text += time.of(state.changeTimeMs);
+        text += "  ";
+        text += ref.rtu->name;
+        text += '/';
+        text += ref.point->name;
+        text += " (";
+        appendAddress(text, ref.point->address);
+        text += ')';
+        if (state.hasValue()) {
+            text += " = ";
+            appendValue(text, *ref.point, state.value);
+        }
+        text += "  ";
+        text += toText(state.quality);
+    }
+
+private:
+    TimeText time{localTimeText};
+};
+
+class JsonText : public ChangeText {
+public:
+    void append(std::string& text, const PointRef& ref, const PointState& state) override {
+        text += "{\"time\":\"";
+        text += time.of(state.changeTimeMs);
+        text += rtuPart.of(ref, [&ref](std::string& part) {
+            part += "\",\"channel\":";
+            appendJsonText(part, ref.channel->name);
+            part += ",\"rtu\":";
+            appendJsonText(part, ref.rtu->name);
+            part += ",\"id\":";
+        });
+        appendNumber(text, ref.point->id);
+        text += ",\"name\":";
+        appendJsonText(text, ref.point->name);
+        text += ",\"address\":\"";
+        appendAddress(text, ref.point->address);
+        text += "\",\"value\":";
+        if (state.hasValue() && std::isfinite(state.value)) // JSON knows no infinity
+            appendValue(text, *ref.point, state.value);
+        else
+            text += "null";
+        text += ",\"quality\":\"";
+        text += toText(state.quality);
+        text += "\"}";
+    }
+
+private:
+    TimeText time{utcTimeText};
+    RtuPart rtuPart;
+};
+
+class CsvText : public ChangeText {
+public:
+    void append(std::string& text, const PointRef& ref, const PointState& state) override {
+        text += time.of(state.changeTimeMs);
+        text += rtuPart.of(ref, [&ref](std::string& part) {
+            part += ',';
+            appendCsvText(part, ref.channel->name);
+            part += ',';
+            appendCsvText(part, ref.rtu->name);
+            part += ',';
+        });
+        appendNumber(text, ref.point->id);
+        text += ',';
+        appendCsvText(text, ref.point->name);
+        text += ',';
+        appendAddress(text, ref.point->address);
+        text += ',';
+        if (state.hasValue())
+            appendValue(text, *ref.point, state.value);
+        text += ',';
+        text += toText(state.quality);
+    }
+
+private:
+    TimeText time{utcTimeText};
+    RtuPart rtuPart;
+};
 
 } // namespace
 
+std::unique_ptr<ChangeText> makeLineText() {
+    return std::make_unique<LineText>();
+}
+
+std::unique_ptr<ChangeText> makeJsonText() {
+    return std::make_unique<JsonText>();
+}
+
+std::unique_ptr<ChangeText> makeCsvText() {
+    return std::make_unique<CsvText>();
+}
+
 std::string jsonText(const std::string& utf8) {
-    std::string text = "\"";
-    for (const char character : utf8) {
-        if (character == '"' || character == '\\')
-            text += std::string("\\") + character;
-        else if (static_cast<unsigned char>(character) < 0x20)
-            text += jsonEscape(static_cast<unsigned char>(character));
-        else
-            text += character;
-    }
-    return text + '"';
-}
-
-std::string changeAsLine(const PointRef& ref, const PointState& state) {
-    std::string line = localTimeText(state.changeTimeMs) + "  " + ref.rtu->name + "/" + ref.point->name +
-                       " (" + toText(ref.point->address) + ")";
-    if (state.hasValue())
-        line += " = " + valueText(*ref.point, state.value);
-    return line + "  " + toText(state.quality);
-}
-
-std::string changeAsJson(const PointRef& ref, const PointState& state) {
-    const bool isNumber = state.hasValue() && std::isfinite(state.value); // JSON knows no infinity
-    return "{\"time\":" + jsonText(utcTimeText(state.changeTimeMs)) +
-           ",\"channel\":" + jsonText(ref.channel->name) + ",\"rtu\":" + jsonText(ref.rtu->name) +
-           ",\"id\":" + std::to_string(ref.point->id) + ",\"name\":" + jsonText(ref.point->name) +
-           ",\"address\":" + jsonText(toText(ref.point->address)) +
-           ",\"value\":" + (isNumber ? valueText(*ref.point, state.value) : "null") +
-           ",\"quality\":" + jsonText(toText(state.quality)) + "}";
-}
-
-std::string changeAsCsv(const PointRef& ref, const PointState& state) {
-    return utcTimeText(state.changeTimeMs) + ',' + csvText(ref.channel->name) + ',' + csvText(ref.rtu->name) +
-           ',' + std::to_string(ref.point->id) + ',' + csvText(ref.point->name) + ',' +
-           toText(ref.point->address) + ',' + (state.hasValue() ? valueText(*ref.point, state.value) : "") +
-           ',' + toText(state.quality);
+    std::string text;
+    appendJsonText(text, utf8);
+    return text;
 }
 
 } // namespace host

@@ -2,61 +2,50 @@
 
 #include <QDateTime>
 
+#include <algorithm>
+
 namespace host {
 
-namespace {
-
-// What waits for a slow reader of the output at most; beyond, the oldest changes make room.
-constexpr std::size_t mostPendingChanges = 200'000;
-
-} // namespace
-
-ValueStore::ValueStore(const Site& site, Changes keptChanges) : changes(keptChanges) {
-    for (const Channel& channel : site.channels)
-        for (const Rtu& rtu : channel.rtus)
-            for (const Point& point : rtu.points) {
-                indexOf.emplace(Key{channel.id, rtu.id, point.id}, refs.size());
-                refs.push_back({&channel, &rtu, &point});
-            }
-    current.resize(refs.size());
+ValueStore::ValueStore(const Site& site, std::size_t keptChanges)
+    : table(site), capacity(keptChanges), states(table.size()) {
+    ring.reserve(capacity); // address space; memory only as far as it is filled
 }
 
 void ValueStore::publishPoints(int channelId, int rtuId, const QVector<PointUpdate>& updates) {
+    const PointTable::Block* const block = table.find(channelId, rtuId);
+    if (block == nullptr)
+        return;
     const qint64 nowMs = QDateTime::currentMSecsSinceEpoch();
     const std::lock_guard<std::mutex> lock(mutex);
     if (frozen)
         return;
-    for (const PointUpdate& one : updates) {
-        const auto found = indexOf.find(Key{channelId, rtuId, one.number});
-        if (found != indexOf.end()) // hidden points are not there
-            update(found->second, one, nowMs);
-    }
+    for (const PointUpdate& one : updates)
+        if (one.number < block->count)
+            update(block->first + one.number, one, nowMs);
 }
 
-void ValueStore::publishRtuStatus(int, int, const RtuStatus&) {}
-
-void ValueStore::publishChannelStatus(int, const ChannelStatus&) {}
-
-void ValueStore::update(std::size_t index, const PointUpdate& update, qint64 nowMs) {
-    PointState& state = current[index];
-    const bool qualityChanged = state.quality != update.quality;
-    const bool valueChanged = update.quality == PointQuality::Good && state.value != update.value;
-    if (update.quality == PointQuality::Good) {
+void ValueStore::update(PointIndex index, const PointUpdate& update, qint64 nowMs) {
+    PointState& state = states[index];
+    const bool isGood = update.quality == PointQuality::Good;
+    const bool isChange = state.quality != update.quality || (isGood && state.value != update.value);
+    if (isGood) {
         state.value = update.value;
         state.valueTimeMs = update.stamp.isNull() ? nowMs : update.stamp.toMSecsSinceEpoch();
+        ++state.readings;
     }
-    if (!qualityChanged && !valueChanged)
+    if (!isChange)
         return;
     state.quality = update.quality;
-    state.changeTimeMs = update.quality == PointQuality::Good ? state.valueTimeMs : nowMs;
-    if (changes == Changes::Ignore)
-        return;
-    if (pending.size() >= mostPendingChanges) {
-        constexpr std::size_t batch = mostPendingChanges / 4; // not one by one: each removal moves the rest
-        pending.erase(pending.begin(), pending.begin() + batch);
-        lost += batch;
-    }
-    pending.push_back({index, state});
+    state.changeTimeMs = isGood ? state.valueTimeMs : nowMs;
+    keepChange(index, state);
+}
+
+void ValueStore::keepChange(PointIndex index, const PointState& state) {
+    if (ring.size() < capacity)
+        ring.push_back({index, state});
+    else
+        ring[changes & (capacity - 1)] = {index, state};
+    ++changes;
 }
 
 void ValueStore::freeze() {
@@ -64,21 +53,34 @@ void ValueStore::freeze() {
     frozen = true;
 }
 
-std::vector<PointState> ValueStore::states() const {
+PointState ValueStore::state(PointIndex index) const {
     const std::lock_guard<std::mutex> lock(mutex);
-    return current;
+    return states[index];
 }
 
-std::vector<PointChange> ValueStore::takeChanges() {
+std::uint64_t ValueStore::copyStates(PointIndex first, std::size_t count,
+                                     std::vector<PointState>& into) const {
+    const std::size_t copied = std::min({count, mostAtOnce, table.size() - first});
+    into.resize(copied);
     const std::lock_guard<std::mutex> lock(mutex);
-    std::vector<PointChange> taken;
-    taken.swap(pending);
-    return taken;
+    std::copy_n(states.begin() + first, copied, into.begin());
+    return changes;
 }
 
-std::size_t ValueStore::lostChanges() const {
+std::uint64_t ValueStore::changeCount() const {
     const std::lock_guard<std::mutex> lock(mutex);
-    return lost;
+    return changes;
+}
+
+std::uint64_t ValueStore::appendChanges(std::uint64_t from, std::size_t most,
+                                        std::vector<PointChange>& into) const {
+    into.reserve(into.size() + most); // not under the lock
+    const std::lock_guard<std::mutex> lock(mutex);
+    const std::uint64_t first = std::max(from, changes - ring.size());
+    const std::uint64_t end = std::min<std::uint64_t>(changes, first + most);
+    for (std::uint64_t number = first; number < end; ++number)
+        into.push_back(ring[number & (capacity - 1)]);
+    return first;
 }
 
 } // namespace host

@@ -1,7 +1,5 @@
 #include "ValueText.h"
 
-#include <QDateTime>
-
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -11,20 +9,28 @@ namespace host {
 namespace {
 
 template <typename Number>
-std::string shortestText(Number number) {
+void appendShortest(std::string& text, Number number) {
     char buffer[64]; // the longest double takes 24
     const auto [end, failure] = std::to_chars(buffer, buffer + sizeof buffer, number);
-    return failure == std::errc() ? std::string(buffer, end) : std::string("?");
+    text.append(buffer, failure == std::errc() ? end : buffer);
 }
 
 } // namespace
 
-std::string valueText(const Point& point, double value) {
+void appendValue(std::string& text, const Point& point, double value) {
     constexpr double exactIntegers = 9007199254740992.0; // 2 to the power 53: whole numbers below are exact
     if (std::trunc(value) == value && std::fabs(value) < exactIntegers)
-        return std::to_string(static_cast<long long>(value));
-    // A float register holds no more than single precision.
-    return point.isFloat ? shortestText(static_cast<float>(value)) : shortestText(value);
+        appendShortest(text, static_cast<long long>(value));
+    else if (point.isFloat) // its register holds no more than single precision
+        appendShortest(text, static_cast<float>(value));
+    else
+        appendShortest(text, value);
+}
+
+std::string valueText(const Point& point, double value) {
+    std::string text;
+    appendValue(text, point, value);
+    return text;
 }
 
 const char* toText(PointQuality quality) {
@@ -37,15 +43,6 @@ const char* toText(PointQuality quality) {
         break;
     }
     return "never read";
-}
-
-std::string utcTimeText(qint64 milliseconds) {
-    return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC).toString(Qt::ISODateWithMs).toStdString();
-}
-
-std::string localTimeText(qint64 milliseconds) {
-    const QString format = QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz");
-    return QDateTime::fromMSecsSinceEpoch(milliseconds).toString(format).toStdString();
 }
 
 std::string millisecondsText(std::chrono::microseconds duration) {

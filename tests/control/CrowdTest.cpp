@@ -17,7 +17,7 @@ TEST(Crowd, OfAThousandIsServedThoughHalfOfItIsSilentOrSendsRubbish) {
     const std::string path = folder.filePath(QStringLiteral("control.sock")).toStdString();
     const host::Site site = controlSite();
     FakeHost fake(site);
-    host::ControlServer server(site, fake, fake.store);
+    host::ControlServer server(fake, fake.store);
     ASSERT_EQ(server.start(path), "");
 
     Crowd crowd(path, 1'000);

@@ -45,8 +45,7 @@ host::Site controlSite() {
     return {{waterworks, reservoirs}};
 }
 
-FakeHost::FakeHost(const host::Site& hostSite)
-    : store(hostSite, host::ValueStore::Changes::Keep), site(hostSite) {}
+FakeHost::FakeHost(const host::Site& hostSite) : store(hostSite), fakeSite(hostSite) {}
 
 std::string FakeHost::submit(const host::Command& command, host::CommandDone done) {
     Result end;
@@ -79,7 +78,7 @@ host::HostFigures FakeHost::siteFigures() const {
     }
     host::HostFigures figures;
     std::vector<host::RtuFigures> rtus;
-    for (const host::Channel& channel : site.channels) {
+    for (const host::Channel& channel : fakeSite.channels) {
         figures.channels.push_back({&channel, {}});
         figures.channels.back().status.connected = true;
         for (const host::Rtu& rtu : channel.rtus) {

@@ -23,6 +23,7 @@ public:
     Result requestPoll(int channelId, int rtuId) override;
     host::HostFigures siteFigures() const override;
     bool wasRefused(int channelId, int rtuId) const override;
+    const host::Site& site() const override { return fakeSite; }
     host::ExchangeFeed& exchanges() override { return feed; }
 
     // What the next commands and polls come to.
@@ -42,7 +43,7 @@ public:
     host::ExchangeFeed feed;
 
 private:
-    const host::Site& site;
+    const host::Site& fakeSite;
     mutable std::mutex mutex;
     std::condition_variable given;
     Result result = Result::Success;

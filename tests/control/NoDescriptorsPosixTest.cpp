@@ -74,7 +74,7 @@ TEST(ServerWithoutDescriptors, ListensAgainOnceThereAreSome) {
     const std::string path = folder.filePath(QStringLiteral("control.sock")).toStdString();
     const host::Site site = controlSite();
     FakeHost fake(site);
-    host::ControlServer server(site, fake, fake.store);
+    host::ControlServer server(fake, fake.store);
     ASSERT_EQ(server.start(path, 100), "");
 
     const LowDescriptorLimit low(256);

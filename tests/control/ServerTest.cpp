@@ -47,7 +47,7 @@ protected:
 
     void publish(double value) {
         PointUpdate update;
-        update.number = 3;
+        update.number = 2; // LEVEL
         update.value = value;
         update.quality = PointQuality::Good;
         fake.store.publishPoints(4, 7, {update});
@@ -57,7 +57,7 @@ protected:
     const std::string path = folder.filePath(QStringLiteral("control.sock")).toStdString();
     const Site site = controlSite();
     FakeHost fake{site};
-    ControlServer server{site, fake, fake.store};
+    ControlServer server{fake, fake.store};
 };
 
 const QByteArray writeRun = R"({"id":1,"do":"write","values":[{"point":"hill/RUN","value":1}]})";
@@ -174,7 +174,7 @@ TEST_F(Server, ReplacesTheSocketOfAKilledHost) {
 
 TEST_F(Server, LeavesTheSocketOfALivingHostAlone) {
     ASSERT_EQ(server.start(path), "");
-    ControlServer second(site, fake, fake.store);
+    ControlServer second(fake, fake.store);
     EXPECT_THAT(second.start(path), HasSubstr("belongs to another sbus-host"));
     EXPECT_THAT(ask(R"({"do":"status"})"), HasSubstr("channels"));
 }
@@ -205,7 +205,7 @@ TEST_F(Server, LeavesNoSocketBehind) {
     server.stop();
     EXPECT_FALSE(QFile::exists(QString::fromStdString(path)));
     EXPECT_FALSE(QFile::exists(QString::fromStdString(path + ".lock")));
-    ControlServer next(site, fake, fake.store);
+    ControlServer next(fake, fake.store);
     EXPECT_EQ(next.start(path), "");
 }
 

@@ -33,10 +33,10 @@ protected:
         return lines.empty() ? "" : lines[0];
     }
 
-    void publish(int channelId, int rtuId, unsigned number, double value,
+    void publish(int channelId, int rtuId, unsigned id, double value,
                  PointQuality quality = PointQuality::Good) {
         PointUpdate update;
-        update.number = number;
+        update.number = id - 1; // ids go from 1 on without gaps here
         update.value = value;
         update.stamp = CMidTime(QDateTime::fromMSecsSinceEpoch(1'000'000'000'000, Qt::UTC), 0);
         update.quality = quality;
@@ -55,7 +55,6 @@ protected:
     int woken = 0;
     ControlService::Clock::time_point time;
     ControlService service{
-        site,
         fake,
         fake.store,
         {[this](ClientId client, const QByteArray& line) { sent[client].push_back(line.toStdString()); },
@@ -306,7 +305,7 @@ TEST(ServiceEnd, CommandsMayEndAfterTheServiceIsGone) {
     int woken = 0;
     {
         ControlService service(
-            site, fake, fake.store,
+            fake, fake.store,
             {[](ClientId, const QByteArray&) {}, [](ClientId) { return true; }, [&woken] { ++woken; }, {}});
         service.handleLine(1, writeRun);
     }

@@ -13,7 +13,8 @@ namespace {
 class Names : public testing::Test {
 protected:
     const host::Site site = controlSite();
-    const SiteNames names{site};
+    const host::PointTable points{site};
+    const SiteNames names{points};
 };
 
 } // namespace

@@ -71,10 +71,12 @@ void CommandedPlant::start() {
 }
 
 bool CommandedPlant::reads(unsigned point, double value) const {
-    const std::vector<host::PointRef>& refs = running.values().points();
-    for (std::size_t i = 0; i < refs.size(); ++i)
-        if (refs[i].point->id == point)
-            return running.values().states()[i].quality == PointQuality::Good &&
-                   running.values().states()[i].value == value;
+    const host::PointTable& points = running.values().points();
+    for (host::PointIndex i = 0; i < points.size(); ++i) {
+        if (points.at(i).point->id != point)
+            continue;
+        const host::PointState state = running.values().state(i);
+        return state.quality == PointQuality::Good && state.value == value;
+    }
     return false;
 }

@@ -14,18 +14,36 @@ void RunningSite::start(const std::string& pluginFile) {
     core.add(*store);
     runtime = std::make_unique<host::HostRuntime>(description, core, nullptr, makeLink);
     ASSERT_EQ(runtime->start(pluginFile), "");
-    service = std::make_unique<host::CommandService>(
-        description, core, [this](int channel, int id) { return runtime->findRtu(channel, id); },
-        [this](int channel, int id) { return runtime->requestEnds().wasLastRequestRefused(channel, id); },
-        [this](const std::string& text) {
-            const std::lock_guard<std::mutex> lock(mutex);
-            told.push_back(text);
-        });
+    dispatcher = std::make_unique<host::CommandDispatcher>(
+        description, [this](int channel, int id) { return runtime->findRtu(channel, id); },
+        [this](int channel, int id) { return runtime->requestEnds().wasLastRequestRefused(channel, id); });
+    const auto tell = [this](const std::string& text) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        told.push_back(text);
+    };
+    pulses = std::make_unique<host::PulseSupervisor>(*store, *dispatcher, tell);
+    clocks = std::make_unique<host::ClockSchedule>(description, *dispatcher, tell);
+    services = std::make_unique<host::RunningSite>(
+        host::RunningSite{description,
+                          *store,
+                          runtime->exchanges(),
+                          *pulses,
+                          unused,
+                          [this] {
+                              return host::SiteFigures{runtime->channelFigures(), runtime->rtuFigures()};
+                          },
+                          {},
+                          {}});
+    pulses->start(*services);
+    clocks->start(*services);
 }
 
 void RunningSite::stop() {
-    if (service)
-        service->stop();
+    if (dispatcher) {
+        clocks->stop();
+        pulses->stop();
+        dispatcher->stop();
+    }
     if (runtime)
         runtime->stop();
 }

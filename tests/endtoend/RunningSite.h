@@ -1,7 +1,11 @@
 #pragma once
 
-#include "commands/CommandService.h"
+#include "CoreFanOut.h"
+#include "commands/CommandDispatcher.h"
 #include "runtime/HostRuntime.h"
+#include "services/RunningSite.h"
+#include "services/clocks/ClockSchedule.h"
+#include "services/pulses/PulseSupervisor.h"
 #include "values/ValueStore.h"
 
 #include <HalvexDriverLink/CLink.h>
@@ -32,7 +36,7 @@ public:
     void stop();
 
     host::HostRuntime& hostRuntime() { return *runtime; }
-    host::CommandTaker& commands() { return *service; }
+    host::CommandTaker& commands() { return *pulses; }
     Halvex::DriverErrorResult carryOut(const host::Command& command);
     // Whether every RTU has answered at least once.
     bool haveAllAnswered() const;
@@ -44,8 +48,12 @@ private:
     mutable std::mutex mutex; // guards the messages
     std::vector<std::string> told;
     std::unique_ptr<host::ValueStore> store;
-    host::CoreFanOut core;
+    CoreFanOut core;
+    host::Messages unused;
     host::HostRuntime::LinkFactory makeLink = host::makeLink;
     std::unique_ptr<host::HostRuntime> runtime;
-    std::unique_ptr<host::CommandService> service;
+    std::unique_ptr<host::PulseSupervisor> pulses;
+    std::unique_ptr<host::ClockSchedule> clocks;
+    std::unique_ptr<host::CommandDispatcher> dispatcher; // before the two that it tells results
+    std::unique_ptr<host::RunningSite> services;
 };

@@ -26,6 +26,13 @@ protected:
 
     static PointState good(double value) { return {value, readAt, readAt, PointQuality::Good}; }
 
+    static std::string written(const std::unique_ptr<host::ChangeText>& changeText, const PointRef& ref,
+                               const PointState& state) {
+        std::string text;
+        changeText->append(text, ref, state);
+        return text;
+    }
+
     host::Site site = smallSite();
 };
 
@@ -50,7 +57,7 @@ TEST_F(ChangeText, WritesFloatsShortAndExact) {
 }
 
 TEST_F(ChangeText, IsOneJsonObject) {
-    EXPECT_EQ(changeAsJson(ref(1), good(1.5)),
+    EXPECT_EQ(written(host::makeJsonText(), ref(1), good(1.5)),
               R"({"time":"2023-11-14T22:13:20.125Z","channel":"waterworks","rtu":"pump-house","id":2,)"
               R"("name":"FLOW","address":"R100","value":1.5,"quality":"good"})");
 }
@@ -58,8 +65,8 @@ TEST_F(ChangeText, IsOneJsonObject) {
 TEST_F(ChangeText, IsValidJsonWhateverTheNames) {
     site.channels[0].name = "a\"b\\c\n\x01 Br\xC3\xBC"
                             "cke";
-    const QByteArray json =
-        QByteArray::fromStdString(changeAsJson(ref(0), good(std::numeric_limits<double>::infinity())));
+    const QByteArray json = QByteArray::fromStdString(
+        written(host::makeJsonText(), ref(0), good(std::numeric_limits<double>::infinity())));
     const QJsonObject object = QJsonDocument::fromJson(json).object();
     EXPECT_EQ(object.value(QStringLiteral("channel")).toString().toStdString(), site.channels[0].name);
     EXPECT_TRUE(object.value(QStringLiteral("value")).isNull());
@@ -67,10 +74,48 @@ TEST_F(ChangeText, IsValidJsonWhateverTheNames) {
 
 TEST_F(ChangeText, IsOneCsvRow) {
     site.channels[0].rtus[0].points[0].name = "RUN, \"1\"";
-    EXPECT_EQ(changeAsCsv(ref(0), {1, readAt, readAt, PointQuality::Bad}),
+    EXPECT_EQ(written(host::makeCsvText(), ref(0), {1, readAt, readAt, PointQuality::Bad}),
               "2023-11-14T22:13:20.125Z,waterworks,pump-house,1,\"RUN, \"\"1\"\"\",O32,1,bad");
 }
 
 TEST_F(ChangeText, IsOneLineForPeople) {
-    EXPECT_THAT(changeAsLine(ref(2), good(12)), testing::EndsWith("  pump-house/LEVEL (R101) = 12  good"));
+    EXPECT_THAT(written(host::makeLineText(), ref(2), good(12)),
+                testing::EndsWith("  pump-house/LEVEL (R101) = 12  good"));
+}
+
+// What is kept from one change to the next must not show in another RTU's or another second's.
+TEST_F(ChangeText, KeepsTimesAndRtusOfFollowingChangesApart) {
+    host::Rtu second = site.channels[0].rtus[0];
+    second.name = "tank";
+    site.channels[0].rtus.push_back(second);
+    const PointRef run = ref(0);
+    const PointRef tankRun{run.channel, &site.channels[0].rtus[1], &site.channels[0].rtus[1].points[0]};
+    const auto csv = host::makeCsvText();
+    std::string text;
+    for (const auto& [which, milliseconds] :
+         {std::pair(run, 999), {tankRun, 999}, {run, 1'000}, {run, 7}, {tankRun, 59'999}, {run, 60'000}}) {
+        csv->append(text, which, {1, milliseconds, milliseconds, PointQuality::Good});
+        text += '\n';
+    }
+    EXPECT_EQ(text, "1970-01-01T00:00:00.999Z,waterworks,pump-house,1,RUN,O32,1,good\n"
+                    "1970-01-01T00:00:00.999Z,waterworks,tank,1,RUN,O32,1,good\n"
+                    "1970-01-01T00:00:01.000Z,waterworks,pump-house,1,RUN,O32,1,good\n"
+                    "1970-01-01T00:00:00.007Z,waterworks,pump-house,1,RUN,O32,1,good\n"
+                    "1970-01-01T00:00:59.999Z,waterworks,tank,1,RUN,O32,1,good\n"
+                    "1970-01-01T00:01:00.000Z,waterworks,pump-house,1,RUN,O32,1,good\n");
+}
+
+TEST(TimeText, IsThatOfItsMillisecondAlsoBefore1970) {
+    host::TimeText utc(host::utcTimeText);
+    for (const qint64 milliseconds : {readAt, readAt + 874, readAt + 875, readAt - 126, qint64{-1},
+                                      qint64{-1'000}, qint64{-1'001}, qint64{0}, qint64{999}})
+        EXPECT_EQ(utc.of(milliseconds), host::utcTimeText(milliseconds));
+}
+
+// The second behind which clocks are set forward, where the tests' computer is in such a zone.
+TEST(TimeText, FollowsTheLocalClockAcrossAChangeOfItsOffset) {
+    host::TimeText local(host::localTimeText);
+    const qint64 change = 1'711'846'800'000; // 2024-03-31T01:00:00Z
+    for (const qint64 milliseconds : {change - 1, change, change + 3'600'000, change - 1})
+        EXPECT_EQ(local.of(milliseconds), host::localTimeText(milliseconds));
 }

@@ -2,6 +2,7 @@
 
 #include "NotingTaker.h"
 #include "SmallSite.h"
+#include "services/RunningSite.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,7 +26,7 @@ protected:
                 [this] { return now; });
         ++status.requests;
         status.answers += answered ? 1 : 0;
-        made->publishRtuStatus(4, 7, status);
+        made->look({{&site.channels[0], &site.channels[0].rtus[0], status}});
     }
 
     host::Site site = smallSite();
@@ -79,4 +80,19 @@ TEST_F(Clocks, OfRtusThatDoNotAskForItAreLeftAlone) {
     site.channels[0].rtus[0].timeSync.reset();
     requestEnds(true);
     EXPECT_THAT(taker.texts, IsEmpty());
+}
+
+TEST_F(Clocks, AreSetByAThreadOfTheSchedulesOwn) {
+    host::ValueStore values(site);
+    host::ExchangeFeed exchanges;
+    host::Messages told;
+    ClockSchedule schedule(site, taker, [](const std::string&) {});
+    host::SiteFigures figures{{}, {{&site.channels[0], &site.channels[0].rtus[0], {}}}};
+    figures.rtus[0].status.answers = 1;
+    host::RunningSite running{site, values, exchanges, taker, told, [&] { return figures; }, {}};
+    ASSERT_EQ(schedule.start(running), "");
+    while (schedule.figures()[0].value == 0)
+        std::this_thread::sleep_for(1ms);
+    schedule.stop();
+    EXPECT_THAT(taker.texts, ElementsAre("4/7 clock"));
 }

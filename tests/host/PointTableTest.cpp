@@ -1,123 +1,74 @@
-#include "site/PointTable.h"
+#include "values/PointTable.h"
+#include "SmallSite.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-using host::Findings;
-using host::Point;
-using host::PointKind;
-using testing::ElementsAre;
-using testing::HasSubstr;
+using host::PointTable;
 
 namespace {
 
-struct Table {
-    std::vector<Point> points;
-    std::vector<std::string> findings;
+// RTU 9 with three points, 3 without any, 5 with two, on channel 4; RTU 9 with one on channel 2.
+class Table : public testing::Test {
+protected:
+    static host::Rtu rtu(int id, std::size_t points) {
+        host::Rtu made;
+        made.id = id;
+        for (unsigned i = 0; i < points; ++i) {
+            host::Point point;
+            point.id = 10 * (i + 1);
+            made.points.push_back(point);
+        }
+        return made;
+    }
+    static host::Site describe() {
+        host::Site site;
+        site.channels.resize(2);
+        site.channels[0].id = 4;
+        site.channels[0].rtus = {rtu(9, 3), rtu(3, 0), rtu(5, 2)};
+        site.channels[1].id = 2;
+        site.channels[1].rtus = {rtu(9, 1), rtu(6, 0)};
+        return site;
+    }
+
+    const host::Site site = describe();
+    const PointTable table{site};
 };
-
-Table read(const std::string& text) {
-    Findings findings;
-    Table table{host::readPointTable(text, "p.csv", findings), {}};
-    for (const host::Finding& finding : findings.all())
-        table.findings.push_back(toText(finding));
-    return table;
-}
-
-const std::string allColumns = "id,name,kind,address,format,value,second_address,second_value,pulse_ms\n";
 
 } // namespace
 
-TEST(PointTable, ReadsPointsByTheirColumnNames) {
-    const Table table = read("kind,address,id,name,format\nstatus,I5,1,DOOR,\nanalog,r010,2,FLOW,float\n");
-    EXPECT_TRUE(table.findings.empty());
-    ASSERT_EQ(table.points.size(), 2U);
-    EXPECT_EQ(table.points[0].kind, PointKind::Status);
-    EXPECT_EQ(toText(table.points[0].address), "I5");
-    EXPECT_EQ(table.points[1].name, "FLOW");
-    EXPECT_EQ(toText(table.points[1].address), "R10");
-    EXPECT_EQ(table.points[1].writtenAddress, "r010");
-    EXPECT_TRUE(table.points[1].isFloat);
+TEST_F(Table, NumbersPointsWithoutGapsInTheOrderOfTheFile) {
+    ASSERT_EQ(table.size(), 6U);
+    const std::vector<host::Rtu>& rtus = site.channels[0].rtus;
+    EXPECT_EQ(table.at(0).point, &rtus[0].points[0]);
+    EXPECT_EQ(table.at(2).point, &rtus[0].points[2]);
+    EXPECT_EQ(table.at(2).rtu, &rtus[0]);
+    EXPECT_EQ(table.at(3).point, &rtus[2].points[0]); // behind the RTU without points
+    EXPECT_EQ(table.at(4).channel, &site.channels[0]);
+    EXPECT_EQ(table.at(5).point, &site.channels[1].rtus[0].points[0]);
+    EXPECT_EQ(table.at(5).channel, &site.channels[1]);
 }
 
-TEST(PointTable, ReadsWhatCommandsWrite) {
-    const Table table = read(allColumns + "1,VALVE,status,O40,,2,o041,3,500\n");
-    EXPECT_TRUE(table.findings.empty());
-    ASSERT_EQ(table.points.size(), 1U);
-    EXPECT_EQ(table.points[0].value, 2U);
-    EXPECT_EQ(toText(*table.points[0].secondAddress), "O41");
-    EXPECT_EQ(table.points[0].secondValue, 3U);
-    EXPECT_EQ(table.points[0].pulseMs, 500U);
+TEST_F(Table, FindsTheBlockOfAnRtuByBothIds) {
+    ASSERT_NE(table.find(4, 5), nullptr);
+    EXPECT_EQ(table.find(4, 5)->first, 3U);
+    EXPECT_EQ(table.find(4, 5)->end(), 5U);
+    EXPECT_EQ(table.find(2, 9)->first, 5U);
+    EXPECT_EQ(table.find(4, 9)->first, 0U);
+    EXPECT_EQ(table.find(4, 3)->count, 0U);
+    EXPECT_EQ(table.find(2, 5), nullptr);
+    EXPECT_EQ(table.find(9, 9), nullptr);
+    EXPECT_EQ(table.find(0, 0), nullptr);
 }
 
-TEST(PointTable, TellsARowWithAColumnTooFewAtItsEnd) {
-    const Table table = read("id,name,kind,address\n1,A,status\n2,B,status,I1,x\n3,C,status,I2\n");
-    EXPECT_THAT(table.findings,
-                ElementsAre(HasSubstr("p.csv:2:11: error: row with 3 columns, where the first row names 4"),
-                            HasSubstr("p.csv:3:15: error: row with 5 columns, where the first row names 4")));
-    EXPECT_EQ(table.points.size(), 1U);
+TEST_F(Table, KnowsThePlaceOfABlock) {
+    EXPECT_EQ(table.placeOf(table.blockOf(0)), 0U);
+    EXPECT_EQ(table.placeOf(table.blockOf(4)), 2U);
+    EXPECT_EQ(table.blocks()[table.placeOf(*table.find(2, 9))].first, 5U);
 }
 
-TEST(PointTable, NeedsItsFourColumns) {
-    const Table table = read("id,name,colour,id\n1,A,red,1\n");
-    EXPECT_THAT(table.findings, ElementsAre(HasSubstr("p.csv:1:9: error: unknown column \"colour\""),
-                                            HasSubstr("p.csv:1:16: error: column \"id\" stands twice"),
-                                            HasSubstr("p.csv:1:1: error: no column \"kind\""),
-                                            HasSubstr("p.csv:1:1: error: no column \"address\"")));
-    EXPECT_THAT(read("").findings, ElementsAre(HasSubstr("p.csv:1:1: error: empty point table")));
-}
-
-TEST(PointTable, TellsKindAndMediaThatDoNotFit) {
-    const Table table =
-        read("id,name,kind,address\n1,A,status,R1\n2,B,analog,F1\n3,C,digital,I1\n4,D,analog,X1\n");
-    EXPECT_THAT(table.findings,
-                ElementsAre(HasSubstr("p.csv:2:12: error: address R1 does not fit kind status"),
-                            HasSubstr("p.csv:3:12: error: address F1 does not fit kind analog"),
-                            HasSubstr("p.csv:4:5: error: kind \"digital\" is not known"),
-                            HasSubstr("p.csv:5:12: error: address \"X1\" fits no media")));
-}
-
-TEST(PointTable, TakesFloatsForRegistersAlone) {
-    const Table table = read("id,name,kind,address,format\n1,A,analog,T1,float\n2,B,analog,R1,real\n");
-    EXPECT_THAT(table.findings, ElementsAre(HasSubstr("p.csv:2:15: error: format float on T1"),
-                                            HasSubstr("p.csv:3:15: error: format \"real\" is not known")));
-}
-
-TEST(PointTable, TellsCommandsThatCannotBe) {
-    const Table table =
-        read(allColumns + "1,A,status,I1,,1,,,\n2,B,analog,R1,,,O1,,\n3,C,status,O1,,256,,,0\n"
-                          "4,D,status,O1,,,,1,\n5,E,status,O1,,,I1,,\n");
-    EXPECT_THAT(table.findings,
-                ElementsAre(HasSubstr("p.csv:2:16: error: value on I1"),
-                            HasSubstr("p.csv:3:17: error: second_address on R1"),
-                            HasSubstr("p.csv:4:16: error: value \"256\" is out of range"),
-                            HasSubstr("p.csv:4:22: error: pulse_ms \"0\" is out of range"),
-                            HasSubstr("p.csv:5:18: error: second_value without second_address"),
-                            HasSubstr("p.csv:6:17: error: second_address I1 cannot be switched")));
-}
-
-TEST(PointTable, TellsEveryFaultOfARow) {
-    const Table table = read("id,name,kind,address\nx,,status,\n");
-    EXPECT_THAT(table.findings, ElementsAre(HasSubstr("p.csv:2:1: error: id \"x\""),
-                                            HasSubstr("p.csv:2:3: error: point without name"),
-                                            HasSubstr("p.csv:2:11: error: point without address")));
-    EXPECT_TRUE(table.points.empty());
-}
-
-TEST(PointTable, TellsAnIdTakenTwiceWhateverElseIsWrongWithItsRows) {
-    EXPECT_THAT(read("id,name,kind,address\n3,A,status,X5\n3,B,status,F5\n").findings,
-                ElementsAre(HasSubstr("p.csv:2:12: error: address \"X5\" fits no media"),
-                            HasSubstr("p.csv:3:1: error: point id 3 is already taken by \"A\" in line 2")));
-    EXPECT_THAT(read("id,name,kind,address\n3,,status,F1\n3,B,status\n").findings,
-                ElementsAre(HasSubstr("p.csv:2:3: error: point without name"),
-                            HasSubstr("p.csv:3:1: error: point id 3 is already taken in line 2"),
-                            HasSubstr("p.csv:3:11: error: row with 3 columns")));
-    EXPECT_THAT(
-        read("id,name,kind,address\nx,A,status,F1\nx,B,status,F2\n").findings,
-        ElementsAre(HasSubstr("p.csv:2:1: error: id \"x\""), HasSubstr("p.csv:3:1: error: id \"x\"")));
-}
-
-TEST(PointTable, LeavesTheNumbersOfHiddenPointsFree) {
-    EXPECT_TRUE(read("id,name,kind,address\n2147483647,A,status,I1\n").findings.empty());
-    EXPECT_EQ(read("id,name,kind,address\n2147483648,A,status,I1\n").findings.size(), 1U);
+TEST(TableOfNothing, IsEmpty) {
+    const host::Site site;
+    const PointTable table(site);
+    EXPECT_EQ(table.size(), 0U);
+    EXPECT_EQ(table.find(1, 1), nullptr);
 }

@@ -2,6 +2,7 @@
 
 #include "NotingTaker.h"
 #include "SmallSite.h"
+#include "services/RunningSite.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,10 +28,14 @@ protected:
     host::Point& point() { return site.channels[0].rtus[0].points[0]; }
     PulseSupervisor& supervisor() {
         if (!made)
-            made = std::make_unique<PulseSupervisor>(
-                site, taker, [this](const std::string& text) { messages.push_back(text); },
-                [this] { return now; });
+            make();
         return *made;
+    }
+    void make() {
+        store = std::make_unique<host::ValueStore>(site);
+        made = std::make_unique<PulseSupervisor>(
+            *store, taker, [this](const std::string& text) { messages.push_back(text); },
+            [this] { return now; });
     }
     std::string switchOn() {
         return supervisor().submit({4, 7, host::SwitchPoint{1, true}},
@@ -40,14 +45,18 @@ protected:
         switchOn();
         taker.end(result);
     }
-    // The values of as many polls, one after another.
+    void publish(int value, PointQuality quality = PointQuality::Good) {
+        PointUpdate update; // of the RTU's first point
+        update.value = value;
+        update.quality = quality;
+        store->publishPoints(4, 7, {update});
+    }
+    // The values of as many polls, one after another, each looked at.
     void polls(std::initializer_list<int> values, PointQuality quality = PointQuality::Good) {
+        supervisor().look();
         for (const int value : values) {
-            PointUpdate update;
-            update.number = 1;
-            update.value = value;
-            update.quality = quality;
-            supervisor().publishPoints(4, 7, {update});
+            publish(value, quality);
+            supervisor().look();
         }
     }
 
@@ -56,6 +65,7 @@ protected:
     PulseSupervisor::Clock::time_point now{};
     std::vector<std::string> messages;
     std::vector<DriverErrorResult> results;
+    std::unique_ptr<host::ValueStore> store;
     std::unique_ptr<PulseSupervisor> made;
 };
 
@@ -75,6 +85,48 @@ TEST_F(Pulses, APointThatStaysOnIsCommandedOff) {
     EXPECT_THAT(messages, ElementsAre("channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5), point 1 "
                                       "\"RUN\" (O32): still on after its pulse of 2000 ms; it is commanded "
                                       "off"));
+}
+
+TEST_F(Pulses, PollsBetweenTwoLooksCountOneByOne) {
+    switchOnWith(success);
+    now += 2s;
+    supervisor().look();
+    publish(1);
+    publish(1);
+    EXPECT_THAT(taker.texts, ElementsAre(on));
+    supervisor().look();
+    EXPECT_THAT(taker.texts, ElementsAre(on, off));
+}
+
+// A value that nobody has read again says nothing new.
+TEST_F(Pulses, LooksWithoutAPollInBetweenDoNotCount) {
+    switchOnWith(success);
+    now += 2s;
+    polls({1});
+    for (int i = 0; i < 10; ++i)
+        supervisor().look();
+    EXPECT_THAT(taker.texts, ElementsAre(on));
+    publish(1);
+    supervisor().look();
+    taker.end(DriverErrorResult::BadData);
+    supervisor().look();
+    EXPECT_THAT(taker.texts, ElementsAre(on, off));
+}
+
+TEST_F(Pulses, AreEndedByAThreadOfTheSupervisorsOwn) {
+    make();
+    made = std::make_unique<PulseSupervisor>(*store, taker, [](const std::string&) {});
+    point().pulseMs = 1;
+    host::ExchangeFeed exchanges;
+    host::Messages told;
+    host::RunningSite running{site, *store, exchanges, *made, told, {}, {}};
+    ASSERT_EQ(made->start(running), "");
+    switchOn();
+    taker.end(success);
+    while (made->figures()[1].value == 0) // switched off
+        publish(1);
+    made->stop();
+    EXPECT_THAT(taker.texts, ElementsAre(on, off));
 }
 
 TEST_F(Pulses, APointThatGoesOffIsLeftAlone) {

@@ -46,7 +46,7 @@ TEST_F(Records, CarryThePointFields) {
     rtu.points[0].pulseMs = 500;
     CRtu target(nullptr, nullptr, host::makeRtuRecord(rtu));
     host::addPoints(target, rtu);
-    const StatusPoint& run = *target.GetPointList()->GetStatusPoint(1);
+    const StatusPoint& run = *target.GetPointList()->GetStatusPoint(0);
     EXPECT_EQ(run.firstAddress, QStringLiteral("O32"));
     EXPECT_EQ(run.firstOutputAddress, QStringLiteral("O32"));
     EXPECT_EQ(run.firstOutputValue, QStringLiteral("1"));
@@ -55,16 +55,16 @@ TEST_F(Records, CarryThePointFields) {
     EXPECT_EQ(run.secondAddress, QString()); // not read: it would cost a telegram
     EXPECT_TRUE(run.pulse);
     EXPECT_EQ(run.pulseWidthMs, 500U);
-    EXPECT_EQ(target.GetPointList()->GetAnalogPoint(2)->dataType, 14U);
-    EXPECT_EQ(target.GetPointList()->GetAnalogPoint(3)->dataType, 0U);
-    EXPECT_EQ(target.GetPointList()->GetAnalogPoint(3)->address, QStringLiteral("R101"));
+    EXPECT_EQ(target.GetPointList()->GetAnalogPoint(1)->dataType, 14U);
+    EXPECT_EQ(target.GetPointList()->GetAnalogPoint(2)->dataType, 0U);
+    EXPECT_EQ(target.GetPointList()->GetAnalogPoint(2)->address, QStringLiteral("R101"));
 }
 
 TEST_F(Records, GiveAPointThatIsOnlyCommandedNoInputAddress) {
     rtu.points[0].isPolled = false;
     CRtu target(nullptr, nullptr, host::makeRtuRecord(rtu));
     host::addPoints(target, rtu);
-    const StatusPoint& run = *target.GetPointList()->GetStatusPoint(1);
+    const StatusPoint& run = *target.GetPointList()->GetStatusPoint(0);
     EXPECT_EQ(run.firstAddress, QString());
     EXPECT_EQ(run.firstOutputAddress, QStringLiteral("O32"));
 }
@@ -73,7 +73,27 @@ TEST_F(Records, GiveAnInputNoOutputAddress) {
     rtu.points[0].address = {'I', 32};
     CRtu target(nullptr, nullptr, host::makeRtuRecord(rtu));
     host::addPoints(target, rtu);
-    EXPECT_EQ(target.GetPointList()->GetStatusPoint(1)->firstOutputAddress, QString());
+    EXPECT_EQ(target.GetPointList()->GetStatusPoint(0)->firstOutputAddress, QString());
+}
+
+TEST_F(Records, NumberPointsByTheirPositionWhateverTheirIds) {
+    rtu.points[0].id = 900;
+    CRtu target(nullptr, nullptr, host::makeRtuRecord(rtu));
+    host::addPoints(target, rtu);
+    EXPECT_EQ(target.GetPointList()->GetStatusPoint(0)->name, QStringLiteral("RUN"));
+    EXPECT_EQ(target.GetPointList()->GetStatusPoint(900), nullptr);
+    EXPECT_EQ(target.GetPointList()->GetAnalogPoint(2)->name, QStringLiteral("LEVEL"));
+}
+
+TEST_F(Records, GiveAFloatAnIntegerTwinBehindAllOtherNumbers) {
+    CRtu target(nullptr, nullptr, host::makeRtuRecord(rtu));
+    host::addPoints(target, rtu);
+    const AnalogPoint* const twin =
+        target.GetPointList()->GetAnalogPoint(host::integerTwinOf(rtu, rtu.points[1]));
+    ASSERT_NE(twin, nullptr);
+    EXPECT_GE(twin->number, host::firstHiddenNumber);
+    EXPECT_EQ(twin->address, QStringLiteral("R100"));
+    EXPECT_EQ(twin->dataType, 0U);
 }
 
 TEST_F(Records, AddHiddenPointsWithNumbersOfTheirOwn) {
@@ -81,7 +101,7 @@ TEST_F(Records, AddHiddenPointsWithNumbersOfTheirOwn) {
     for (unsigned number = 0; number < 128; ++number)
         for (const char media : {'F', 'R'}) {
             host::Point point;
-            point.id = 2 * number + (media == 'R' ? 1 : 0);
+            point.id = number;
             point.kind = media == 'R' ? host::PointKind::Analog : host::PointKind::Status;
             point.address = {media, number};
             rtu.points.push_back(point);

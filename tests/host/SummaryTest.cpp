@@ -74,7 +74,7 @@ TEST_F(Summary, CountsPointsByQuality) {
     host::ValueStore store(site);
     store.publishPoints(
         4, 7,
-        {PointUpdate{false, 1, 1, {}, PointQuality::Good}, PointUpdate{true, 2, 1, {}, PointQuality::Bad}});
+        {PointUpdate{false, 0, 1, {}, PointQuality::Good}, PointUpdate{true, 1, 1, {}, PointQuality::Bad}});
     const auto outcomes = host::collectOutcomes({outcome(true, 1).figures}, store);
     ASSERT_EQ(outcomes.size(), 1U);
     EXPECT_EQ(outcomes[0].goodPoints, 1U);

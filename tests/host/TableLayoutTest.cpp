@@ -1,6 +1,8 @@
 #include "services/console/TableLayout.h"
 #include "SmallSite.h"
 
+#include <QDateTime>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,6 +18,12 @@ constexpr qint64 now = 1'700'000'000'000;
 
 class TableLayout : public testing::Test {
 protected:
+    struct State {
+        double value;
+        qint64 timeMs; // when it was read
+        PointQuality quality;
+    };
+
     void usePoints(unsigned count) {
         std::vector<host::Point>& points = site.channels[0].rtus[0].points;
         const host::Point one = points[0];
@@ -26,16 +34,25 @@ protected:
         store = std::make_unique<host::ValueStore>(site);
         contents.title = "sbus-host";
         contents.nowMs = now;
-        contents.points = &store->points();
-        if (contents.states.empty())
-            contents.states = store->states();
+        contents.values = store.get();
+        contents.longestName = host::longestNameOf(store->points());
+        for (unsigned number = 0; number < states.size(); ++number)
+            publish(number, states[number]);
         contents.figures.channels = {{&site.channels[0], channelStatus}};
         contents.figures.rtus = {{&site.channels[0], &site.channels[0].rtus[0], status}};
         return layOutTable(contents, {columns, rows}, page);
     }
 
+    void publish(unsigned number, const State& state) {
+        const auto stamp = CMidTime(QDateTime::fromMSecsSinceEpoch(state.timeMs, Qt::UTC), 0);
+        store->publishPoints(4, 7, {PointUpdate{false, number, state.value, stamp, PointQuality::Good}});
+        if (state.quality != PointQuality::Good)
+            store->publishPoints(4, 7, {PointUpdate{false, number, state.value, stamp, state.quality}});
+    }
+
     host::Site site = smallSite();
     std::unique_ptr<host::ValueStore> store;
+    std::vector<State> states; // of the first points; the others were never read
     TableContents contents;
     RtuStatus status;
     ChannelStatus channelStatus;
@@ -53,9 +70,7 @@ std::size_t widest(const TablePage& page) {
 TEST_F(TableLayout, ShowsHeadingsValuesQualitiesAndAges) {
     status.connected = true;
     status.answers = 12;
-    contents.states = {{1, now - 400, now, PointQuality::Good},
-                       {1.5, now - 61'000, now, PointQuality::Bad},
-                       {0, 0, 0, PointQuality::NeverRead}};
+    states = {{1, now - 400, PointQuality::Good}, {1.5, now - 61'000, PointQuality::Bad}};
     const TablePage page = layOut(100, 24);
     ASSERT_EQ(page.lines.size(), 6U);
     EXPECT_EQ(page.lines[1].text, "waterworks  SBus-Ethernet  udp://127.0.0.1:9");

@@ -45,7 +45,7 @@ protected:
         addPoint(rtu, setPoint, setPointElement);
         for (unsigned i = 0; i < registers; ++i)
             judge.expect(lineId, station, i, i, ValueJudge::Kind::Standing);
-        judge.expect(lineId, station, setPoint, setPoint, ValueJudge::Kind::Commanded);
+        judge.expect(lineId, station, registers, setPoint, ValueJudge::Kind::Commanded);
         host::Channel channel;
         channel.id = lineId;
         channel.name = "waterworks";
@@ -87,8 +87,8 @@ protected:
     }
 
     bool isBad() const {
-        for (const host::PointState& state : running.values().states())
-            if (state.quality == PointQuality::Good)
+        for (host::PointIndex point = 0; point <= registers; ++point)
+            if (running.values().state(point).quality == PointQuality::Good)
                 return false;
         return true;
     }
@@ -100,7 +100,7 @@ protected:
     }
 
     bool reads(std::uint16_t number) const {
-        const host::PointState state = running.values().states().back();
+        const host::PointState state = running.values().state(registers); // the point behind them
         return state.quality == PointQuality::Good && state.value == taggedWord(setPoint, number);
     }
 

@@ -95,8 +95,8 @@ void TaggedPlant::addPoint(host::Rtu& rtu, int lineId, unsigned id, host::Elemen
     point.name = toText(address);
     point.address = address;
     point.kind = host::isBitMedia(address.media) ? host::PointKind::Status : host::PointKind::Analog;
+    valueJudge.expect(lineId, rtu.id, static_cast<unsigned>(rtu.points.size()), place, kind);
     rtu.points.push_back(point);
-    valueJudge.expect(lineId, rtu.id, id, place, kind);
 }
 
 void TaggedPlant::fillMemories() {

@@ -2,6 +2,7 @@
 
 #include "commands/CommandText.h"
 #include "runtime/FailureText.h"
+#include "services/RunningSite.h"
 
 #include <utility>
 
@@ -9,31 +10,77 @@ namespace host {
 
 using Halvex::DriverErrorResult;
 
+namespace {
+
+constexpr std::chrono::milliseconds lookPeriod{200}; // how late a clock may be set behind an answer
+
+} // namespace
+
 ClockSchedule::ClockSchedule(const Site& site, CommandTaker& commandTaker, Tell tellOperator, Now clock)
     : taker(commandTaker), tell(std::move(tellOperator)), now(std::move(clock)) {
     for (const Channel& channel : site.channels)
         for (const Rtu& rtu : channel.rtus)
             if (rtu.timeSync && rtu.enabled)
-                entries[{channel.id, rtu.id}] = {&channel, &rtu, 0, {}};
+                entries[&rtu] = {};
 }
 
-void ClockSchedule::publishRtuStatus(int channelId, int rtuId, const RtuStatus& status) {
+ClockSchedule::~ClockSchedule() {
+    stop();
+}
+
+std::string ClockSchedule::start(RunningSite& runningSite) {
+    if (!entries.empty())
+        thread = std::thread([this, &runningSite] { run(runningSite); });
+    return {};
+}
+
+void ClockSchedule::stop() {
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        isStopping = true;
+    }
+    stopped.notify_all();
+    if (thread.joinable())
+        thread.join();
+}
+
+std::vector<ServiceFigure> ClockSchedule::figures() const {
     const std::lock_guard<std::mutex> lock(mutex);
-    const auto found = entries.find({channelId, rtuId});
-    if (found == entries.end())
-        return;
-    Entry& entry = found->second;
-    const bool hasAnswered = status.answers > std::exchange(entry.answers, status.answers);
-    const Clock::time_point present = now();
-    if (!hasAnswered || present < entry.next)
-        return;
-    entry.next = present + *entry.rtu->timeSync;
-    setClock(entry);
+    return {{"commands", commandCount}};
 }
 
-void ClockSchedule::setClock(const Entry& entry) {
-    const std::string failure = nameOf(*entry.channel, entry.rtu) + ": its clock could not be set: ";
-    const std::string refusal = taker.submit({entry.channel->id, entry.rtu->id, SynchroniseClock{}},
+void ClockSchedule::run(const RunningSite& runningSite) {
+    std::unique_lock<std::mutex> lock(mutex);
+    while (!isStopping) {
+        lock.unlock();
+        look(runningSite.figures().rtus);
+        lock.lock();
+        stopped.wait_for(lock, lookPeriod, [this] { return isStopping; });
+    }
+}
+
+void ClockSchedule::look(const std::vector<RtuFigures>& rtus) {
+    const Clock::time_point present = now();
+    for (const RtuFigures& one : rtus) {
+        const auto found = entries.find(one.rtu);
+        if (found == entries.end())
+            continue;
+        Entry& entry = found->second;
+        const bool hasAnswered = one.status.answers > std::exchange(entry.answers, one.status.answers);
+        if (!hasAnswered || present < entry.next)
+            continue;
+        entry.next = present + *one.rtu->timeSync;
+        setClock(one);
+    }
+}
+
+void ClockSchedule::setClock(const RtuFigures& rtu) {
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        ++commandCount;
+    }
+    const std::string failure = nameOf(*rtu.channel, rtu.rtu) + ": its clock could not be set: ";
+    const std::string refusal = taker.submit({rtu.channel->id, rtu.rtu->id, SynchroniseClock{}},
                                              [this, failure](const CommandEnd& end) {
                                                  if (end.result != DriverErrorResult::Success)
                                                      tell(failure + resultText(end.result));

@@ -1,20 +1,22 @@
 #pragma once
 
 #include "commands/Command.h"
-#include "site/Site.h"
-
-#include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
+#include "runtime/HostRuntime.h"
+#include "services/Service.h"
 
 #include <chrono>
+#include <condition_variable>
 #include <map>
 #include <mutex>
+#include <thread>
 
 namespace host {
 
 // Sets the clocks of the RTUs that ask for it: when an RTU has answered for the first time, and from then on
 // once in each period, with the next answer of the RTU. One that is silent gets its clock when it is back.
-// Failures are told. Threads: any. Results of `taker` may come as long as this lives: end it first.
-class ClockSchedule : public HalvexDriverCoreInterface {
+// Looks at the RTUs' figures on a thread of its own, unless no RTU asks for it. Failures are told.
+// Results of `taker` may come as long as this lives, on any thread: end it first.
+class ClockSchedule : public Service {
 public:
     using Clock = std::chrono::steady_clock;
     using Now = std::function<Clock::time_point()>;
@@ -22,30 +24,36 @@ public:
 
     // The site outlives it.
     ClockSchedule(const Site& site, CommandTaker& commandTaker, Tell tellOperator, Now clock = Clock::now);
-    ClockSchedule(const ClockSchedule&) = delete;
-    ClockSchedule& operator=(const ClockSchedule&) = delete;
-    ~ClockSchedule() override = default;
+    ~ClockSchedule() override;
 
-    void publishPoints(int, int, const QVector<PointUpdate>&) override {}
-    void publishRtuStatus(int channelId, int rtuId, const RtuStatus& status) override;
-    void publishChannelStatus(int, const ChannelStatus&) override {}
+    std::string name() const override { return "clocks"; }
+    std::string start(RunningSite& runningSite) override;
+    void stop() override;
+    std::vector<ServiceFigure> figures() const override;
+
+    // What the thread does every now and then.
+    void look(const std::vector<RtuFigures>& rtus);
 
 private:
     struct Entry {
-        const Channel* channel = nullptr;
-        const Rtu* rtu = nullptr;
-        quint64 answers = 0; // seen so far
+        std::uint64_t answers = 0; // seen so far
         Clock::time_point next{};
     };
 
-    void setClock(const Entry& entry);
+    void run(const RunningSite& runningSite);
+    void setClock(const RtuFigures& rtu);
 
     CommandTaker& taker;
     const Tell tell;
     const Now now;
+    std::map<const Rtu*, Entry> entries; // looking thread
 
-    std::mutex mutex;                             // guards the entries
-    std::map<std::pair<int, int>, Entry> entries; // by channel and RTU
+    mutable std::mutex mutex; // guards what follows
+    std::condition_variable stopped;
+    bool isStopping = false;
+    std::uint64_t commandCount = 0;
+
+    std::thread thread; // last: it works on all of the above
 };
 
 } // namespace host

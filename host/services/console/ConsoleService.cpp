@@ -47,6 +47,7 @@ void ConsoleService::show() {
         output->tell(site->messages.take());
     if (!output->update())
         closed.store(true, std::memory_order_release);
+    lost.store(output->lostChanges(), std::memory_order_release);
 }
 
 void ConsoleService::stop() {
@@ -61,10 +62,11 @@ void ConsoleService::stop() {
     thread.join();
     output->tell(site->messages.take());
     output->finish();
+    lost.store(output->lostChanges(), std::memory_order_release);
 }
 
 std::vector<ServiceFigure> ConsoleService::figures() const {
-    return {};
+    return {{"lost", lostChanges()}};
 }
 
 } // namespace host

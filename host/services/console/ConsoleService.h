@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -28,6 +29,8 @@ public:
     void stop() override;
     std::vector<ServiceFigure> figures() const override;
 
+    // Changes that are not shown because they came faster than the output was read. After stop().
+    std::uint64_t lostChanges() const { return lost.load(std::memory_order_acquire); }
     // Nobody reads standard output any more. Any thread.
     bool isClosed() const { return closed.load(std::memory_order_acquire); }
 
@@ -43,6 +46,7 @@ private:
     std::unique_ptr<Output> output;
     std::unique_ptr<ExchangeFeed::Watch> frames;
     std::atomic<bool> closed{false};
+    std::atomic<std::uint64_t> lost{0};
 
     std::mutex mutex; // guards the flag
     std::condition_variable changed;

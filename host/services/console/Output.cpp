@@ -7,18 +7,18 @@
 namespace host {
 
 std::unique_ptr<Output> makeOutput(OutputFormat format, Console& console, const std::string& title,
-                                   ValueStore& store, FiguresSource figures) {
+                                   const ValueStore& store, FiguresSource figures) {
     switch (format) {
     case OutputFormat::Table:
         return std::make_unique<TableOutput>(console, title, store, std::move(figures));
     case OutputFormat::Json:
-        return std::make_unique<StreamOutput>(console, store, changeAsJson, "");
+        return std::make_unique<StreamOutput>(console, store, makeJsonText(), "");
     case OutputFormat::Csv:
-        return std::make_unique<StreamOutput>(console, store, changeAsCsv, changeCsvHeader);
+        return std::make_unique<StreamOutput>(console, store, makeCsvText(), changeCsvHeader);
     case OutputFormat::Lines:
         break;
     }
-    return std::make_unique<StreamOutput>(console, store, changeAsLine, "");
+    return std::make_unique<StreamOutput>(console, store, makeLineText(), "");
 }
 
 } // namespace host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -26,6 +27,8 @@ public:
     virtual void tell(const std::vector<std::string>& messages) = 0;
     // Shows what is left, and leaves the terminal as it was found.
     virtual void finish() = 0;
+    // Changes that are not shown because they came faster than the output was read.
+    virtual std::uint64_t lostChanges() const = 0;
 };
 
 // Tells how channels and RTUs stand.
@@ -33,6 +36,6 @@ using FiguresSource = std::function<SiteFigures()>;
 
 // Console and store outlive the output. `title` heads the table.
 std::unique_ptr<Output> makeOutput(OutputFormat format, Console& console, const std::string& title,
-                                   ValueStore& store, FiguresSource figures);
+                                   const ValueStore& store, FiguresSource figures);
 
 } // namespace host

@@ -53,9 +53,12 @@ StreamWriter::~StreamWriter() {
     state->changed.notify_all();
 }
 
-void StreamWriter::write(const std::string& text) {
+void StreamWriter::write(std::string text) {
     const std::lock_guard<std::mutex> lock(state->mutex);
-    state->waiting += text;
+    if (state->waiting.empty())
+        state->waiting = std::move(text);
+    else
+        state->waiting += text;
     state->changed.notify_all();
 }
 

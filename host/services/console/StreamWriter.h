@@ -20,7 +20,7 @@ public:
     // Waits for no reader: what is not written is lost.
     ~StreamWriter();
 
-    void write(const std::string& text);
+    void write(std::string text);
     // All is written. Who has more to say than the reader may want looks here first: texts wait without
     // bound.
     bool isIdle() const;

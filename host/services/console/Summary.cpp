@@ -19,6 +19,16 @@ void count(RtuOutcome& outcome, PointQuality quality) {
         ++outcome.neverReadPoints;
 }
 
+void countPoints(RtuOutcome& outcome, const PointTable::Block& block, const ValueStore& store) {
+    std::vector<PointState> states;
+    for (PointIndex next = block.first; next < block.end();) {
+        store.copyStates(next, block.end() - next, states);
+        for (const PointState& state : states)
+            count(outcome, state.quality);
+        next += static_cast<PointIndex>(states.size());
+    }
+}
+
 ExitStatus judge(const RtuOutcome& outcome) {
     const Rtu& rtu = *outcome.figures.rtu;
     const RtuStatus& status = outcome.figures.status;
@@ -57,11 +67,10 @@ std::vector<RtuOutcome> collectOutcomes(const std::vector<RtuFigures>& figures, 
         outcome.figures = one;
         outcomes.push_back(outcome);
     }
-    const std::vector<PointState> states = store.states();
-    for (std::size_t i = 0; i < states.size(); ++i) {
-        const auto position = positions.find(store.points()[i].rtu);
+    for (const PointTable::Block& block : store.points().blocks()) {
+        const auto position = positions.find(block.rtu);
         if (position != positions.end())
-            count(outcomes[position->second], states[i].quality);
+            countPoints(outcomes[position->second], block, store);
     }
     return outcomes;
 }

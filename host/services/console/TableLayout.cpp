@@ -47,24 +47,29 @@ Style styleOf(PointQuality quality) {
 class TableBuilder {
 public:
     TableBuilder(const TableContents& tableContents, const terminal::Size& terminalSize)
-        : contents(tableContents), columns(terminalSize.columns) {
-        std::size_t longestName = leastNameColumns;
-        for (const PointRef& ref : *contents.points)
-            longestName = std::max(longestName, countCharacters(ref.point->name));
+        : contents(tableContents), points(contents.values->points()), columns(terminalSize.columns) {
         const std::size_t room = columns > fixedColumns ? columns - fixedColumns : 0;
-        nameColumns = std::max(leastNameColumns, std::min(longestName, room));
+        nameColumns = std::max(leastNameColumns, std::min(contents.longestName, room));
     }
 
     // The first point of each page of `rows` lines. There is one page even without points.
     std::vector<std::size_t> pageStarts(std::size_t rows) const {
         std::vector<std::size_t> starts{0};
         std::size_t used = 0;
-        for (std::size_t i = 0; i < contents.points->size(); ++i) {
-            const std::size_t needed = headingsBefore(i, used == 0).count() + 1;
-            const bool fits = used == 0 || used + needed <= rows;
-            if (!fits)
-                starts.push_back(i);
-            used = fits ? used + needed : headingsBefore(i, true).count() + 1;
+        for (const PointTable::Block& block : points.blocks()) {
+            std::size_t next = block.first;
+            while (next < block.end()) {
+                const std::size_t headings = headingsBefore(next, used == 0).count();
+                if (used > 0 && used + headings + 1 > rows) {
+                    starts.push_back(next);
+                    used = 0;
+                    continue;
+                }
+                const std::size_t room = rows > used + headings ? rows - used - headings : 1;
+                const std::size_t fitting = std::min(room, block.end() - next);
+                used += headings + fitting;
+                next += fitting;
+            }
         }
         return starts;
     }
@@ -72,14 +77,16 @@ public:
     // The points from `first` to before `end`, under their headings.
     std::vector<TableLine> pageLines(std::size_t first, std::size_t end) const {
         std::vector<TableLine> lines;
-        for (std::size_t i = first; i < end; ++i) {
-            const PointRef& ref = (*contents.points)[i];
+        std::vector<PointState> states;
+        contents.values->copyStates(static_cast<PointIndex>(first), end - first, states);
+        for (std::size_t i = first; i < first + states.size(); ++i) {
+            const PointRef ref = points.at(static_cast<PointIndex>(i));
             const Headings headings = headingsBefore(i, i == first);
             if (headings.ofChannel)
                 lines.push_back(line(Style::Heading, channelHeading(*ref.channel)));
             if (headings.ofRtu)
                 lines.push_back(line(Style::Heading, rtuHeading(*ref.rtu)));
-            lines.push_back(pointLine(ref, contents.states[i]));
+            lines.push_back(pointLine(ref, states[i - first]));
         }
         return lines;
     }
@@ -98,8 +105,8 @@ private:
     };
 
     Headings headingsBefore(std::size_t index, bool atPageTop) const {
-        const PointRef& ref = (*contents.points)[index];
-        const PointRef before = index > 0 ? (*contents.points)[index - 1] : PointRef();
+        const PointRef ref = points.at(static_cast<PointIndex>(index));
+        const PointRef before = index > 0 ? points.at(static_cast<PointIndex>(index - 1)) : PointRef();
         return {atPageTop || ref.channel != before.channel, atPageTop || ref.rtu != before.rtu};
     }
 
@@ -140,11 +147,20 @@ private:
     }
 
     const TableContents& contents;
+    const PointTable& points;
     const std::size_t columns;
     std::size_t nameColumns = leastNameColumns;
 };
 
 } // namespace
+
+std::size_t longestNameOf(const PointTable& points) {
+    std::size_t longest = 0;
+    for (const PointTable::Block& block : points.blocks())
+        for (const Point& point : block.rtu->points)
+            longest = std::max(longest, countCharacters(point.name));
+    return longest;
+}
 
 std::string fitText(const std::string& text, std::size_t columns, bool rightAligned) {
     std::string fitted;
@@ -168,7 +184,7 @@ TablePage layOutTable(const TableContents& contents, const terminal::Size& size,
     TablePage result;
     result.pageCount = starts.size();
     const std::size_t shown = page % starts.size();
-    const std::size_t end = shown + 1 < starts.size() ? starts[shown + 1] : contents.points->size();
+    const std::size_t end = shown + 1 < starts.size() ? starts[shown + 1] : contents.values->points().size();
     const std::vector<TableLine> lines = builder.pageLines(starts[shown], end);
     std::string title = contents.title + "  " + localTimeText(contents.nowMs).substr(0, 19);
     if (starts.size() > 1)

@@ -13,8 +13,8 @@ constexpr std::size_t mostTableMessages = 4;
 struct TableContents {
     std::string title;
     qint64 nowMs = 0; // since 1970: what ages are counted from
-    const std::vector<PointRef>* points = nullptr;
-    std::vector<PointState> states; // of the points
+    const ValueStore* values = nullptr;
+    std::size_t longestName = 0; // of all points, in characters
     SiteFigures figures;
     std::vector<std::string> messages; // the newest last; as many as find room, mostTableMessages at most
 };
@@ -37,5 +37,8 @@ TablePage layOutTable(const TableContents& contents, const terminal::Size& size,
 // `text` in a field of `columns` characters, cut or filled with blanks. Counts characters, not bytes, and
 // shows control characters as "?".
 std::string fitText(const std::string& text, std::size_t columns, bool rightAligned = false);
+
+// For TableContents; looks at every name.
+std::size_t longestNameOf(const PointTable& points);
 
 } // namespace host

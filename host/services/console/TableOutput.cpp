@@ -31,10 +31,10 @@ const char* sequenceFor(TableLine::Style style) {
 
 } // namespace
 
-TableOutput::TableOutput(Console& console, const std::string& tableTitle, ValueStore& valueStore,
+TableOutput::TableOutput(Console& console, const std::string& tableTitle, const ValueStore& valueStore,
                          FiguresSource figuresSource)
     : out(console.out), error(console.error), title(tableTitle), store(valueStore),
-      figures(std::move(figuresSource)) {
+      longestName(longestNameOf(store.points())), figures(std::move(figuresSource)) {
     terminal::prepare();
     terminal::noteScreenTaken(true);
     out.write(terminal::enterScreen);
@@ -50,9 +50,8 @@ bool TableOutput::update() {
     if (now - drawnAt < redrawPeriod || !out.isIdle())
         return out.isGood();
     drawnAt = now;
-    const TableContents contents{title,           QDateTime::currentMSecsSinceEpoch(),
-                                 &store.points(), store.states(),
-                                 figures(),       newestMessages};
+    const TableContents contents{
+        title, QDateTime::currentMSecsSinceEpoch(), &store, longestName, figures(), newestMessages};
     const auto page = static_cast<std::size_t>((now - startedAt) / pageTime);
     std::string screen = terminal::home;
     const TablePage laidOut = layOutTable(contents, terminal::size(), page);

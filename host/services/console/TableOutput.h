@@ -13,13 +13,14 @@ struct Console;
 // take turns. Messages appear below the table, and on standard error too where that is another place.
 class TableOutput : public Output {
 public:
-    TableOutput(Console& console, const std::string& tableTitle, ValueStore& valueStore,
+    TableOutput(Console& console, const std::string& tableTitle, const ValueStore& valueStore,
                 FiguresSource figuresSource);
     ~TableOutput() override;
 
     bool update() override;
     void tell(const std::vector<std::string>& messages) override;
     void finish() override;
+    std::uint64_t lostChanges() const override { return 0; } // it shows states
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -27,7 +28,8 @@ private:
     StreamWriter& out;
     StreamWriter& error;
     const std::string title;
-    ValueStore& store;
+    const ValueStore& store;
+    const std::size_t longestName;
     const FiguresSource figures;
     bool ownsTerminal = false;
     const Clock::time_point startedAt = Clock::now();

@@ -27,8 +27,8 @@ std::string namePath(const std::string& path) {
 
 } // namespace
 
-ControlListener::ControlListener(const Site& site, ControlledHost& controlled, ValueStore& store)
-    : service(site, controlled, store,
+ControlListener::ControlListener(ControlledHost& controlled, const ValueStore& store)
+    : service(controlled, store,
               {[this](ClientId client, const QByteArray& line) { send(client, line); },
                [this](ClientId client) {
                    const ControlConnection* const connection = find(client);
@@ -42,7 +42,7 @@ ControlListener::ControlListener(const Site& site, ControlledHost& controlled, V
     workTimer.setSingleShot(true);
     connect(&workTimer, &QTimer::timeout, this, [this] { work(); });
     connect(&changeTimer, &QTimer::timeout, this, [this] {
-        service.tellChanges();
+        tellChanges();
         service.tellExchanges();
     });
     connect(&listenTimer, &QTimer::timeout, this, [this] { listenAgain(); });
@@ -187,6 +187,14 @@ void ControlListener::tellCurrentValues(ClientId client) {
     while (connection != nullptr && connection->hasRoom() &&
            service.tellCurrentValues(client, currentValues)) {
     }
+}
+
+// Behind changes that were missed, watchers are told all current values again.
+void ControlListener::tellChanges() {
+    service.tellChanges();
+    for (const auto& [client, connection] : connections)
+        if (service.isWatching(client))
+            tellCurrentValues(client);
 }
 
 void ControlListener::send(ClientId client, const QByteArray& line) {

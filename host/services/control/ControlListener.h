@@ -17,7 +17,7 @@ namespace host {
 // the time, and each client gets its turn. Lives on the server's thread.
 class ControlListener : public QObject, public ControlConnection::Owner {
 public:
-    ControlListener(const Site& site, ControlledHost& controlled, ValueStore& store);
+    ControlListener(ControlledHost& controlled, const ValueStore& store);
     ~ControlListener() override;
 
     // Empty, or why there is no listening: then nothing listens.
@@ -41,6 +41,7 @@ private:
     void work();
     void workFor(ClientId client);
     void tellCurrentValues(ClientId client);
+    void tellChanges();
     void send(ClientId client, const QByteArray& line);
     ControlConnection* find(ClientId client);
 

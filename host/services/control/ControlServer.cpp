@@ -21,8 +21,8 @@ std::size_t clientsAllowed() {
 
 } // namespace
 
-ControlServer::ControlServer(const Site& hostSite, ControlledHost& controlledHost, ValueStore& valueStore)
-    : listener(std::make_unique<ControlListener>(hostSite, controlledHost, valueStore)) {
+ControlServer::ControlServer(ControlledHost& controlledHost, const ValueStore& valueStore)
+    : listener(std::make_unique<ControlListener>(controlledHost, valueStore)) {
     thread.setObjectName(QStringLiteral("control"));
 }
 

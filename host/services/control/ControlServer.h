@@ -11,11 +11,11 @@ namespace host {
 class ControlListener;
 
 // The control socket of a running site, served on a thread of its own.
-// States: made, listening (after start), stopped (after stop, for good). Main thread alone. Site, host and
-// store outlive it; the store keeps its changes for this server alone.
+// States: made, listening (after start), stopped (after stop, for good). Main thread alone. Host and store
+// outlive it.
 class ControlServer {
 public:
-    ControlServer(const Site& hostSite, ControlledHost& controlledHost, ValueStore& valueStore);
+    ControlServer(ControlledHost& controlledHost, const ValueStore& valueStore);
     ControlServer(const ControlServer&) = delete;
     ControlServer& operator=(const ControlServer&) = delete;
     ~ControlServer();

@@ -11,6 +11,7 @@ namespace {
 // Figures are counted anew no sooner: a client that asks without pause costs the host no more than this.
 constexpr std::chrono::milliseconds statusAge{100};
 constexpr std::size_t mostFaultsTold = 3; // of wrong names in one request
+constexpr std::size_t changesAtOnce = 4'096;
 
 template <typename Ref>
 QJsonValue jsonName(const SiteNames& names, const Ref& ref) {
@@ -36,15 +37,15 @@ private:
 
 } // namespace
 
-ControlService::ControlService(const Site& hostSite, ControlledHost& controlledHost, ValueStore& valueStore,
+ControlService::ControlService(ControlledHost& controlledHost, const ValueStore& valueStore,
                                const Settings& serviceSettings)
-    : names(hostSite), controlled(controlledHost), store(valueStore), settings(serviceSettings),
+    : controlled(controlledHost), store(valueStore), names(valueStore.points()), settings(serviceSettings),
       finished(std::make_shared<FinishedCommands>(serviceSettings.wake,
                                                   [&controlledHost](int channelId, int rtuId) {
                                                       return controlledHost.wasRefused(channelId, rtuId);
                                                   })),
-      shown(valueStore.states()),
-      trace(hostSite, controlledHost.exchanges(), serviceSettings.send, serviceSettings.hasRoom) {}
+      reader(valueStore), trace(controlledHost.site(), controlledHost.exchanges(), serviceSettings.send,
+                                serviceSettings.hasRoom) {}
 
 ControlService::~ControlService() {
     finished->close();
@@ -246,11 +247,18 @@ void ControlService::handle(ClientId client, const QJsonValue& id, const WatchRe
         return;
     }
     Watch watch;
+    watch.blocks.resize(store.points().blocks().size());
     int count = 0;
-    for (const SiteNames::RtuRef& ref : *rtus)
-        if (watch.rtus.insert(ref.rtu).second)
-            count += static_cast<int>(ref.rtu->points.size());
-    watches.emplace(client, watch);
+    for (const SiteNames::RtuRef& ref : *rtus) {
+        const PointTable::Block* const block = store.points().find(ref.channel->id, ref.rtu->id);
+        const std::size_t place = store.points().placeOf(*block);
+        if (!watch.blocks[place])
+            count += static_cast<int>(block->count);
+        watch.blocks[place] = true;
+    }
+    if (watches.empty())
+        reader.skipToEnd(); // nobody has asked for what was before
+    watches.emplace(client, std::move(watch));
     settings.send(client, reply(id, true, {{QStringLiteral("points"), count}}));
 }
 
@@ -276,33 +284,69 @@ bool ControlService::tellCurrentValues(ClientId client, std::size_t most) {
     if (found == watches.end())
         return false;
     Watch& watch = found->second;
-    for (; watch.nextCurrent < shown.size() && most > 0; ++watch.nextCurrent) {
-        const PointRef& ref = store.points()[watch.nextCurrent];
-        if (watch.rtus.count(ref.rtu) == 0)
+    const PointTable& points = store.points();
+    while (watch.nextCurrent < points.size() && most > 0) {
+        const PointTable::Block& block = points.blockOf(watch.nextCurrent);
+        if (!watch.blocks[points.placeOf(block)]) {
+            watch.nextCurrent = block.end();
             continue;
-        settings.send(client, changeLine(ref, shown[watch.nextCurrent]));
-        --most;
+        }
+        const std::size_t wanted = std::min<std::size_t>(most, block.end() - watch.nextCurrent);
+        const std::uint64_t firstChange = store.copyStates(watch.nextCurrent, wanted, states);
+        for (const PointState& state : states)
+            settings.send(client, changeLine(points.at(watch.nextCurrent++), state));
+        watch.pieces.push_back({watch.nextCurrent, firstChange});
+        most -= states.size();
     }
-    return watch.nextCurrent < shown.size();
+    return watch.nextCurrent < points.size();
 }
 
 void ControlService::tellChanges() {
-    const std::vector<PointChange> changes = store.takeChanges();
-    const std::size_t lost = store.lostChanges();
-    if (lost != lostBefore) { // nobody came to tell them for very long: the newest states are what is left
-        lostBefore = lost;
-        shown = store.states();
-    }
-    for (const PointChange& change : changes) {
-        const PointRef& ref = store.points()[change.index];
-        shown[change.index] = change.state;
-        if (watches.empty())
+    if (watches.empty())
+        return;
+    do {
+        reader.read(changes, changesAtOnce);
+        if (reader.takeMissed() > 0)
+            for (auto& [client, watch] : watches) {
+                watch.nextCurrent = 0;
+                watch.pieces.clear();
+            }
+        const std::uint64_t first = reader.position() - changes.size();
+        for (std::size_t i = 0; i < changes.size(); ++i)
+            tellChange(first + i, changes[i]);
+    } while (changes.size() == changesAtOnce);
+    for (auto& [client, watch] : watches)
+        while (!watch.pieces.empty() && watch.pieces.front().firstChange <= reader.position())
+            watch.pieces.pop_front();
+}
+
+void ControlService::tellChange(std::uint64_t number, const PointChange& change) {
+    const PointTable& points = store.points();
+    const std::size_t block = points.placeOf(points.blockOf(change.index));
+    QByteArray text; // one for all: they share its bytes
+    for (const auto& [client, watch] : watches) {
+        if (!isToBeTold(watch, block, change.index, number))
             continue;
-        const QByteArray line = changeLine(ref, change.state); // one for all: they share its bytes
-        for (const auto& [client, watch] : watches)
-            if (change.index < watch.nextCurrent && watch.rtus.count(ref.rtu) > 0)
-                settings.send(client, line);
+        if (text.isEmpty())
+            text = changeLine(points.at(change.index), change.state);
+        settings.send(client, text);
     }
+}
+
+bool ControlService::isToBeTold(const Watch& watch, std::size_t block, PointIndex index,
+                                std::uint64_t number) {
+    if (!watch.blocks[block] || index >= watch.nextCurrent)
+        return false;
+    const auto piece = std::upper_bound(watch.pieces.begin(), watch.pieces.end(), index,
+                                        [](PointIndex wanted, const Piece& one) { return wanted < one.end; });
+    return piece == watch.pieces.end() || number >= piece->firstChange;
+}
+
+QByteArray ControlService::changeLine(const PointRef& ref, const PointState& state) {
+    lineText = "{\"change\":";
+    changeText->append(lineText, ref, state);
+    lineText += '}';
+    return QByteArray(lineText.data(), static_cast<int>(lineText.size()));
 }
 
 void ControlService::forget(ClientId client) {

@@ -5,19 +5,23 @@
 #include "FinishedCommands.h"
 #include "Request.h"
 #include "SiteNames.h"
+#include "values/ChangeReader.h"
+#include "values/ChangeText.h"
 
 #include <chrono>
+#include <deque>
 #include <map>
 #include <memory>
-#include <set>
 
 namespace host {
 
 // Answers requests, without any socket: lines of clients in, lines for clients out. One thread, but for the
 // ends of commands, which may come on any and are answered for with answerFinished().
 //
-// Values: every change goes from the store to the watchers through tellChanges(). `shown` is what all of them
-// know, so that a new watcher's current values and the changes after them fit together.
+// Values: every change goes from the store to the watchers through tellChanges(). A new watcher is first told
+// the current values, piece by piece as it reads them, and of each piece only the changes that its values do
+// not hold yet, which their sequence numbers tell. After changes were missed, all watchers are told the
+// current values once more.
 class ControlService {
 public:
     using Clock = std::chrono::steady_clock;
@@ -30,8 +34,8 @@ public:
         std::function<Clock::time_point()> now = Clock::now;
     };
 
-    // Site, host and store outlive the service; the store keeps its changes for it alone.
-    ControlService(const Site& hostSite, ControlledHost& controlledHost, ValueStore& valueStore,
+    // Host and store outlive the service.
+    ControlService(ControlledHost& controlledHost, const ValueStore& valueStore,
                    const Settings& serviceSettings);
     ControlService(const ControlService&) = delete;
     ControlService& operator=(const ControlService&) = delete;
@@ -64,9 +68,15 @@ private:
         std::vector<CommandOutcome> outcomes;
         std::size_t open = 0; // commands without a result
     };
+    // Current values that were told together: those behind the piece before, as far as `end`.
+    struct Piece {
+        PointIndex end = 0;
+        std::uint64_t firstChange = 0; // the first one that is not in them
+    };
     struct Watch {
-        std::set<const Rtu*> rtus;
-        std::size_t nextCurrent = 0; // values from here on are still to be told
+        std::vector<bool> blocks;   // which of the points' blocks, one for each RTU, it watches
+        PointIndex nextCurrent = 0; // values from here on are still to be told
+        std::deque<Piece> pieces;   // as far as they hold changes that tellChanges() still comes to
     };
     struct NamedCommand {
         QJsonObject subject;
@@ -87,15 +97,21 @@ private:
                                                         const WriteRequest& request);
     void submit(ClientId client, const QJsonValue& id, const std::vector<NamedCommand>& commands);
     void answerIfComplete(quint64 ticket);
+    void tellChange(std::uint64_t number, const PointChange& change);
+    static bool isToBeTold(const Watch& watch, std::size_t block, PointIndex index, std::uint64_t number);
+    QByteArray changeLine(const PointRef& ref, const PointState& state);
 
-    const SiteNames names;
     ControlledHost& controlled;
-    ValueStore& store;
+    const ValueStore& store;
+    const SiteNames names;
     const Settings settings;
     const std::shared_ptr<FinishedCommands> finished;
 
-    std::vector<PointState> shown; // by the store's points
-    std::size_t lostBefore = 0;
+    ChangeReader reader;
+    std::vector<PointChange> changes; // kept for its memory, as the two that follow
+    std::vector<PointState> states;
+    std::string lineText;
+    const std::unique_ptr<ChangeText> changeText = makeJsonText();
     std::map<ClientId, Watch> watches;
     ControlTrace trace;
     std::map<quint64, OpenRequest> openRequests; // by ticket

@@ -14,15 +14,15 @@ ControlSocket::~ControlSocket() {
 }
 
 std::string ControlSocket::start(RunningSite& runningSite) {
-    site = &runningSite;
-    server = std::make_unique<ControlServer>(site->site, *this, site->values);
+    running = &runningSite;
+    server = std::make_unique<ControlServer>(*this, running->values);
     if (!path.empty())
         return server->start(path);
     const SocketPlace place = prepareControlSocketPlace(sitePath);
     const std::string fault = place.fault.empty() ? server->start(place.path) : place.fault;
     if (!fault.empty())
-        site->messages.tell(fault +
-                            "; sbus-host ctl cannot reach this one. Give it a socket with --control PATH");
+        running->messages.tell(fault +
+                               "; sbus-host ctl cannot reach this one. Give it a socket with --control PATH");
     return {};
 }
 
@@ -36,20 +36,20 @@ std::vector<ServiceFigure> ControlSocket::figures() const {
 }
 
 std::string ControlSocket::submit(const Command& command, CommandDone done) {
-    return site->commands.submit(command, std::move(done));
+    return running->commands.submit(command, std::move(done));
 }
 
 Halvex::DriverErrorResult ControlSocket::requestPoll(int channelId, int rtuId) {
-    return site->requestPoll(channelId, rtuId);
+    return running->requestPoll(channelId, rtuId);
 }
 
 HostFigures ControlSocket::siteFigures() const {
-    const SiteFigures figures = site->figures();
-    return {figures.channels, collectOutcomes(figures.rtus, site->values)};
+    const SiteFigures figures = running->figures();
+    return {figures.channels, collectOutcomes(figures.rtus, running->values)};
 }
 
 bool ControlSocket::wasRefused(int channelId, int rtuId) const {
-    return site->wasRefused(channelId, rtuId);
+    return running->wasRefused(channelId, rtuId);
 }
 
 } // namespace host

@@ -27,12 +27,13 @@ private:
     std::string submit(const Command& command, CommandDone done) override;
     Halvex::DriverErrorResult requestPoll(int channelId, int rtuId) override;
     HostFigures siteFigures() const override;
-    ExchangeFeed& exchanges() override { return site->exchanges; }
+    const Site& site() const override { return running->site; }
+    ExchangeFeed& exchanges() override { return running->exchanges; }
     bool wasRefused(int channelId, int rtuId) const override;
 
     const std::string path;
     const std::string sitePath;
-    RunningSite* site = nullptr; // from start() on
+    RunningSite* running = nullptr; // from start() on
     std::unique_ptr<ControlServer> server;
 };
 

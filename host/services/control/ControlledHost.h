@@ -18,7 +18,8 @@ public:
     // Asks an RTU for an integrity poll. The result tells only whether the driver took the wish over.
     virtual Halvex::DriverErrorResult requestPoll(int channelId, int rtuId) = 0;
     virtual HostFigures siteFigures() const = 0;
-    // Outlives the server.
+    // Both outlive the server.
+    virtual const Site& site() const = 0;
     virtual ExchangeFeed& exchanges() = 0;
     // Whether the last request of the RTU that failed was refused by the controller.
     virtual bool wasRefused(int channelId, int rtuId) const = 0;

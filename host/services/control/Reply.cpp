@@ -2,7 +2,6 @@
 
 #include "commands/CommandText.h"
 #include "services/console/ChannelText.h"
-#include "values/ChangeText.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -104,10 +103,6 @@ QByteArray reply(const QJsonValue& id, bool ok, QJsonObject parts) {
         parts.insert(QStringLiteral("id"), id);
     parts.insert(QStringLiteral("ok"), ok);
     return QJsonDocument(parts).toJson(QJsonDocument::Compact);
-}
-
-QByteArray changeLine(const PointRef& ref, const PointState& state) {
-    return QByteArray::fromStdString("{\"change\":" + changeAsJson(ref, state) + "}");
 }
 
 QJsonObject statusParts(const std::vector<ChannelFigures>& channels, const std::vector<RtuOutcome>& rtus) {

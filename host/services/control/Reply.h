@@ -39,8 +39,6 @@ QJsonObject toJson(const CommandOutcome& outcome);
 QByteArray errorReply(const QJsonValue& id, ReplyFault code, const std::string& text);
 // {"id":..., "ok":..., parts}
 QByteArray reply(const QJsonValue& id, bool ok, QJsonObject parts);
-// The line of a value that is told to who watches.
-QByteArray changeLine(const PointRef& ref, const PointState& state);
 
 // {"channels":[...]}
 QJsonObject statusParts(const std::vector<ChannelFigures>& channels, const std::vector<RtuOutcome>& rtus);

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cctype>
+#include <functional>
 #include <set>
+#include <tuple>
 
 namespace host {
 
@@ -74,23 +76,79 @@ std::size_t distanceTo(const Ref& ref, const std::string& given) {
     return farLast <= givenLast.size() / 4 ? std::min(far, farLast + 1) : far;
 }
 
+std::uint32_t hashOf(const std::string& name) {
+    return static_cast<std::uint32_t>(std::hash<std::string>()(name));
+}
+
+} // namespace
+
+SiteNames::SiteNames(const PointTable& pointTable) : points(pointTable) {
+    for (const PointTable::Block& block : points.blocks())
+        rtuRefs.push_back({block.channel, block.rtu});
+    rtuIndex = makeIndex<RtuRef>(rtuRefs.size());
+    pointIndex = makeIndex<PointRef>(points.size());
+}
+
+template <>
+SiteNames::RtuRef SiteNames::refAt(std::size_t place) const {
+    return rtuRefs[place];
+}
+
+template <>
+PointRef SiteNames::refAt(std::size_t place) const {
+    return points.at(static_cast<PointIndex>(place));
+}
+
+template <typename Ref>
+SiteNames::Index SiteNames::makeIndex(std::size_t count) const {
+    Index index;
+    index.reserve(2 * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const Ref ref = refAt<Ref>(i);
+        index.push_back({hashOf(shortName(ref)), static_cast<PointIndex>(i)});
+        index.push_back({hashOf(fullName(ref)), static_cast<PointIndex>(i)});
+    }
+    std::sort(index.begin(), index.end(), [](const Entry& one, const Entry& other) {
+        return std::tie(one.hash, one.place) < std::tie(other.hash, other.place);
+    });
+    return index;
+}
+
+// In the order of the site; other names may have the same hash.
+template <typename Ref>
+std::vector<std::size_t> SiteNames::placesOf(const Index& index, const std::string& name) const {
+    const std::uint32_t hash = hashOf(name);
+    std::vector<std::size_t> places;
+    auto entry = std::lower_bound(index.begin(), index.end(), hash,
+                                  [](const Entry& one, std::uint32_t wanted) { return one.hash < wanted; });
+    for (; entry != index.end() && entry->hash == hash; ++entry) {
+        const Ref ref = refAt<Ref>(entry->place);
+        if (shortName(ref) == name || fullName(ref) == name)
+            places.push_back(entry->place);
+    }
+    return places;
+}
+
 // The shortest name that means this and nothing else.
-template <typename Ref, typename Index>
-std::string clearName(const Ref& ref, const Index& index) {
-    return index.at(shortName(ref)).size() == 1 ? shortName(ref) : fullName(ref);
+template <typename Ref>
+std::string SiteNames::clearName(const Index& index, const Ref& ref) const {
+    const std::string name = shortName(ref);
+    return placesOf<Ref>(index, name).size() == 1 ? name : fullName(ref);
 }
 
 // The names that somebody may have meant, the nearest first: "\"a\", \"b\"".
-template <typename Ref, typename Index>
-std::string nearNames(const std::vector<Ref>& refs, const Index& index, const std::string& name) {
+template <typename Ref>
+std::string SiteNames::nearNames(const Index& index, const std::string& name) const {
     if (name.size() > longestName)
         return {};
     const std::string given = lowered(name);
     std::set<std::pair<std::size_t, std::string>> found;
-    for (const Ref& ref : refs) {
+    const std::size_t count = index.size() / 2; // a short and a full name each
+    for (std::size_t i = 0; i < count; ++i) {
+        const Ref ref = refAt<Ref>(i);
         const std::size_t far = distanceTo(ref, given);
         if (far <= farthestDistance)
-            found.emplace(far, clearName(ref, index));
+            found.emplace(far, clearName(index, ref));
         if (found.size() > mostNearNames)
             found.erase(std::prev(found.end()));
     }
@@ -100,60 +158,38 @@ std::string nearNames(const std::vector<Ref>& refs, const Index& index, const st
     return text;
 }
 
-template <typename Ref, typename Index>
-SiteNames::Match<Ref> find(const std::vector<Ref>& refs, const Index& index, const std::string& name,
-                           const std::string& what) {
-    const auto found = index.find(name);
-    if (found == index.end()) {
-        const std::string near = nearNames(refs, index, name);
+template <typename Ref>
+SiteNames::Match<Ref> SiteNames::find(const Index& index, const std::string& name,
+                                      const std::string& what) const {
+    const std::vector<std::size_t> found = placesOf<Ref>(index, name);
+    if (found.empty()) {
+        const std::string near = nearNames<Ref>(index, name);
         return {{},
                 "no " + what + " \"" + name.substr(0, longestName) + "\"" +
                     (near.empty() ? "" : "; near it: " + near)};
     }
-    if (found->second.size() == 1)
-        return {refs[found->second.front()], {}};
+    if (found.size() == 1)
+        return {refAt<Ref>(found.front()), {}};
     std::string meanings;
-    for (std::size_t i = 0; i < std::min(found->second.size(), mostNearNames); ++i)
-        meanings += (i == 0 ? "\"" : ", \"") + fullName(refs[found->second[i]]) + '"';
-    return {{},
-            "there are " + std::to_string(found->second.size()) + " of \"" + name + "\": write " + meanings};
-}
-
-template <typename Refs, typename Index>
-void fill(const Refs& refs, Index& index) {
-    for (std::size_t i = 0; i < refs.size(); ++i) {
-        index[shortName(refs[i])].push_back(i);
-        index[fullName(refs[i])].push_back(i);
-    }
-}
-
-} // namespace
-
-SiteNames::SiteNames(const Site& site) {
-    for (const Channel& channel : site.channels)
-        for (const Rtu& rtu : channel.rtus) {
-            rtuRefs.push_back({&channel, &rtu});
-            for (const Point& point : rtu.points)
-                pointRefs.push_back({&channel, &rtu, &point});
-        }
-    fill(rtuRefs, rtuIndex);
-    fill(pointRefs, pointIndex);
+    for (std::size_t i = 0; i < std::min(found.size(), mostNearNames); ++i)
+        meanings += (i == 0 ? "\"" : ", \"") + fullName(refAt<Ref>(found[i])) + '"';
+    return {{}, "there are " + std::to_string(found.size()) + " of \"" + name + "\": write " + meanings};
 }
 
 SiteNames::Match<PointRef> SiteNames::findPoint(const std::string& name) const {
-    return find(pointRefs, pointIndex, name, "point");
+    return find<PointRef>(pointIndex, name, "point");
 }
 
 SiteNames::Match<SiteNames::RtuRef> SiteNames::findRtu(const std::string& name) const {
-    return find(rtuRefs, rtuIndex, name, "RTU");
+    return find<RtuRef>(rtuIndex, name, "RTU");
 }
 
 std::string SiteNames::nameOf(const RtuRef& rtu) const {
-    return clearName(rtu, rtuIndex);
+    return clearName(rtuIndex, rtu);
 }
 
 std::string SiteNames::nameOf(const PointRef& point) const {
-    return clearName(point, pointIndex);
+    return clearName(pointIndex, point);
 }
 
 } // namespace host

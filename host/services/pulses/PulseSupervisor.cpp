@@ -1,5 +1,6 @@
 #include "PulseSupervisor.h"
 
+#include "commands/CommandPlan.h"
 #include "commands/CommandText.h"
 #include "runtime/FailureText.h"
 
@@ -11,42 +12,47 @@ namespace {
 
 using Halvex::DriverErrorResult;
 
-std::string nameOf(const Channel& channel, const Rtu& rtu, const Point& point) {
-    return nameOf(channel, &rtu) + ", point " + std::to_string(point.id) + " \"" + point.name + "\" (" +
-           toText(point.address) + ")";
+constexpr std::chrono::milliseconds lookPeriod{50}; // how late a point may be commanded off behind a poll
+
+std::string nameOf(const PointRef& ref) {
+    return nameOf(*ref.channel, ref.rtu) + ", point " + std::to_string(ref.point->id) + " \"" +
+           ref.point->name + "\" (" + toText(ref.point->address) + ")";
 }
 
 } // namespace
 
-PulseSupervisor::PulseSupervisor(const Site& site, CommandTaker& commandTaker, Tell tellOperator, Now clock)
-    : taker(commandTaker), tell(std::move(tellOperator)), now(std::move(clock)) {
-    for (const Channel& channel : site.channels)
-        for (const Rtu& rtu : channel.rtus)
-            for (const Point& point : rtu.points)
-                if (isPulse(point) && isOffCommandItsRelease(point)) {
-                    Pulse& pulse = pulses[{channel.id, rtu.id, point.id}];
-                    pulse.channel = &channel;
-                    pulse.rtu = &rtu;
-                    pulse.point = &point;
-                }
+PulseSupervisor::PulseSupervisor(const ValueStore& values, CommandTaker& commandTaker, Tell tellOperator,
+                                 Now clock)
+    : store(values), taker(commandTaker), tell(std::move(tellOperator)), now(std::move(clock)) {}
+
+PulseSupervisor::~PulseSupervisor() {
+    stop();
 }
 
-PulseSupervisor::Pulse* PulseSupervisor::find(const Key& key) {
-    const auto found = pulses.find(key);
-    return found == pulses.end() ? nullptr : &found->second;
+std::string PulseSupervisor::start(RunningSite&) {
+    thread = std::thread([this] { run(); });
+    return {};
+}
+
+void PulseSupervisor::stop() {
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        isStopping = true;
+    }
+    changed.notify_all();
+    if (thread.joinable())
+        thread.join();
+}
+
+std::vector<ServiceFigure> PulseSupervisor::figures() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return {{"watched", watched.size()}, {"switched off", switchedOff}};
 }
 
 std::string PulseSupervisor::submit(const Command& command, CommandDone done) {
-    const auto* const switching = std::get_if<SwitchPoint>(&command.action);
-    Pulse* const pulse = switching != nullptr && switching->on
-                             ? find({command.channelId, command.rtuId, switching->point})
-                             : nullptr;
+    Pulse* const pulse = pulseOf(command);
     if (pulse == nullptr)
         return taker.submit(command, std::move(done));
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        ++pulse->commandsOnTheWay;
-    }
     std::string refusal = taker.submit(command, [this, pulse, done = std::move(done)](const CommandEnd& end) {
         noteEnd(*pulse, end);
         done(end);
@@ -58,48 +64,85 @@ std::string PulseSupervisor::submit(const Command& command, CommandDone done) {
     return refusal;
 }
 
+PulseSupervisor::Pulse* PulseSupervisor::pulseOf(const Command& command) {
+    const auto* const switching = std::get_if<SwitchPoint>(&command.action);
+    const PointTable::Block* const block = store.points().find(command.channelId, command.rtuId);
+    if (switching == nullptr || !switching->on || block == nullptr)
+        return nullptr;
+    const Point* const point = findPoint(*block->rtu, switching->point);
+    if (point == nullptr || !isPulse(*point) || !isOffCommandItsRelease(*point))
+        return nullptr;
+    const PointIndex index = block->first + static_cast<PointIndex>(point - block->rtu->points.data());
+    const std::lock_guard<std::mutex> lock(mutex);
+    Pulse& pulse = pulses[index];
+    pulse.index = index;
+    pulse.ref = {block->channel, block->rtu, point};
+    ++pulse.commandsOnTheWay;
+    return &pulse;
+}
+
 void PulseSupervisor::noteEnd(Pulse& pulse, const CommandEnd& end) {
     const std::lock_guard<std::mutex> lock(mutex);
     --pulse.commandsOnTheWay;
     if (!end.wasTaken)
         return;
-    pulse.isWatched = true;
-    pulse.widthIsOver = now() + std::chrono::milliseconds(pulse.point->pulseMs);
+    pulse.widthIsOver = now() + std::chrono::milliseconds(pulse.ref.point->pulseMs);
+    pulse.wasOverBefore = false;
     pulse.hasBeenPolled = false;
     pulse.tries = 0;
+    watched.insert(&pulse);
+    changed.notify_all();
 }
 
-void PulseSupervisor::publishPoints(int channelId, int rtuId, const QVector<PointUpdate>& updates) {
-    if (pulses.empty())
-        return;
+void PulseSupervisor::run() {
+    std::unique_lock<std::mutex> lock(mutex);
+    while (!isStopping) {
+        if (watched.empty()) {
+            changed.wait(lock, [this] { return isStopping || !watched.empty(); });
+            continue;
+        }
+        changed.wait_for(lock, lookPeriod, [this] { return isStopping; });
+        if (isStopping)
+            return;
+        lock.unlock();
+        look();
+        lock.lock();
+    }
+}
+
+void PulseSupervisor::look() {
     const std::lock_guard<std::mutex> lock(mutex);
-    for (const PointUpdate& update : updates)
-        if (Pulse* const pulse = find({channelId, rtuId, update.number}))
-            look(*pulse, update);
+    for (auto one = watched.begin(); one != watched.end();)
+        one = lookAt(**one) ? watched.erase(one) : std::next(one);
 }
 
-// The first value behind the width may have been read before the driver's release, which waits its turn.
-void PulseSupervisor::look(Pulse& pulse, const PointUpdate& update) {
-    if (!pulse.isWatched || update.quality != PointQuality::Good || now() < pulse.widthIsOver)
-        return;
-    if (!std::exchange(pulse.hasBeenPolled, true))
-        return;
-    if (update.value == 0)
-        pulse.isWatched = pulse.isBeingSwitchedOff;
-    else if (!pulse.isBeingSwitchedOff && pulse.commandsOnTheWay == 0)
+// The first reading behind the width may be older than the driver's release, which waits its turn.
+bool PulseSupervisor::lookAt(Pulse& pulse) {
+    if (now() < pulse.widthIsOver)
+        return false;
+    const PointState state = store.state(pulse.index);
+    const std::uint32_t newReadings = state.readings - std::exchange(pulse.readings, state.readings);
+    if (!std::exchange(pulse.wasOverBefore, true) || newReadings == 0)
+        return false;
+    if (!std::exchange(pulse.hasBeenPolled, true) && newReadings == 1)
+        return false;
+    if (state.value == 0)
+        return !pulse.isBeingSwitchedOff;
+    if (!pulse.isBeingSwitchedOff && pulse.commandsOnTheWay == 0)
         switchOff(pulse);
+    return false;
 }
 
 void PulseSupervisor::switchOff(Pulse& pulse) {
-    const Command command{pulse.channel->id, pulse.rtu->id, SwitchPoint{pulse.point->id, false}};
+    const Command command{pulse.ref.channel->id, pulse.ref.rtu->id, SwitchPoint{pulse.ref.point->id, false}};
     const std::string refusal =
         taker.submit(command, [this, &pulse](const CommandEnd& end) { noteSwitchedOff(pulse, end.result); });
-    pulse.isBeingSwitchedOff = refusal.empty(); // a refused one is tried again with the next value
+    pulse.isBeingSwitchedOff = refusal.empty(); // a refused one is tried again with the next reading
+    switchedOff += refusal.empty() ? 1 : 0;
     if (pulse.tries++ > 0)
         return;
-    const std::string still = nameOf(*pulse.channel, *pulse.rtu, *pulse.point) +
-                              ": still on after its pulse of " + std::to_string(pulse.point->pulseMs) +
-                              " ms; ";
+    const std::string still = nameOf(pulse.ref) + ": still on after its pulse of " +
+                              std::to_string(pulse.ref.point->pulseMs) + " ms; ";
     tell(still + (refusal.empty() ? "it is commanded off" : "it cannot be commanded off: " + refusal));
 }
 
@@ -107,8 +150,8 @@ void PulseSupervisor::noteSwitchedOff(Pulse& pulse, DriverErrorResult result) {
     const std::lock_guard<std::mutex> lock(mutex);
     pulse.isBeingSwitchedOff = false;
     if (result != DriverErrorResult::Success && pulse.tries == 1)
-        tell(nameOf(*pulse.channel, *pulse.rtu, *pulse.point) + ": commanding it off failed: " +
-             resultText(result) + "; it is tried again as long as the point reads on");
+        tell(nameOf(pulse.ref) + ": commanding it off failed: " + resultText(result) +
+             "; it is tried again as long as the point reads on");
 }
 
 } // namespace host

@@ -5,8 +5,6 @@
 #include <shared_mutex>
 #include <vector>
 
-namespace host {
-
 // The core that a driver is given where several want to hear of values and states. Passes each call on to all
 // listeners, in the order in which they were added. Any thread; a listener must not add or remove one.
 class CoreFanOut : public HalvexDriverCoreInterface {
@@ -26,5 +24,3 @@ private:
     std::shared_mutex mutex; // guards the list; shared while listeners are called
     std::vector<HalvexDriverCoreInterface*> listeners;
 };
-
-} // namespace host

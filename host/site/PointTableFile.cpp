@@ -1,4 +1,4 @@
-#include "PointTable.h"
+#include "PointTableFile.h"
 
 #include "CsvReader.h"
 

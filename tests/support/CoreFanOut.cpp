@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <mutex>
 
-namespace host {
-
 void CoreFanOut::add(HalvexDriverCoreInterface& listener) {
     const std::lock_guard<std::shared_mutex> lock(mutex);
     listeners.push_back(&listener);
@@ -32,5 +30,3 @@ void CoreFanOut::publishChannelStatus(int channelId, const ChannelStatus& status
     for (HalvexDriverCoreInterface* const listener : listeners)
         listener->publishChannelStatus(channelId, status);
 }
-
-} // namespace host
