@@ -31,6 +31,29 @@ protected:
     TestRtu* rtu;
 };
 
+// A channel whose loop does nothing until it is asked to end. A place of its own for each death test to stop
+// in.
+class IdlingChannel : public CChannel {
+public:
+    IdlingChannel() : CChannel(nullptr, 17) {}
+    bool InitChannel() override { return true; }
+    void CloseChannel() override {}
+    CRtu* CreateRtu(const RemoteTerminalUnit& info) override { return new TestRtu(nullptr, this, info); }
+
+    void startAndDelete() {
+        start();
+        delete this;
+    }
+
+protected:
+    void run() override {
+        while (!IsShutdown())
+            msleep(1);
+    }
+};
+
+constexpr const char* advice = "call SetShutdown\\(true\\) and wait\\(\\) before this";
+
 } // namespace
 
 TEST_F(CChannelThreads, ChannelsOwnThreadTellsOfAFailure) {
@@ -65,4 +88,41 @@ TEST_F(CChannelThreads, ReportOnTheThreadOfARefusedCommandTouchesNoExchange) {
         rtu->PutRtuStatus(true, true, 0, 1, 0, 0);
         EXPECT_GT(rtu->GetRtuStatus().lastRoundTrip.count(), 0);
     });
+}
+
+TEST(CChannelThreadsDeathTest, ChannelWhoseThreadRunsCannotBeDeleted) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH((new IdlingChannel)->startAndDelete(),
+                 std::string("channel 17 is deleted while its thread runs: ") + advice);
+}
+
+TEST(CChannelThreadsDeathTest, ChannelWhoseThreadRunsTakesNoRtu) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    IdlingChannel channel;
+    EXPECT_DEATH(
+        {
+            channel.start();
+            channel.AddRtu({});
+        },
+        std::string("channel 17 is given an RTU while its thread runs: ") + advice);
+}
+
+TEST(CChannelThreadsDeathTest, ChannelWhoseThreadRunsTakesNoLinks) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    IdlingChannel channel;
+    EXPECT_DEATH(
+        {
+            channel.start();
+            channel.SetLinks(nullptr);
+        },
+        std::string("channel 17 is given other links while its thread runs: ") + advice);
+}
+
+TEST(CChannelThreadsDeathTest, EndedThreadLeavesItsChannelToTheHost) {
+    auto channel = std::make_unique<IdlingChannel>();
+    channel->start();
+    channel->SetShutdown(true);
+    channel->wait();
+    EXPECT_NE(channel->AddRtu({}), nullptr);
+    channel.reset();
 }

@@ -8,6 +8,8 @@
 #include "ScanSchedule.h"
 
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 namespace {
@@ -30,11 +32,13 @@ CChannel::CChannel(HalvexDriverCoreInterface* hostCore, int channelNumber)
       replies(std::make_unique<ReplyRegistry>()), health(std::make_unique<LineHealth>()) {}
 
 CChannel::~CChannel() {
+    refuseWhileRunning("deleted");
     qDeleteAll(rtus);
     rtus.clear();
 }
 
 void CChannel::SetLinks(std::unique_ptr<CLink> primary, std::unique_ptr<CLink> secondary) {
+    refuseWhileRunning("given other links");
     links[0] = std::move(primary);
     links[1] = std::move(secondary);
     whereLink.store(!links[0] && links[1] ? 1 : 0, std::memory_order_release);
@@ -43,6 +47,7 @@ void CChannel::SetLinks(std::unique_ptr<CLink> primary, std::unique_ptr<CLink> s
 }
 
 CRtu* CChannel::AddRtu(const RemoteTerminalUnit& info) {
+    refuseWhileRunning("given an RTU");
     CRtu* rtu = CreateRtu(info);
     if (!rtu)
         return nullptr;
@@ -92,6 +97,17 @@ void CChannel::lineClosedByHost() {
 // Whoever runs the exchanges: the channel's thread, or anybody while it does not run.
 bool CChannel::mayUseLine() const {
     return !isRunning() || QThread::currentThread() == this;
+}
+
+// In release builds too: going on would end in a crash elsewhere, which tells nobody its reason.
+void CChannel::refuseWhileRunning(const char* what) const {
+    if (!isRunning())
+        return;
+    std::fprintf(stderr,
+                 "channel %d is %s while its thread runs: call SetShutdown(true) and wait() before this\n",
+                 id, what);
+    std::fflush(stderr);
+    std::abort();
 }
 
 void CChannel::CheckScan() {

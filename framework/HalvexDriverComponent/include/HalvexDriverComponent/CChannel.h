@@ -27,8 +27,7 @@ struct RoundTrips;
 // Owns its links, its RTUs and the replies that no driver completed. The core interface is the host's.
 // Threads:
 // - the host's, while run() does not run: set-up, InitChannel, CloseChannel, deletion. SetLinks, AddRtu and
-// the
-//   destructor stop the program, with a message, when the channel's thread runs all the same.
+//   the destructor stop the program, with a message, when the channel's thread runs all the same.
 // - the channel's: CheckScan, PutCommFailDuration, SetConnect(true), and SetConnect(false) for a line that
 // has
 //   failed. What they do, a host or a test may also do while run() does not run.
@@ -104,6 +103,7 @@ private:
     void lineFailed();
     void lineClosedByHost();
     bool mayUseLine() const;
+    void refuseWhileRunning(const char* what) const;
     void changeEndIfDue();
     bool wantsOtherEnd() const;
     void makeSchedule(qint64 now);
