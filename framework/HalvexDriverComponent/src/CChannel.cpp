@@ -195,7 +195,7 @@ void CChannel::SetScanClock(std::function<qint64()> clock) {
 void CChannel::makeSchedule(qint64 now) {
     std::vector<ScanSchedule::Rtu> scanned;
     for (const CRtu* rtu : std::as_const(rtus))
-        if (rtu->IsEnable())
+        if (rtu && rtu->IsEnable())
             scanned.push_back({rtu->GetRtuId(), rtu->GetRtuInfo().periods});
     schedule = std::make_unique<ScanSchedule>(scanned, now);
 }
@@ -219,5 +219,6 @@ bool CChannel::wantsOtherEnd() const {
 
 void CChannel::disconnectRtus() {
     for (CRtu* rtu : std::as_const(rtus))
-        rtu->SetConnect(false, true);
+        if (rtu)
+            rtu->SetConnect(false, true);
 }

@@ -113,7 +113,7 @@ private:
     HalvexDriverCoreInterface* const core;
     const int id;
     int commType = 0;
-    QMap<int, CRtu*> rtus;
+    QMap<int, CRtu*> rtus; // another host may leave a place empty
     std::unique_ptr<CLink> links[2];
     std::atomic<int> whereLink{0};
     std::atomic<bool> connected{false};
