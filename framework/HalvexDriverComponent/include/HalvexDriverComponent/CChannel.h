@@ -29,8 +29,7 @@ struct RoundTrips;
 // - the host's, while run() does not run: set-up, InitChannel, CloseChannel, deletion. SetLinks, AddRtu and
 //   the destructor stop the program, with a message, when the channel's thread runs all the same.
 // - the channel's: CheckScan, PutCommFailDuration, SetConnect(true), and SetConnect(false) for a line that
-// has
-//   failed. What they do, a host or a test may also do while run() does not run.
+//   has failed. What they do, a host or a test may also do while run() does not run.
 // - the host's, at any time: SetConnect(false) for a line that it closes.
 // - the channel's, and that of a command that is refused offline: PutChannelStatus, NoteRequestEnd.
 // - any: flags, figures, GetLink, GetWhereLink, InterruptLinks, restartScans.
