@@ -13,7 +13,7 @@ constexpr int notSupported = static_cast<int>(Halvex::DriverErrorResult::NotSupp
 
 CRtu::CRtu(HalvexDriverCoreInterface* hostCore, CChannel* owningChannel,
            const RemoteTerminalUnit& configuration)
-    : core(hostCore), channel(owningChannel), info(configuration), values(std::make_unique<Values>()) {}
+    : core(hostCore), channel(owningChannel), info(configuration), values(std::make_unique<Values>(points)) {}
 
 CRtu::~CRtu() = default;
 
@@ -124,6 +124,7 @@ void CRtu::PutAnalogPoint(bool simulated, unsigned number, double value, unsigne
 void CRtu::PutDatapoints() {
     const std::lock_guard<std::mutex> lock(values->publishing);
     tellPoints(values->publishStaged());
+    values->endPublishing();
 }
 
 int CRtu::chennelId() const {
@@ -161,7 +162,7 @@ RtuStatus CRtu::GetRtuStatus() const {
 }
 
 QVector<PointUpdate> CRtu::GetPointStates() const {
-    return values->states(points);
+    return values->states();
 }
 
 void CRtu::turnValuesBad() {
