@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 namespace {
 
 // Numbers without gaps, with gaps and far apart, in an order of no meaning.
@@ -44,6 +46,19 @@ TEST(NumberTable, FindsADistantNumberThatTheTableHasGrownBeyond) {
             table.enter(number, &objects[number], number);
     EXPECT_EQ(table.find(500), &objects[0]);
     EXPECT_EQ(table.find(1000), &objects[1000]);
+}
+
+TEST(NumberTable, FindsAThousandNumbersOfEveryDistribution) {
+    for (const unsigned step : {1U, 1000U, 65'536U, 4'294'967U, 1'640'531'527U}) {
+        constexpr unsigned first = 40'001;
+        std::vector<int> objects(1000);
+        NumberTable<int> table;
+        for (unsigned index = 0; index < 1000; ++index)
+            table.enter(first + index * step, &objects[index], index + 1);
+        for (unsigned index = 0; index < 1000; ++index)
+            ASSERT_EQ(table.find(first + index * step), &objects[index]) << step << ", " << index;
+        EXPECT_EQ(table.find(first - 1), nullptr) << step;
+    }
 }
 
 TEST(NumberTable, IsEmptyWhenCleared) {

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "ScatteredNumbers.h"
+
 #include <cstddef>
-#include <map>
 #include <vector>
 
 // Finds objects that are kept elsewhere by their numbers. The numbers of points mostly run from 1 on without
@@ -14,7 +15,7 @@ public:
     void enter(unsigned number, Object* object, std::size_t count) {
         constexpr std::size_t gaps = 64; // tolerated whatever the count, 8 bytes each
         if (number >= 2 * count + gaps) {
-            distant.emplace(number, object);
+            distant.enter(number, object);
             return;
         }
         if (number >= objects.capacity())
@@ -27,7 +28,7 @@ public:
     // Null for a number that was not entered.
     Object* find(unsigned number) const {
         Object* const object = number < objects.size() ? objects[number] : nullptr;
-        return object != nullptr || distant.empty() ? object : findDistant(number);
+        return object != nullptr ? object : distant.find(number);
     }
 
     // Calls `function` with each number and its object.
@@ -39,21 +40,15 @@ public:
                 function(number, *object);
             ++number;
         }
-        for (const auto& [distantNumber, object] : distant)
-            function(distantNumber, *object);
+        distant.forEach(function);
     }
 
     void clear() {
         objects = {};
-        distant.clear();
+        distant = {};
     }
 
 private:
-    Object* findDistant(unsigned number) const {
-        const auto found = distant.find(number);
-        return found != distant.end() ? found->second : nullptr;
-    }
-
     std::vector<Object*> objects; // by number
-    std::map<unsigned, Object*> distant;
+    ScatteredNumbers<Object> distant;
 };

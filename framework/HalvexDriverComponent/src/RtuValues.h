@@ -113,8 +113,8 @@ private:
     quint32 stagedCount = 0;
     quint32 stagedRoom = 0; // the size of the updates, of which the first ones are staged
     QVector<PointUpdate> updates;
-    PointUpdate* stagedUpdates =
-        nullptr; // theirs; a vector that may be shared looks whether it is at each access
+    // Those of the vector, which itself asks at each access whether it is shared.
+    PointUpdate* stagedUpdates = nullptr;
     std::vector<Entry*> stagedEntries; // of the same points
     unsigned turnsBadSeen = 0;
 };
