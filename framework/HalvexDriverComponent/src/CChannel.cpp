@@ -31,6 +31,7 @@ CChannel::CChannel(HalvexDriverCoreInterface* hostCore, int channelNumber)
     : core(hostCore), id(channelNumber), scanClock(steadyMilliseconds),
       replies(std::make_unique<ReplyRegistry>()), health(std::make_unique<LineHealth>()) {}
 
+// What the derived class has is gone by now; no place of this class comes earlier.
 CChannel::~CChannel() {
     refuseWhileRunning("deleted");
     qDeleteAll(rtus);

@@ -6,7 +6,7 @@
 #include <vector>
 
 // Objects that stay where they are until all are removed, in pieces of memory of growing size: an allocation
-// for each would cost up to 24 bytes more.
+// for each would cost 8 or 16 bytes more.
 template <typename Object>
 class StableArray {
 public:
