@@ -1,4 +1,4 @@
-#include "ScriptedLink.h"
+#include "AnsweringLink.h"
 #include "TaskChannel.h"
 
 #include <gtest/gtest.h>
@@ -12,30 +12,39 @@ namespace {
 class CChannelLinks : public testing::Test {
 protected:
     CChannelLinks() {
-        auto first = std::make_unique<ScriptedLink>();
+        auto first = std::make_unique<AnsweringLink>();
         auto second = std::make_unique<ScriptedLink>();
         primary = first.get();
         secondary = second.get();
         channel.SetLinks(std::move(first), std::move(second));
     }
 
+    // Each in a turn of the channel's loop, which the next one follows.
     void failOpens(int count) {
-        for (int failure = 0; failure < count; ++failure)
+        for (int failure = 0; failure < count; ++failure) {
             channel.PutCommFailDuration();
+            channel.CheckScan();
+        }
     }
 
     // Channel errors as the channel's thread meets them: connected, then no longer.
     void failExchanges(int count) {
         channel.onItsThread([this, count] {
             for (int failure = 0; failure < count; ++failure) {
-                channel.SetConnect(true);
-                channel.SetConnect(false);
+                failConnection();
+                channel.CheckScan();
             }
         });
     }
 
+    // On the channel's thread.
+    void failConnection() {
+        channel.SetConnect(true);
+        channel.SetConnect(false);
+    }
+
     TaskChannel channel;
-    ScriptedLink* primary;
+    AnsweringLink* primary;
     ScriptedLink* secondary;
 };
 
@@ -88,11 +97,69 @@ TEST_F(CChannelLinks, ThirdChannelErrorInARowChangesToTheSecondary) {
     EXPECT_EQ(channel.GetChannelStatus().channelErrors, 3U);
 }
 
-TEST_F(CChannelLinks, AnswerBetweenChannelErrorsStartsTheirCountAnew) {
+// Who looks at the end in use during an exchange, or in the log line behind it, means the one that it had.
+TEST_F(CChannelLinks, ErrorDuringAnExchangeChangesTheEndInTheNextTurnOfTheLoop) {
     failExchanges(2);
-    channel.NoteAnswer();
+    channel.onItsThread([this] {
+        failConnection();
+        EXPECT_EQ(channel.GetLink(), primary);
+        EXPECT_EQ(channel.GetWhereLink(), 0);
+        EXPECT_EQ(channel.GetChannelStatus().whereLink, 0);
+        EXPECT_EQ(channel.GetChannelStatus().linkChanges, 0U);
+        EXPECT_TRUE(primary->calls.isEmpty());
+        channel.CheckScan();
+        EXPECT_EQ(channel.GetLink(), secondary);
+        EXPECT_EQ(channel.GetChannelStatus().linkChanges, 1U);
+        EXPECT_EQ(primary->calls, QStringList{QStringLiteral("close")});
+    });
+}
+
+TEST_F(CChannelLinks, ThirdFailedOpenKeepsTheEndUntilTheNextTurnOfTheLoop) {
+    failOpens(2);
+    channel.PutCommFailDuration();
+    EXPECT_EQ(channel.GetWhereLink(), 0);
+    channel.CheckScan();
+    EXPECT_EQ(channel.GetWhereLink(), 1);
+}
+
+TEST_F(CChannelLinks, LineThatIsOpenAgainIsNotTakenFromTheDriver) {
     failExchanges(2);
+    channel.onItsThread([this] {
+        failConnection();
+        channel.SetConnect(true);
+        channel.CheckScan();
+        EXPECT_EQ(channel.GetLink(), primary);
+        EXPECT_TRUE(primary->calls.isEmpty());
+        channel.SetConnect(false);
+        channel.CheckScan();
+        EXPECT_EQ(channel.GetLink(), secondary);
+    });
+}
+
+// As on Ethernet, where a short answer closes the line before its request is reported.
+TEST_F(CChannelLinks, ShortAnswerThatChangesTheEndIsNotTakenForSilence) {
+    TestRtu* rtu = channel.addRtu(1);
+    failExchanges(2);
+    channel.onItsThread([&] {
+        channel.SetConnect(true);
+        primary->exchange(std::chrono::milliseconds(2));
+        channel.SetConnect(false);
+        rtu->PutRtuStatus(false, false, 0, 0, 0, 1);
+        EXPECT_FALSE(channel.IsSilent(1));
+        EXPECT_GE(rtu->GetRtuStatus().lastRoundTrip, std::chrono::milliseconds(2));
+        channel.CheckScan();
+    });
+    EXPECT_EQ(channel.GetLink(), secondary);
+}
+
+TEST_F(CChannelLinks, RoundTripOfAnEndThatIsLeftIsNobodyElses) {
+    TestRtu* rtu = channel.addRtu(1);
+    primary->exchange(std::chrono::milliseconds(1));
+    failOpens(6); // to the other end and back
     EXPECT_EQ(channel.GetLink(), primary);
+    rtu->PutRtuStatus(false, false, 0, 0, 1, 0);
+    EXPECT_EQ(rtu->GetRtuStatus().lastRoundTrip.count(), 0);
+    EXPECT_TRUE(channel.IsSilent(1));
 }
 
 TEST_F(CChannelLinks, RtuThatAnswersKeepsTheEndInUse) {
@@ -121,8 +188,10 @@ TEST_F(CChannelLinks, ThirdSilentRequestInARowChangesToTheSecondary) {
         EXPECT_TRUE(channel.IsConnect());
         rtu->PutRtuStatus(true, false, 0, 0, 1, 0);
         EXPECT_FALSE(channel.IsConnect());
+        channel.CheckScan();
     });
     EXPECT_EQ(channel.GetLink(), secondary);
+    EXPECT_EQ(channel.GetChannelStatus().channelErrors, 1U);
 }
 
 TEST_F(CChannelLinks, AnswerBetweenSilentRequestsStartsTheirCountAnew) {
@@ -140,6 +209,7 @@ TEST_F(CChannelLinks, DisconnectByTheHostIsNoChannelError) {
     for (int round = 0; round < 5; ++round) {
         channel.SetConnect(true);
         channel.SetConnect(false);
+        channel.CheckScan();
     }
     EXPECT_EQ(channel.GetLink(), primary);
     EXPECT_EQ(channel.GetChannelStatus().channelErrors, 0U);
@@ -181,8 +251,10 @@ TEST(CChannel, WithoutASecondaryStaysOnThePrimary) {
     auto link = std::make_unique<ScriptedLink>();
     ScriptedLink* only = link.get();
     channel.SetLinks(std::move(link));
-    for (int failure = 0; failure < 10; ++failure)
+    for (int failure = 0; failure < 10; ++failure) {
         channel.PutCommFailDuration();
+        channel.CheckScan();
+    }
     EXPECT_EQ(channel.GetLink(), only);
     EXPECT_EQ(channel.GetChannelStatus().linkChanges, 0U);
     EXPECT_TRUE(only->calls.isEmpty());

@@ -93,6 +93,16 @@ TEST_F(CChannelScan, ASilentRtuThatHasItsLineToItselfIsAskedAsEver) {
     EXPECT_EQ(silent->polls, (Kinds{0, 1, 2}));
 }
 
+TEST_F(CChannelScan, RtuThatTakesASilentOnesPlaceIsAskedAsEver) {
+    channel.SetLinks(std::make_unique<ScriptedLink>());
+    channel.addRtu(2, periods);
+    channel.addRtu(1, periods)->PutRtuStatus(false, false, 0, 0, 1, 0);
+    TestRtu* replacement = channel.addRtu(1, periods);
+    for (const qint64 time : {0, 150, 300})
+        checkAt(time);
+    EXPECT_EQ(replacement->polls, (Kinds{0, 1, 2}));
+}
+
 TEST_F(CChannelScan, DisabledRtuIsNotAsked) {
     TestRtu* disabled = channel.addRtu(1, periods, false);
     TestRtu* enabled = channel.addRtu(2, periods);

@@ -153,6 +153,33 @@ TEST(CChannel, ChannelThatTheHostClosesDisconnectsEveryRtu) {
     EXPECT_EQ(core.point(1, 1, 1)->quality, PointQuality::Bad);
 }
 
+// As a host of another make may leave one.
+TEST(CChannel, PassesOverAnEmptyPlaceAmongItsRtus) {
+    TaskChannel channel;
+    TestRtu* first = channel.addRtu(1);
+    TestRtu* last = channel.addRtu(3);
+    const_cast<QMap<int, CRtu*>&>(channel.GetRtuMap()).insert(2, nullptr);
+    qint64 now = 0;
+    channel.SetScanClock([&] { return now; });
+
+    channel.SetConnect(true);
+    channel.CheckScan();
+    now = 100'000;
+    channel.CheckScan();
+    EXPECT_EQ(first->polls.count(0), 2);
+    EXPECT_EQ(last->polls.count(0), 1);
+
+    first->SetConnect(true, true);
+    last->SetConnect(true, true);
+    channel.PutCommFailDuration();
+    EXPECT_FALSE(first->IsConnect());
+    EXPECT_FALSE(last->IsConnect());
+
+    last->SetConnect(true, true);
+    channel.SetConnect(false);
+    EXPECT_FALSE(last->IsConnect());
+}
+
 TEST(CChannel, RunsWithoutAHost) {
     TaskChannel channel(nullptr);
     TestRtu* rtu = channel.addRtu(1);

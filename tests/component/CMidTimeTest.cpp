@@ -21,3 +21,13 @@ TEST(CMidTime, KeepsMillisecondsAndStatus) {
 TEST(CMidTime, InvalidTimeIsNull) {
     EXPECT_TRUE(CMidTime(QDateTime(), 0).isNull());
 }
+
+TEST(CMidTime, KeepsTimesOfEveryCentury) {
+    for (const qint64 milliseconds :
+         {qint64{-62'135'596'800'000}, qint64{-4'294'967'296}, qint64{-1}, qint64{1}, qint64{4'294'967'295},
+          qint64{4'294'967'296}, qint64{253'402'300'799'999}}) {
+        const CMidTime time(QDateTime::fromMSecsSinceEpoch(milliseconds), 0);
+        EXPECT_EQ(time.toMSecsSinceEpoch(), milliseconds);
+        EXPECT_FALSE(time.isNull());
+    }
+}

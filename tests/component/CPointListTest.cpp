@@ -74,6 +74,9 @@ TEST(CPointList, PointOfTheSameNumberReplacesTheEarlierInItsPlace) {
     EXPECT_EQ(after, before);
     EXPECT_EQ(after->firstAddress, text("F9"));
     EXPECT_EQ(list.GetStatusPointList().size(), 1);
+    after->firstAddress = text("F");
+    list.RestoreStatusPoints();
+    EXPECT_EQ(after->firstAddress, text("F9"));
 }
 
 TEST(CPointList, RestoresTheConfiguredAddressesOfSplitPoints) {

@@ -146,16 +146,16 @@ TEST_F(CRtuBase, IsSilentAfterARequestOfWhichNothingCameBack) {
     auto owned = std::make_unique<AnsweringLink>();
     AnsweringLink* link = owned.get();
     channel.SetLinks(std::move(owned));
-    EXPECT_FALSE(rtu.IsSilent());
+    EXPECT_FALSE(channel.IsSilent(rtu.GetRtuId()));
     rtu.PutRtuStatus(false, false, 0, 0, 1, 0);
-    EXPECT_TRUE(rtu.IsSilent());
+    EXPECT_TRUE(channel.IsSilent(rtu.GetRtuId()));
     link->exchange(std::chrono::milliseconds(1));
     rtu.PutRtuStatus(false, false, 0, 0, 0, 1);
-    EXPECT_FALSE(rtu.IsSilent());
+    EXPECT_FALSE(channel.IsSilent(rtu.GetRtuId()));
     rtu.PutRtuStatus(false, false, 0, 0, 0, 1);
-    EXPECT_TRUE(rtu.IsSilent());
+    EXPECT_TRUE(channel.IsSilent(rtu.GetRtuId()));
     rtu.PutRtuStatus(true, true, 0, 1, 0, 0); // a poll of a kind that has no points
-    EXPECT_FALSE(rtu.IsSilent());
+    EXPECT_FALSE(channel.IsSilent(rtu.GetRtuId()));
 }
 
 TEST_F(CRtuBase, RequestWithoutAnAnswerKeepsTheLastRoundTrip) {

@@ -268,6 +268,69 @@ TEST_F(CRtuValues, FiveThousandPointsArePublishedInOneCall) {
         ASSERT_EQ(updates[index].value, 100.0 + index);
 }
 
+TEST_F(CRtuValues, PollsOfChangingSizeArePublishedWhole) {
+    for (unsigned number = 100; number < 1100; ++number) {
+        AnalogPoint point;
+        point.number = number;
+        rtu.GetPointList()->AddAnalogPoint(point);
+    }
+    for (const unsigned last : {1000U, 100U, 500U, 1099U}) {
+        core.clear();
+        for (unsigned number = 100; number <= last; ++number)
+            putAnalog(number, number + last);
+        rtu.PutDatapoints();
+        const auto updates = core.publications()[0].updates;
+        ASSERT_EQ(updates.size(), static_cast<int>(last - 99));
+        EXPECT_EQ(updates.first().number, 100U);
+        EXPECT_EQ(updates.first().value, 100 + last);
+        EXPECT_EQ(updates.last().number, last);
+        EXPECT_EQ(updates.last().value, 2.0 * last);
+        EXPECT_EQ(state(last).value, 2.0 * last);
+    }
+}
+
+TEST_F(CRtuValues, WhatTheHostKeepsOfAPublicationStaysAsItWas) {
+    putAnalog(11, 1.0);
+    rtu.PutDatapoints();
+    putAnalog(12, 2.0);
+    rtu.PutDatapoints();
+    const auto publications = core.publications();
+    ASSERT_EQ(publications.size(), 2);
+    ASSERT_EQ(publications[0].updates.size(), 1);
+    EXPECT_EQ(publications[0].updates[0].number, 11U);
+    EXPECT_EQ(publications[0].updates[0].value, 1.0);
+}
+
+TEST_F(CRtuValues, PointStagedAgainAfterAFailureIsPublishedOnceBesideOthers) {
+    putAnalog(11, 1.0);
+    putAnalog(12, 2.0);
+    rtu.PutRtuStatus(true, true, 0, 0, 1, 0);
+    putAnalog(12, 3.0);
+    putAnalog(12, 4.0);
+    putStatus(1, 1);
+    rtu.PutDatapoints();
+    const auto updates = core.publications()[0].updates;
+    ASSERT_EQ(updates.size(), 2);
+    EXPECT_EQ(updates[0].number, 12U);
+    EXPECT_EQ(updates[0].value, 4.0);
+    EXPECT_EQ(updates[1].number, 1U);
+    EXPECT_EQ(state(11).quality, PointQuality::NeverRead);
+}
+
+TEST_F(CRtuValues, StatusAndAnalogPointOfOneNumberAreTwo) {
+    AnalogPoint point;
+    point.number = 1;
+    rtu.GetPointList()->AddAnalogPoint(point);
+    putStatus(1, 1);
+    putAnalog(1, 2.5);
+    rtu.PutDatapoints();
+    const auto states = rtu.GetPointStates();
+    EXPECT_EQ(states[0].value, 1.0);
+    EXPECT_FALSE(states[0].analog);
+    EXPECT_EQ(states[2].value, 2.5);
+    EXPECT_TRUE(states[2].analog);
+}
+
 TEST_F(CRtuValues, StatesCanBeReadOnOtherThreadsWhileValuesArrive) {
     std::atomic<bool> ended{false};
     std::thread reader([&] {

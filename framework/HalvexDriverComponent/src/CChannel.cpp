@@ -3,66 +3,59 @@
 #include <HalvexDriverComponent/Halvex.h>
 #include <HalvexDriverLink/CLink.h>
 
+#include "LineHealth.h"
 #include "ReplyRegistry.h"
 #include "ScanSchedule.h"
 
-#include <algorithm>
-#include <limits>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 namespace {
-
-// A single failure is often a passing one; three in a row mean that this end of the line is out of order.
-constexpr int failuresUntilChange = 3;
 
 qint64 steadyMilliseconds() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
 }
 
-struct Scan {
-    int kind;
-    int periodMs;
-};
-
-// Of those with a period.
-Scan mostFrequentScan(const ScanPeriods& periods) {
-    using Halvex::PollKind;
-    Scan best{static_cast<int>(PollKind::Integrity), std::numeric_limits<int>::max()};
-    for (const auto& [kind, periodMs] :
-         {std::pair{PollKind::Status, periods.statusMs}, std::pair{PollKind::Analog, periods.analogMs},
-          std::pair{PollKind::Integrity, periods.integrityMs}})
-        if (periodMs > 0 && periodMs < best.periodMs)
-            best = {static_cast<int>(kind), periodMs};
-    return best;
+LineHealth::Heard heardOf(unsigned answers, const RoundTrips& trips) {
+    if (answers > 0)
+        return LineHealth::Heard::Answer;
+    return trips.last.count() > 0 ? LineHealth::Heard::SpoiltAnswer : LineHealth::Heard::Nothing;
 }
 
 } // namespace
 
 CChannel::CChannel(HalvexDriverCoreInterface* hostCore, int channelNumber)
     : core(hostCore), id(channelNumber), scanClock(steadyMilliseconds),
-      replies(std::make_unique<ReplyRegistry>()) {}
+      replies(std::make_unique<ReplyRegistry>()), health(std::make_unique<LineHealth>()) {}
 
+// What the derived class has is gone by now; no place of this class comes earlier.
 CChannel::~CChannel() {
+    refuseWhileRunning("deleted");
     qDeleteAll(rtus);
     rtus.clear();
 }
 
 void CChannel::SetLinks(std::unique_ptr<CLink> primary, std::unique_ptr<CLink> secondary) {
+    refuseWhileRunning("given other links");
     links[0] = std::move(primary);
     links[1] = std::move(secondary);
     whereLink.store(!links[0] && links[1] ? 1 : 0, std::memory_order_release);
-    failedOpensInARow = 0;
-    errorsInARow = 0;
+    const std::lock_guard<std::mutex> lock(healthMutex);
+    health->setEnds(links[0] && links[1] ? 2 : 1);
 }
 
 CRtu* CChannel::AddRtu(const RemoteTerminalUnit& info) {
+    refuseWhileRunning("given an RTU");
     CRtu* rtu = CreateRtu(info);
     if (!rtu)
         return nullptr;
-    rests.erase(rtus.value(info.id));
     delete std::exchange(rtus[info.id], rtu);
     restartScans();
+    const std::lock_guard<std::mutex> lock(healthMutex);
+    health->forget(info.id);
     return rtu;
 }
 
@@ -71,25 +64,56 @@ CLink* CChannel::GetLink() const {
 }
 
 void CChannel::SetConnect(bool connect) {
-    const bool before = connected.exchange(connect, std::memory_order_acq_rel);
-    if (connect) {
-        failedOpensInARow = 0;
-        endFailure();
-    } else if (QThread::currentThread() != this) {
-        // The host closes the channel: its silence from now on is no failure.
-        endFailure();
-        disconnectRtus();
-    } else if (before) {
-        // The RTUs stay connected: mostly the line is open again at once. If not, the failed open says so.
-        beginFailure();
-        ++channelErrors;
-        if (++errorsInARow >= failuresUntilChange)
-            changeLink();
+    if (connect)
+        lineOpened();
+    else if (QThread::currentThread() == this)
+        lineFailed();
+    else
+        lineClosedByHost();
+}
+
+void CChannel::lineOpened() {
+    connected.store(true, std::memory_order_release);
+    const std::lock_guard<std::mutex> lock(healthMutex);
+    health->opened(steadyMilliseconds());
+}
+
+// If the line is not open again at once, the failed open disconnects the RTUs.
+void CChannel::lineFailed() {
+    if (!connected.exchange(false, std::memory_order_acq_rel))
+        return;
+    const std::lock_guard<std::mutex> lock(healthMutex);
+    health->failed(steadyMilliseconds());
+}
+
+void CChannel::lineClosedByHost() {
+    connected.store(false, std::memory_order_release);
+    {
+        const std::lock_guard<std::mutex> lock(healthMutex);
+        health->closedByHost(steadyMilliseconds());
     }
+    disconnectRtus();
+}
+
+// Whoever runs the exchanges: the channel's thread, or anybody while it does not run.
+bool CChannel::mayUseLine() const {
+    return !isRunning() || QThread::currentThread() == this;
+}
+
+// In release builds too: going on would end in a crash elsewhere, which tells nobody its reason.
+void CChannel::refuseWhileRunning(const char* what) const {
+    if (!isRunning())
+        return;
+    std::fprintf(stderr,
+                 "channel %d is %s while its thread runs: call SetShutdown(true) and wait() before this\n",
+                 id, what);
+    std::fflush(stderr);
+    std::abort();
 }
 
 void CChannel::CheckScan() {
     const qint64 now = scanClock();
+    changeEndIfDue();
     if (scansRestarted.exchange(false, std::memory_order_acq_rel))
         makeSchedule(now);
     if (!IsConnect()) {
@@ -104,31 +128,21 @@ void CChannel::CheckScan() {
     scanOverruns += schedule->takeOverruns();
 }
 
-// An RTU that has its line to itself keeps nobody waiting.
 void CChannel::askFor(CRtu& rtu, int kind, qint64 now) {
-    const bool isBurden = rtus.size() > 1 && rtu.IsSilent();
-    if (isBurden && !(kind == mostFrequentScan(rtu.GetRtuInfo().periods).kind && hasRested(rtu, now)))
-        return;
+    {
+        const std::lock_guard<std::mutex> lock(healthMutex);
+        if (!health->mayPoll(rtu.GetRtuInfo(), kind, rtus.size(), now))
+            return;
+    }
     rtu.RequestPoll(kind, nullptr);
 }
 
-// Whether no request of this RTU has ended for its period, and for as long as its last one took from the
-// others.
-bool CChannel::hasRested(const CRtu& rtu, qint64 now) {
-    const quint64 requests = rtu.GetRtuStatus().requests;
-    const auto [rest, isNew] = rests.try_emplace(&rtu, Rest{requests, now});
-    if (!isNew && rest->second.requests != requests)
-        rest->second = {requests, now};
-    const int periodMs = mostFrequentScan(rtu.GetRtuInfo().periods).periodMs;
-    return now - rest->second.since >= std::max(periodMs, rtu.sessionTimeOut());
-}
-
 void CChannel::PutCommFailDuration() {
-    ++failedOpens;
-    beginFailure();
+    {
+        const std::lock_guard<std::mutex> lock(healthMutex);
+        health->openFailed(steadyMilliseconds());
+    }
     disconnectRtus();
-    if (++failedOpensInARow >= failuresUntilChange)
-        changeLink();
 }
 
 void CChannel::PutChannelStatus() {
@@ -136,34 +150,36 @@ void CChannel::PutChannelStatus() {
         core->publishChannelStatus(id, GetChannelStatus());
 }
 
-void CChannel::NoteAnswer() {
-    errorsInARow = 0;
+RoundTrips CChannel::NoteRequestEnd(int rtuId, unsigned answers) {
+    CLink* const link = GetLink();
+    if (!link || !mayUseLine())
+        return {};
+    const RoundTrips trips = link->takeRoundTrips();
+    bool isToFail = false;
+    {
+        const std::lock_guard<std::mutex> lock(healthMutex);
+        isToFail = health->requestEnded(rtuId, heardOf(answers, trips), IsConnect());
+    }
+    if (isToFail)
+        lineFailed();
+    return trips;
 }
 
-// Where it closes the channel, as on Ethernet, it is counted there.
-void CChannel::NoteSilence() {
-    if (!IsConnect() || !links[0] || !links[1])
-        return;
-    if (errorsInARow + 1 < failuresUntilChange)
-        ++errorsInARow;
-    else
-        SetConnect(false);
+bool CChannel::IsSilent(int rtuId) const {
+    const std::lock_guard<std::mutex> lock(healthMutex);
+    return health->isSilent(rtuId);
 }
 
 ChannelStatus CChannel::GetChannelStatus() const {
     ChannelStatus status;
     status.connected = IsConnect();
     status.whereLink = GetWhereLink();
-    status.failedOpens = failedOpens;
-    status.channelErrors = channelErrors;
-    status.linkChanges = linkChanges;
     status.scanOverruns = scanOverruns;
-    const std::lock_guard<std::mutex> lock(failureMutex);
-    auto failed = failedBefore;
-    if (failingSince)
-        failed += std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
-                                                                        *failingSince);
-    status.failedMs = failed.count();
+    const std::lock_guard<std::mutex> lock(healthMutex);
+    status.failedOpens = health->figures().failedOpens;
+    status.channelErrors = health->figures().channelErrors;
+    status.linkChanges = health->figures().changesOfEnds;
+    status.failedMs = health->failedMs(steadyMilliseconds());
     return status;
 }
 
@@ -180,41 +196,30 @@ void CChannel::SetScanClock(std::function<qint64()> clock) {
 void CChannel::makeSchedule(qint64 now) {
     std::vector<ScanSchedule::Rtu> scanned;
     for (const CRtu* rtu : std::as_const(rtus))
-        if (rtu->IsEnable())
+        if (rtu && rtu->IsEnable())
             scanned.push_back({rtu->GetRtuId(), rtu->GetRtuInfo().periods});
     schedule = std::make_unique<ScanSchedule>(scanned, now);
 }
 
-void CChannel::changeLink() {
-    const int used = GetWhereLink();
-    const int other = 1 - used;
-    if (!links[used] || !links[other])
+void CChannel::changeEndIfDue() {
+    if (IsConnect() || !wantsOtherEnd())
         return;
-    links[used]->close();
+    CLink& used = *links[GetWhereLink()];
+    used.close();
     // What was measured on this end must not be taken for a later RTU's when the end is in use again.
-    links[used]->takeRoundTrips();
-    failedOpensInARow = 0;
-    errorsInARow = 0;
-    ++linkChanges;
-    whereLink.store(other, std::memory_order_release);
+    used.takeRoundTrips();
+    whereLink.store(1 - GetWhereLink(), std::memory_order_release);
+    const std::lock_guard<std::mutex> lock(healthMutex);
+    health->changedEnds();
+}
+
+bool CChannel::wantsOtherEnd() const {
+    const std::lock_guard<std::mutex> lock(healthMutex);
+    return health->wantsOtherEnd();
 }
 
 void CChannel::disconnectRtus() {
     for (CRtu* rtu : std::as_const(rtus))
-        rtu->SetConnect(false, true);
-}
-
-void CChannel::beginFailure() {
-    const std::lock_guard<std::mutex> lock(failureMutex);
-    if (!failingSince)
-        failingSince = std::chrono::steady_clock::now();
-}
-
-void CChannel::endFailure() {
-    const std::lock_guard<std::mutex> lock(failureMutex);
-    if (!failingSince)
-        return;
-    failedBefore += std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
-                                                                          *failingSince);
-    failingSince.reset();
+        if (rtu)
+            rtu->SetConnect(false, true);
 }

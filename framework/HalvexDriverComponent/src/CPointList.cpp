@@ -1,80 +1,80 @@
 #include <HalvexDriverComponent/CPointList.h>
 
-#include "NumberTable.h"
+#include "PointStore.h"
 
 namespace {
 
-// A point that replaces another takes over its object, so that pointers to it stay good.
-template <typename Point>
-Point* addPoint(QMap<unsigned, Point*>& points, std::map<unsigned, Point>& configured,
-                NumberTable<Point>& table, const Point& point) {
-    configured.insert_or_assign(point.number, point);
-    Point*& slot = points[point.number];
-    if (slot)
-        *slot = point;
-    else
-        slot = new Point(point);
-    table.enter(point.number, slot, static_cast<std::size_t>(points.size()));
-    return slot;
-}
+struct StatusAddresses {
+    StatusAddresses() = default;
+    explicit StatusAddresses(const StatusPoint& point)
+        : first(point.firstAddress), firstNumber(point.firstAddressNumber), second(point.secondAddress),
+          secondNumber(point.secondAddressNumber) {}
 
-template <typename Point>
-Point* findPoint(const QMap<unsigned, Point*>& points, const NumberTable<Point>& table, unsigned number) {
-    Point* const point = table.find(number);
-    return point ? point : points.value(number, nullptr);
-}
+    void giveTo(StatusPoint& point) const {
+        point.firstAddress = first;
+        point.firstAddressNumber = firstNumber;
+        point.secondAddress = second;
+        point.secondAddressNumber = secondNumber;
+    }
+
+    QString first;
+    QString firstNumber;
+    QString second;
+    QString secondNumber;
+};
+
+struct AnalogAddresses {
+    AnalogAddresses() = default;
+    explicit AnalogAddresses(const AnalogPoint& point)
+        : address(point.address), number(point.addressNumber) {}
+
+    void giveTo(AnalogPoint& point) const {
+        point.address = address;
+        point.addressNumber = number;
+    }
+
+    QString address;
+    QString number;
+};
 
 } // namespace
 
-CPointList::CPointList()
-    : statusTable(std::make_unique<NumberTable<StatusPoint>>()),
-      analogTable(std::make_unique<NumberTable<AnalogPoint>>()) {}
+struct CPointList::Stores {
+    PointStore<StatusPoint, StatusAddresses> status;
+    PointStore<AnalogPoint, AnalogAddresses> analog;
+};
 
-CPointList::~CPointList() {
-    Clear();
-}
+CPointList::CPointList() : stores(std::make_unique<Stores>()) {}
+
+CPointList::~CPointList() = default;
 
 StatusPoint* CPointList::AddStatusPoint(const StatusPoint& point) {
-    return addPoint(statusPoints, configuredStatusPoints, *statusTable, point);
+    return statusPoints[point.number] = stores->status.put(point);
 }
 
 AnalogPoint* CPointList::AddAnalogPoint(const AnalogPoint& point) {
-    return addPoint(analogPoints, configuredAnalogPoints, *analogTable, point);
+    return analogPoints[point.number] = stores->analog.put(point);
 }
 
 void CPointList::Clear() {
-    qDeleteAll(statusPoints);
-    qDeleteAll(analogPoints);
     statusPoints.clear();
     analogPoints.clear();
-    configuredStatusPoints.clear();
-    configuredAnalogPoints.clear();
-    statusTable->clear();
-    analogTable->clear();
+    stores->status.clear();
+    stores->analog.clear();
 }
 
 StatusPoint* CPointList::GetStatusPoint(unsigned number) const {
-    return findPoint(statusPoints, *statusTable, number);
+    return stores->status.find(number);
 }
 
 AnalogPoint* CPointList::GetAnalogPoint(unsigned number) const {
-    return findPoint(analogPoints, *analogTable, number);
+    return stores->analog.find(number);
 }
 
 void CPointList::RestoreStatusPoints() {
-    for (const auto& [number, configured] : configuredStatusPoints) {
-        StatusPoint* point = GetStatusPoint(number);
-        point->firstAddress = configured.firstAddress;
-        point->firstAddressNumber = configured.firstAddressNumber;
-        point->secondAddress = configured.secondAddress;
-        point->secondAddressNumber = configured.secondAddressNumber;
-    }
+    stores->status.restoreAddresses();
 }
 
 void CPointList::RestoreAnalogPoints() {
-    for (const auto& [number, configured] : configuredAnalogPoints) {
-        AnalogPoint* point = GetAnalogPoint(number);
-        point->address = configured.address;
-        point->addressNumber = configured.addressNumber;
-    }
+    stores->analog.restoreAddresses();
 }

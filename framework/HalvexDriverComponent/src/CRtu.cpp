@@ -13,7 +13,7 @@ constexpr int notSupported = static_cast<int>(Halvex::DriverErrorResult::NotSupp
 
 CRtu::CRtu(HalvexDriverCoreInterface* hostCore, CChannel* owningChannel,
            const RemoteTerminalUnit& configuration)
-    : core(hostCore), channel(owningChannel), info(configuration), values(std::make_unique<Values>()) {}
+    : core(hostCore), channel(owningChannel), info(configuration), values(std::make_unique<Values>(points)) {}
 
 CRtu::~CRtu() = default;
 
@@ -124,6 +124,7 @@ void CRtu::PutAnalogPoint(bool simulated, unsigned number, double value, unsigne
 void CRtu::PutDatapoints() {
     const std::lock_guard<std::mutex> lock(values->publishing);
     tellPoints(values->publishStaged());
+    values->endPublishing();
 }
 
 int CRtu::chennelId() const {
@@ -145,29 +146,13 @@ bool CRtu::PutRtuStatus(bool, bool, unsigned requests, unsigned answers, unsigne
     ended.answers = answers;
     ended.timeOuts = timeOuts;
     ended.errors = errors;
-    if (takeRoundTrips(ended)) {
-        silent.store(answers == 0 && ended.lastRoundTrip.count() == 0, std::memory_order_relaxed);
-        if (IsSilent())
-            channel->NoteSilence();
-    }
+    const RoundTrips trips = channel ? channel->NoteRequestEnd(GetRtuId(), answers) : RoundTrips();
+    ended.lastRoundTrip = trips.last;
+    ended.slowestRoundTrip = trips.slowest;
     values->countRequest(ended);
-    if (channel && answers > 0)
-        channel->NoteAnswer();
     if (timeOuts > 0 || errors > 0)
         turnValuesBad();
     return tellStatus();
-}
-
-// False for a command that was refused offline: it has had no exchange, and its thread must keep its hands
-// off the link.
-bool CRtu::takeRoundTrips(RtuStatus& ended) const {
-    CLink* const link = channel ? channel->GetLink() : nullptr;
-    if (!link || (channel->isRunning() && QThread::currentThread() != channel))
-        return false;
-    const RoundTrips trips = link->takeRoundTrips();
-    ended.lastRoundTrip = trips.last;
-    ended.slowestRoundTrip = trips.slowest;
-    return true;
 }
 
 RtuStatus CRtu::GetRtuStatus() const {
@@ -177,7 +162,7 @@ RtuStatus CRtu::GetRtuStatus() const {
 }
 
 QVector<PointUpdate> CRtu::GetPointStates() const {
-    return values->states(points);
+    return values->states();
 }
 
 void CRtu::turnValuesBad() {

@@ -2,41 +2,65 @@
 
 #include <algorithm>
 
-CRtu::Values::Entry& CRtu::Values::Entries::search(unsigned number, std::mutex& guard) {
-    const auto found = byNumber.find(number);
-    if (found != byNumber.end())
-        return found->second;
-    const std::lock_guard<std::mutex> lock(guard);
-    Entry& entry = byNumber[number];
-    entry.published.analog = isAnalog;
-    entry.published.number = number;
-    entry.staged = entry.published;
-    entry.staged.quality = PointQuality::Good;
-    table.enter(number, &entry, byNumber.size());
+static_assert(sizeof(PointUpdate) == 32, "one for each point of a site, and more in a host");
+
+CRtu::Values::Entry& CRtu::Values::addEntry(Entries& entries, unsigned number) {
+    const int known =
+        entries.areAnalog ? points.GetAnalogPointList().size() : points.GetStatusPointList().size();
+    const std::lock_guard<std::mutex> lock(mutex);
+    Entry& entry = entries.objects.add();
+    entries.table.enter(number, &entry, std::max(entries.objects.size(), static_cast<std::size_t>(known)));
     return entry;
+}
+
+// By an eighth: the largest poll of all stages every point of the RTU, and the memory stays.
+void CRtu::Values::growStaged() {
+    constexpr int atLeast = 16;
+    const int room = updates.size() + updates.size() / 8 + atLeast;
+    updates.reserve(room);
+    updates.resize(room);
+    useUpdates();
+    if (stagedEntries.size() < stagedRoom) {
+        stagedEntries.reserve(stagedRoom);
+        stagedEntries.resize(stagedRoom);
+    }
+}
+
+void CRtu::Values::useUpdates() {
+    stagedUpdates = updates.data();
+    stagedRoom = static_cast<quint32>(updates.size());
 }
 
 // What was staged before the values turned bad is part of what failed.
 void CRtu::Values::dropStaged(unsigned turns) {
     turnsBadSeen = turns;
-    for (Entry* entry : staged)
-        entry->isStaged = false;
-    staged.clear();
+    stagedCount = 0;
 }
 
 const QVector<PointUpdate>& CRtu::Values::publishStaged() {
     const std::lock_guard<std::mutex> lock(mutex);
     dropIfTurnedBad();
-    lastPublished.resize(static_cast<int>(staged.size()));
-    PointUpdate* update = lastPublished.data();
-    for (Entry* entry : staged) {
-        entry->published = entry->staged;
-        entry->isStaged = false;
-        *update++ = entry->staged;
+    for (quint32 at = 0; at < stagedCount; ++at) {
+        Entry& entry = *stagedEntries[at];
+        const PointUpdate& update = stagedUpdates[at];
+        entry.value = update.value;
+        entry.stamp = update.stamp;
+        entry.quality = update.quality;
     }
-    anyGood = anyGood || !staged.empty();
-    staged.clear();
-    return lastPublished;
+    anyGood = anyGood || stagedCount > 0;
+    updates.resize(static_cast<int>(stagedCount));
+    return updates;
+}
+
+void CRtu::Values::endPublishing() {
+    // A host that keeps what it was told has the memory now, and need not see it copied.
+    if (!updates.isDetached()) {
+        const int room = updates.capacity();
+        updates = QVector<PointUpdate>();
+        updates.reserve(room);
+    }
+    useUpdates();
+    stagedCount = 0;
 }
 
 QVector<PointUpdate> CRtu::Values::turnBad() {
@@ -52,32 +76,32 @@ QVector<PointUpdate> CRtu::Values::turnBad() {
 }
 
 void CRtu::Values::collectBad(Entries& entries, QVector<PointUpdate>& changed) {
-    for (auto& [number, entry] : entries.byNumber) {
-        if (entry.published.quality != PointQuality::Good)
-            continue;
-        entry.published.quality = PointQuality::Bad;
-        changed << entry.published;
-    }
+    entries.table.forEach([&](unsigned number, Entry& entry) {
+        if (entry.quality != PointQuality::Good)
+            return;
+        entry.quality = PointQuality::Bad;
+        changed << updateOf(entries, number, entry);
+    });
 }
 
-QVector<PointUpdate> CRtu::Values::states(const CPointList& all) const {
+QVector<PointUpdate> CRtu::Values::states() const {
     const std::lock_guard<std::mutex> lock(mutex);
     QVector<PointUpdate> result;
-    for (const StatusPoint* point : all.GetStatusPointList())
-        result << stateOf(statusEntries, point->number, false);
-    for (const AnalogPoint* point : all.GetAnalogPointList())
-        result << stateOf(analogEntries, point->number, true);
+    for (const StatusPoint* point : points.GetStatusPointList())
+        result << stateOf(statusEntries, point->number);
+    for (const AnalogPoint* point : points.GetAnalogPointList())
+        result << stateOf(analogEntries, point->number);
     return result;
 }
 
-PointUpdate CRtu::Values::stateOf(const Entries& entries, unsigned number, bool analog) {
-    const auto found = entries.byNumber.find(number);
-    if (found != entries.byNumber.end() && found->second.published.quality != PointQuality::NeverRead)
-        return found->second.published;
-    PointUpdate neverRead;
-    neverRead.analog = analog;
-    neverRead.number = number;
-    return neverRead;
+PointUpdate CRtu::Values::stateOf(const Entries& entries, unsigned number) {
+    static const Entry neverRead;
+    const Entry* const entry = entries.table.find(number);
+    return updateOf(entries, number, entry != nullptr ? *entry : neverRead);
+}
+
+PointUpdate CRtu::Values::updateOf(const Entries& entries, unsigned number, const Entry& entry) {
+    return {entries.areAnalog, number, entry.value, entry.stamp, entry.quality};
 }
 
 void CRtu::Values::countRequest(const RtuStatus& ended) {

@@ -6,17 +6,17 @@
 
 #include <QMap>
 
-#include <chrono>
+#include <atomic>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
 
 class CLink;
 class CRtu;
+class LineHealth;
 class ReplyRegistry;
 class ScanSchedule;
+struct RoundTrips;
 
 // One line to the controllers and the thread that serves it. A driver derives its channel from this and
 // writes run(); this class keeps what the host configured (type, links, RTUs), the connected flag, the
@@ -25,9 +25,16 @@ class ScanSchedule;
 // Life: made by the driver's createChannel; the host sets type and links and adds RTUs, calls InitChannel,
 // starts the thread; to end it sets the shutdown flag, waits for the thread, calls CloseChannel, deletes.
 // Owns its links, its RTUs and the replies that no driver completed. The core interface is the host's.
-// Threads: set-up and close on the host's thread while run() does not run; CheckScan, PutCommFailDuration and
-// the change of link on the channel's thread; PutChannelStatus there and on that of a command that is refused
-// offline; flags and figures may be read anywhere.
+// Threads:
+// - the host's, while run() does not run: set-up, InitChannel, CloseChannel, deletion. SetLinks, AddRtu and
+//   the destructor stop the program, with a message, when the channel's thread runs all the same.
+// - the channel's: CheckScan, PutCommFailDuration, SetConnect(true), and SetConnect(false) for a line that
+//   has failed. What they do, a host or a test may also do while run() does not run.
+// - the host's, at any time: SetConnect(false) for a line that it closes.
+// - the channel's, and that of a command that is refused offline: PutChannelStatus, NoteRequestEnd.
+// - any: flags, figures, GetLink, GetWhereLink, InterruptLinks, restartScans.
+// The end in use changes in CheckScan alone, so whoever looks at it during an exchange, or writes the log
+// line that speaks of it afterwards, sees the end that the exchange had.
 class HALVEXDRIVERCOMPONENT_EXPORT CChannel : public CThread {
     Q_OBJECT
 
@@ -57,25 +64,25 @@ public:
     int GetWhereLink() const { return whereLink.load(std::memory_order_acquire); }
 
     bool IsConnect() const { return connected.load(std::memory_order_acquire); }
-    // On the channel's thread a change from true to false counts as a channel error; the third in a row
-    // without an answer between them changes to the other end.
+    // False on the channel's thread: the line has failed. Where it was connected that is a channel error; the
+    // RTUs stay connected, because mostly the line is open again at once.
+    // False on any other thread: the host closes the line. That is no error, and the RTUs are disconnected.
     void SetConnect(bool connect);
 
-    // Asks each enabled RTU for the polls that are due. A poll that is late by whole periods is asked for
-    // once; the periods missed count as overruns. Each request of a silent RTU keeps the others waiting for a
-    // whole time-out: it is asked for its most frequent kind of poll alone, and not while something else asks
-    // it, such as a driver that polls all RTUs of a line when it is opened.
+    // The beginning of each turn of the driver's loop, before it opens the link: changes to the other end if
+    // that is due and the line is not connected; if it is connected, asks each enabled RTU for the polls that
+    // are due. A poll that is late by whole periods is asked for once; the periods missed count as overruns.
     void CheckScan();
-    // Counts a failed open; the third in a row changes to the other end.
+    // An open has failed. Disconnects the RTUs.
     void PutCommFailDuration();
     // Hands the channel's figures to the host.
     void PutChannelStatus();
-    // An RTU has answered: the end in use works. Channel's thread.
-    void NoteAnswer();
-    // A request of an RTU has ended without a byte of an answer. Where a line with two ends stays connected
-    // all the same, as serial ones do, the third in a row closes the end in use as a channel error does.
-    // Channel's thread.
-    void NoteSilence();
+    // A request of an RTU has ended: judges its silence and hands out the round trips of its exchanges. A
+    // request that did not have the line, such as a command that is refused offline on its own thread, has
+    // none and says nothing about the line.
+    RoundTrips NoteRequestEnd(int rtuId, unsigned answers);
+    // Nothing at all came back of the last request of the RTU that had the line.
+    bool IsSilent(int rtuId) const;
 
     ChannelStatus GetChannelStatus() const;
     // Ends a wait of the channel's thread on its link at once. Any thread; for a shutdown that cannot wait.
@@ -91,18 +98,21 @@ public:
     ReplyRegistry& GetReplyRegistry() { return *replies; }
 
 private:
+    void lineOpened();
+    void lineFailed();
+    void lineClosedByHost();
+    bool mayUseLine() const;
+    void refuseWhileRunning(const char* what) const;
+    void changeEndIfDue();
+    bool wantsOtherEnd() const;
     void makeSchedule(qint64 now);
     void askFor(CRtu& rtu, int kind, qint64 now);
-    bool hasRested(const CRtu& rtu, qint64 now);
-    void changeLink();
     void disconnectRtus();
-    void beginFailure();
-    void endFailure();
 
     HalvexDriverCoreInterface* const core;
     const int id;
     int commType = 0;
-    QMap<int, CRtu*> rtus;
+    QMap<int, CRtu*> rtus; // another host may leave a place empty
     std::unique_ptr<CLink> links[2];
     std::atomic<int> whereLink{0};
     std::atomic<bool> connected{false};
@@ -110,26 +120,9 @@ private:
     std::atomic<bool> scansRestarted{true};
     bool scansPaused = false; // the channel was not connected at the last CheckScan
     std::function<qint64()> scanClock;
-    // Of silent RTUs: the requests that had ended when a poll was last due, and since when they are as many.
-    struct Rest {
-        quint64 requests = 0;
-        qint64 since = 0;
-    };
-    std::map<const CRtu*, Rest> rests;
+    std::atomic<quint64> scanOverruns{0};
     std::unique_ptr<ReplyRegistry> replies;
 
-    // In a row on the end in use.
-    std::atomic<int> failedOpensInARow{0};
-    std::atomic<int> errorsInARow{0};
-
-    std::atomic<quint64> failedOpens{0};
-    std::atomic<quint64> channelErrors{0};
-    std::atomic<quint64> linkChanges{0};
-    std::atomic<quint64> scanOverruns{0};
-
-    // Times of a failure, on the steady clock: the failures that are over, all in all, and the beginning of
-    // the one that goes on.
-    mutable std::mutex failureMutex;
-    std::chrono::milliseconds failedBefore{0};
-    std::optional<std::chrono::steady_clock::time_point> failingSince;
+    mutable std::mutex healthMutex;
+    const std::unique_ptr<LineHealth> health; // under the mutex
 };

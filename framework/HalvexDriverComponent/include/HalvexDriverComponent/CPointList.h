@@ -6,11 +6,7 @@
 
 #include <QMap>
 
-#include <map>
 #include <memory>
-
-template <typename Object>
-class NumberTable;
 
 // The points of one RTU, by number. Owns them; a pointer stays good until its point is removed.
 // Filled before the channel's thread starts; while it runs the list is only read, and only the driver
@@ -39,11 +35,9 @@ public:
     void RestoreAnalogPoints();
 
 private:
+    struct Stores;
+
     QMap<unsigned, StatusPoint*> statusPoints;
     QMap<unsigned, AnalogPoint*> analogPoints;
-    std::map<unsigned, StatusPoint> configuredStatusPoints;
-    std::map<unsigned, AnalogPoint> configuredAnalogPoints;
-    // Each value that is put looks its point up.
-    const std::unique_ptr<NumberTable<StatusPoint>> statusTable;
-    const std::unique_ptr<NumberTable<AnalogPoint>> analogTable;
+    const std::unique_ptr<Stores> stores; // where the points are
 };

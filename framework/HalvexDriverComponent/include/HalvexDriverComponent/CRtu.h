@@ -90,9 +90,6 @@ public:
     // `report`: tell the host of a change at once.
     void SetConnect(bool connect, bool report);
 
-    // Nothing at all came back of the last request that had the line. Any thread.
-    bool IsSilent() const { return silent.load(std::memory_order_relaxed); }
-
     // Counts one ended request with the given figures and hands the RTU's status to the host. True when the
     // host was told. The flags repeat what SetConnect has told; the RTU's own flag stays.
     bool PutRtuStatus(bool connectedFlag, bool report, unsigned requests, unsigned answers, unsigned timeOuts,
@@ -106,7 +103,6 @@ private:
     class Values; // what is staged and what is published, under a lock of its own
 
     void reloadPoints();
-    bool takeRoundTrips(RtuStatus& ended) const;
     void turnValuesBad();
     void tellPoints(const QVector<PointUpdate>& updates);
     bool tellStatus();
@@ -116,6 +112,5 @@ private:
     const RemoteTerminalUnit info;
     CPointList points;
     std::atomic<bool> connected{false};
-    std::atomic<bool> silent{false};
     std::unique_ptr<Values> values;
 };
