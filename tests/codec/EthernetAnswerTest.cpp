@@ -151,15 +151,19 @@ TEST(EthernetAnswer, AnAcknowledgeThatEndsWithItsAttributeHasItsCodeBeforeTheLas
     EXPECT_EQ(checkReadAnswer(header, sequence).value, 0x0012u);
 }
 
-TEST(EthernetAnswer, ATelegramWithoutAnAttributeIsNoAcknowledge) {
-    for (int length = 8; length >= 0; --length) {
-        // A copy of its own, so that a sanitizer sees every byte read behind its end.
-        const QByteArray part(ethernetBytes(0, acknowledge, {}, 9).constData(), length);
-        for (const AnswerCheck& check : {checkReadAnswer(part, 0), checkWriteAnswer(part, 0)}) {
+TEST(EthernetAnswer, WhatStandsBehindTheEndOfAShortTelegramIsNotReadAsItsHeader) {
+    const QByteArray whole = ethernetTelegram(sequence, acknowledge, hex("00 07"));
+    for (int length = 0; length < 9; ++length) {
+        // The bytes behind its end are those of the whole telegram.
+        const QByteArray part = QByteArray::fromRawData(whole.constData(), length);
+        const quint16 sequenceInPart = length < 8 ? 0 : sequence;
+        for (const AnswerCheck& check :
+             {checkReadAnswer(part, sequenceInPart), checkWriteAnswer(part, sequenceInPart)}) {
             EXPECT_EQ(check.result, Result::AcknowledgeError) << length;
             EXPECT_EQ(check.value, 0u) << length;
         }
     }
+    EXPECT_EQ(sbus::ethernet::announcedLength(QByteArray::fromRawData(whole.constData(), 3)), 0);
 }
 
 TEST(EthernetAnswer, VersionAndProtocolTypeAreNotLookedAt) {

@@ -132,3 +132,9 @@ TEST(SerialAnswer, AnAnswerTooShortForAStartHasAWrongOneInDataMode) {
         EXPECT_EQ(checkWriteAnswer(answer, Mode::Data), WriteAnswer::FrameError);
     }
 }
+
+TEST(SerialAnswer, AnAnswerOfItsStartAloneHasAWrongChecksumInDataMode) {
+    EXPECT_EQ(checkReadAnswer(hex("B5 01"), Mode::Data), ReadAnswer::ChecksumError);
+    EXPECT_EQ(checkReadAnswer(hex("B5 02"), Mode::Data), ReadAnswer::NotAcknowledged);
+    EXPECT_EQ(checkWriteAnswer(hex("B5 02"), Mode::Data), WriteAnswer::ChecksumError);
+}

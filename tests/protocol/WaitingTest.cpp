@@ -79,6 +79,20 @@ public:
     bool areasWereZero = true;
 };
 
+// An Ethernet link that fails once a datagram has come.
+class FailingWithBytesLink : public ScriptedLink {
+public:
+    int receive(char* buffer, int capacity, int& received, int timeoutMs) override {
+        ScriptedLink::receive(buffer, capacity, received, timeoutMs);
+        return -1;
+    }
+};
+
+class EthernetFailureTest : public ExchangeTest<SBusEthernetDriver> {
+protected:
+    EthernetFailureTest() : ExchangeTest(std::make_unique<FailingWithBytesLink>()) {}
+};
+
 class EthernetWaitTest : public ExchangeTest<SBusEthernetDriver> {
 protected:
     EthernetWaitTest() : ExchangeTest(std::make_unique<ZeroNotingLink>()) {}
@@ -178,4 +192,10 @@ TEST_F(EthernetWaitTest, FourBytesAreWaitedOnForTheRest) {
     link->answer(whole.mid(4));
     EXPECT_EQ(read({6, 0, 10, {}}, 4), SBusSuccess);
     EXPECT_EQ(link->calls, (QStringList{"send 5000", "receive 1024 60000", "receive 1020 60000"}));
+}
+
+TEST_F(EthernetFailureTest, WhatALinkHasReceivedCountsForNothingWhenItFails) {
+    link->answer(ethernetTelegram(0, 1, hex("00 00 00 07")));
+    EXPECT_EQ(read({6, 0, 10, {}}, 4), SBusChannelError);
+    expectConnected(false, false);
 }
