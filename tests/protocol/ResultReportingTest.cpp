@@ -58,6 +58,7 @@ TEST_F(ResultReportingTest, EachCodeRaisesItsCounterOfTheRtu) {
         const RtuStatus before = rtu->GetRtuStatus();
         report(row.code);
         const RtuStatus after = rtu->GetRtuStatus();
+        EXPECT_EQ(after.requests - before.requests, 1u) << row.code;
         EXPECT_EQ(after.answers - before.answers, row.answers) << row.code;
         EXPECT_EQ(after.timeOuts - before.timeOuts, row.timeOuts) << row.code;
         EXPECT_EQ(after.errors - before.errors, row.errors) << row.code;
