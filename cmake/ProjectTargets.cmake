@@ -12,16 +12,23 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 
-option(SBUS_WARNINGS_AS_ERRORS "Stop at the first warning" ON)
+option(SBUS_WARNINGS_AS_ERRORS "Stop at the first warning of GCC or Clang" ON)
 option(SBUS_PRECOMPILED_HEADERS "Compile common headers once for each target; worth it with clang alone" OFF)
 set(SBUS_PRECOMPILED_FROM 5 CACHE STRING "The files of a target that are worth precompiled headers")
 set(SBUS_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize: address,undefined or thread")
 
 find_package(Threads REQUIRED)
 
+if((SBUS_SANITIZE OR SBUS_BUILD_FUZZERS OR SBUS_COVERAGE) AND NOT CMAKE_CXX_COMPILER_ID MATCHES "^(GNU|Clang|AppleClang)$")
+    message(FATAL_ERROR "Sanitizers, fuzz targets and coverage need GCC or Clang.")
+endif()
+
+# Warnings by compiler. Those of a compiler that the project is not tested with do not stop it.
 add_library(project_settings INTERFACE)
 target_compile_options(project_settings INTERFACE
-    $<BUILD_INTERFACE:-Wall;-Wextra;-Wshadow;-Wconversion;$<$<BOOL:${SBUS_WARNINGS_AS_ERRORS}>:-Werror>>)
+    $<BUILD_INTERFACE:$<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall;-Wextra;-Wshadow;-Wconversion>>
+    $<BUILD_INTERFACE:$<$<AND:$<BOOL:${SBUS_WARNINGS_AS_ERRORS}>,$<CXX_COMPILER_ID:GNU,Clang,AppleClang>>:-Werror>>
+    $<BUILD_INTERFACE:$<$<CXX_COMPILER_ID:MSVC>:/W4>>)
 target_compile_definitions(project_settings INTERFACE
     $<BUILD_INTERFACE:QT_NO_CAST_TO_ASCII;QT_NO_KEYWORDS>)
 if(SBUS_SANITIZE)

@@ -1,5 +1,7 @@
 #include "ContinuousClock.h"
 
+#include <QDateTime>
+
 #include <chrono>
 #include <utility>
 
@@ -9,9 +11,9 @@ namespace {
 
 constexpr int day = 24 * 60 * 60 * 1000; // milliseconds
 
-// What is meant by a step of a reading that goes in a circle, once a day: the shorter way. So a large step
-// back is the start of another day, and a large one forward a clock that was set back to before the first
-// reading. Time stands still for the reading of a clock that was set back.
+// Of the two ways around the day's circle the shorter one is meant. So a large step back is the start of
+// another day; a small step back, or a large one forward, is a clock that was set back, for which no time
+// passes.
 int stepInACircle(int step) {
     if (step < -day / 2)
         return step + day;
@@ -20,20 +22,21 @@ int stepInACircle(int step) {
 
 } // namespace
 
-ContinuousClock::ContinuousClock(std::function<int()> timeOfDay, std::function<qint64()> steadyTime)
-    : reading(std::move(timeOfDay)), steady(std::move(steadyTime)), last(reading()), lastSteady(steady()) {}
+ContinuousClock::ContinuousClock(std::function<int()> newTimeOfDay, std::function<qint64()> newSteadyTime)
+    : timeOfDay(std::move(newTimeOfDay)), steadyTime(std::move(newSteadyTime)), lastTimeOfDay(timeOfDay()),
+      lastSteadyTime(steadyTime()) {}
 
-quint32 ContinuousClock::elapsed() {
-    const int step = reading() - last;
-    const qint64 steadyStep = steady() - lastSteady;
-    last += step;
-    lastSteady += steadyStep;
-    count += static_cast<quint32>(steadyStep > day / 2 ? steadyStep : stepInACircle(step));
-    return count;
+qint64 ContinuousClock::passed() {
+    const int step = timeOfDay() - lastTimeOfDay;
+    const qint64 steadyStep = steadyTime() - lastSteadyTime;
+    lastTimeOfDay += step;
+    lastSteadyTime += steadyStep;
+    return steadyStep > day / 2 ? steadyStep : stepInACircle(step);
 }
 
-void ContinuousClock::moveOriginBy(quint32 ms) {
-    count -= ms;
+// By UTC: local time jumps an hour twice a year.
+int ContinuousClock::utcTimeOfDay() {
+    return QDateTime::currentDateTimeUtc().time().msecsSinceStartOfDay();
 }
 
 qint64 ContinuousClock::steadyMilliseconds() {

@@ -2,34 +2,27 @@
 
 #include "SBusProtocolBase.h"
 
-#include <QDateTime>
 #include <QMutexLocker>
-#include <QTime>
 
+#include <algorithm>
 #include <utility>
 
-SBusDelayedQueue::SBusDelayedQueue(std::function<int()> elapsed) : clock(std::move(elapsed)) {}
+SBusDelayedQueue::SBusDelayedQueue(std::function<int()> timeOfDay, std::function<qint64()> steadyTime)
+    : clock(std::move(timeOfDay), std::move(steadyTime)) {}
 
 SBusDelayedQueue::~SBusDelayedQueue() = default;
-
-std::function<int()> SBusDelayedQueue::timeOfDayClock() {
-    constexpr int dayMs = 24 * 60 * 60 * 1000;
-    // By UTC: local time jumps an hour twice a year.
-    const auto now = [] { return QDateTime::currentDateTimeUtc().time(); };
-    return [now, started = now()] {
-        const int passed = started.msecsTo(now());
-        return passed < 0 ? passed + dayMs : passed;
-    };
-}
 
 void SBusDelayedQueue::setProtocol(SBusProtocolBase* newProtocol) {
     const QMutexLocker lock(&mutex);
     protocol = newProtocol;
 }
 
+// The clock is read here as well as at each dispatch: a dispatch of an empty queue does not read it, so its
+// last reading may be any time ago.
 void SBusDelayedQueue::schedule(unsigned delayMs, const SBusRequest& request) {
     const QMutexLocker lock(&mutex);
-    entries.append({clock.elapsed() + delayMs, request});
+    readClock();
+    entries.append({delayMs, request});
     empty.store(false, std::memory_order_release);
 }
 
@@ -39,17 +32,20 @@ void SBusDelayedQueue::dispatchDue() {
     const QMutexLocker lock(&mutex);
     if (entries.isEmpty() || protocol == nullptr)
         return;
-    const quint32 now = clock.elapsed();
+    readClock();
     QList<Entry> remaining;
     for (const Entry& entry : std::as_const(entries)) {
-        if (entry.dueMs > now)
-            remaining.append({entry.dueMs - now, entry.request});
+        if (entry.remainingMs > 0)
+            remaining.append(entry);
         else
             protocol->queueRequest(entry.request);
     }
-    // A count of 32 bits comes round after 49 days. Counting anew from each dispatch keeps that moment away
-    // from the entries.
-    clock.moveOriginBy(now);
     entries = remaining;
     empty.store(entries.isEmpty(), std::memory_order_release);
+}
+
+void SBusDelayedQueue::readClock() {
+    const qint64 passed = clock.passed();
+    for (Entry& entry : entries)
+        entry.remainingMs -= static_cast<quint32>(std::min<qint64>(passed, entry.remainingMs));
 }

@@ -16,9 +16,9 @@ class SBusProtocolBase;
 // starts. Lock order: this queue's mutex, then the table's.
 class SBusDelayedQueue {
 public:
-    // `elapsed`: milliseconds since the queue was built, as QTime counts them, starting again from 0
-    // after a day. A test may give a clock of its own.
-    explicit SBusDelayedQueue(std::function<int()> elapsed = timeOfDayClock());
+    // As for ContinuousClock; a test may give clocks of its own.
+    explicit SBusDelayedQueue(std::function<int()> timeOfDay = sbus::ContinuousClock::utcTimeOfDay,
+                              std::function<qint64()> steadyTime = sbus::ContinuousClock::steadyMilliseconds);
     ~SBusDelayedQueue();
 
     void setProtocol(SBusProtocolBase* newProtocol);
@@ -29,11 +29,11 @@ public:
 
 private:
     struct Entry {
-        quint32 dueMs;
+        quint32 remainingMs; // from the clock's last reading on
         SBusRequest request;
     };
 
-    static std::function<int()> timeOfDayClock();
+    void readClock();
 
     QMutex mutex;
     sbus::ContinuousClock clock;

@@ -2,14 +2,33 @@
 
 #include "CommandCode.h"
 #include "EthernetTelegram.h"
+#include "SBusExchange.h"
 
-#include <HalvexDriverComponent/CRtu.h>
 #include <HalvexDriverLink/CLink.h>
 
 #include <QElapsedTimer>
 
-using Halvex::PacketType;
 using sbus::ethernet::AnswerCheck;
+
+namespace {
+
+void traceWhatIsWrong(const AnswerCheck& check, const SBusExchange& exchange) {
+    switch (check.result) {
+    case AnswerCheck::Result::Good:
+        break;
+    case AnswerCheck::Result::InvalidSequence:
+        exchange.traceError(QStringLiteral("Invaild Sequence"));
+        break;
+    case AnswerCheck::Result::AcknowledgeError:
+        exchange.traceError(QStringLiteral("Ack Error: %1").arg(check.value));
+        break;
+    case AnswerCheck::Result::ChecksumError:
+        exchange.traceError(QStringLiteral("CRC Error"));
+        break;
+    }
+}
+
+} // namespace
 
 SBusEthernetDriver::SBusEthernetDriver(CChannel* owner) : SBusProtocolBase(owner) {}
 
@@ -36,36 +55,36 @@ unsigned SBusEthernetDriver::reservedHook() {
 
 unsigned SBusEthernetDriver::transceive(const SBusRequestItem& item, const QByteArray& frame,
                                         QByteArray& response, const SBusRequest& request, bool /*read*/) {
-    if (const unsigned code = sendFrame(request, frame))
+    const SBusExchange exchange(*currentLink(), request);
+    if (const unsigned code = exchange.send(frame))
         return code;
     QByteArray telegram;
-    if (const unsigned code = awaitAnswer(telegram, response, request))
+    if (const unsigned code = awaitTelegram(telegram, response, exchange))
         return code;
-    logWholeFrame(request, PacketType::Received, telegram);
-    const bool read = sbus::isRead(item.command);
-    if (const unsigned code = checkAnswer(telegram, request, read))
-        return code;
-    if (read)
+    exchange.traceReceived(telegram);
+    if (!sbus::isRead(item.command))
+        return checkWriteAnswer(telegram, exchange);
+    const unsigned code = checkReadAnswer(telegram, exchange);
+    if (code == SBusSuccess)
         response = sbus::ethernet::withoutHeader(telegram);
-    connectRtu(request);
-    return SBusSuccess;
+    return code;
 }
 
-unsigned SBusEthernetDriver::awaitAnswer(QByteArray& telegram, const QByteArray& response,
-                                         const SBusRequest& request) {
+unsigned SBusEthernetDriver::awaitTelegram(QByteArray& telegram, const QByteArray& response,
+                                           const SBusExchange& exchange) {
     constexpr int capacity = 1024; // no telegram is longer
     QElapsedTimer time;
     time.start();
     QByteArray area(capacity, '\0');
     int arrived = 0;
-    if (currentLink()->receive(area.data(), capacity, arrived, request.rtu->sessionTimeOut()) == -1 ||
+    if (exchange.link.receive(area.data(), capacity, arrived, exchange.timeOutMs()) == -1 ||
         arrived < sbus::ethernet::lengthSize) {
-        disconnectRtuAndChannel(request);
+        exchange.disconnectRtuAndChannel();
         return SBusChannelError;
     }
     const qint32 length = sbus::ethernet::announcedLength(area);
     if (length > arrived) {
-        if (const unsigned code = awaitRest(area, arrived, time, response, request))
+        if (const unsigned code = awaitRest(area, arrived, time, response, exchange))
             return code;
     }
     area.truncate(length);
@@ -73,49 +92,52 @@ unsigned SBusEthernetDriver::awaitAnswer(QByteArray& telegram, const QByteArray&
     return SBusSuccess;
 }
 
-// One more datagram may bring the rest of a telegram; no more than one is waited for.
+// One more datagram may bring the rest of a telegram; no more than one is waited for. What is traced when the
+// rest is not there is the buffer of the caller, not what has arrived.
 unsigned SBusEthernetDriver::awaitRest(QByteArray& area, int arrived, const QElapsedTimer& time,
-                                       const QByteArray& response, const SBusRequest& request) {
-    const int timeOutMs = request.rtu->sessionTimeOut();
+                                       const QByteArray& response, const SBusExchange& exchange) {
+    const int timeOutMs = exchange.timeOutMs();
     const int space = area.size() - arrived;
     int more = 0;
-    if (space > 0 && currentLink()->receive(area.data() + arrived, space, more, timeOutMs) == -1) {
-        disconnectRtuAndChannel(request);
+    if (space > 0 && exchange.link.receive(area.data() + arrived, space, more, timeOutMs) == -1) {
+        exchange.disconnectRtuAndChannel();
         return SBusChannelError;
     }
     if (arrived + more == sbus::ethernet::announcedLength(area))
         return SBusSuccess;
     const bool silent = more == 0 && time.elapsed() > timeOutMs;
-    logFrameHeader(request, PacketType::Received);
-    if (!response.isEmpty())
-        logFrame(request.rtu->chennelId(), request.rtu->GetRtuId(), PacketType::Received,
-                 response.constData(), response.size());
-    if (silent)
-        disconnectRtu(request);
+    if (response.isEmpty())
+        exchange.traceReceivedHeader();
     else
-        disconnectRtuAndChannel(request);
+        exchange.traceReceived(response);
+    if (silent)
+        exchange.disconnectRtu();
+    else
+        exchange.disconnectRtuAndChannel();
     return SBusTimeOut;
 }
 
-unsigned SBusEthernetDriver::checkAnswer(const QByteArray& telegram, const SBusRequest& request, bool read) {
-    const AnswerCheck check = read ? sbus::ethernet::checkReadAnswer(telegram, expectedSequence)
-                                   : sbus::ethernet::checkWriteAnswer(telegram, expectedSequence);
-    switch (check.result) {
-    case AnswerCheck::Result::Good:
-        return SBusSuccess;
-    case AnswerCheck::Result::InvalidSequence:
-        logProtocolError(request, QStringLiteral("Invaild Sequence"), true);
-        break;
-    case AnswerCheck::Result::AcknowledgeError:
-        logProtocolError(request, QStringLiteral("Ack Error: %1").arg(check.value), true);
-        break;
-    case AnswerCheck::Result::ChecksumError:
-        logProtocolError(request, QStringLiteral("CRC Error"), true);
-        // The write itself may well have been carried out: the RTU's flag stays.
-        if (!read)
-            return SBusBadData;
-        break;
+unsigned SBusEthernetDriver::checkReadAnswer(const QByteArray& telegram, const SBusExchange& exchange) const {
+    const AnswerCheck check = sbus::ethernet::checkReadAnswer(telegram, expectedSequence);
+    traceWhatIsWrong(check, exchange);
+    if (check.result != AnswerCheck::Result::Good) {
+        exchange.disconnectRtu();
+        return SBusBadData;
     }
-    disconnectRtu(request);
+    exchange.connectRtu();
+    return SBusSuccess;
+}
+
+// After a wrong checksum the RTU stays as it was.
+unsigned SBusEthernetDriver::checkWriteAnswer(const QByteArray& telegram,
+                                              const SBusExchange& exchange) const {
+    const AnswerCheck check = sbus::ethernet::checkWriteAnswer(telegram, expectedSequence);
+    traceWhatIsWrong(check, exchange);
+    if (check.result == AnswerCheck::Result::Good) {
+        exchange.connectRtu();
+        return SBusSuccess;
+    }
+    if (check.result != AnswerCheck::Result::ChecksumError)
+        exchange.disconnectRtu();
     return SBusBadData;
 }

@@ -3,6 +3,7 @@
 #include "SBusProtocolBase.h"
 
 class QElapsedTimer;
+class SBusExchange;
 
 // S-Bus over a datagram link. Each telegram carries a sequence number that its answer must repeat, so that
 // a late answer to an earlier telegram is never taken for the answer to this one.
@@ -15,7 +16,8 @@ public:
     void buildReadFrame(QByteArray& frame, const SBusRequestItem& item, int station) override;
     void buildWriteFrame(QByteArray& frame, const SBusRequestItem& item, int station) override;
     unsigned reservedHook() override;
-    // A silent controller is a channel error here, not a time-out.
+    // A silent controller is a channel error here, not a time-out. Whether an answer is that of a read
+    // follows from the command, not from `read`.
     unsigned transceive(const SBusRequestItem& item, const QByteArray& frame, QByteArray& response,
                         const SBusRequest& request, bool read) override;
 
@@ -23,8 +25,10 @@ private:
     quint16 nextSequence = 0;
     quint16 expectedSequence = 0; // of the telegram built last
 
-    unsigned awaitAnswer(QByteArray& telegram, const QByteArray& response, const SBusRequest& request);
-    unsigned awaitRest(QByteArray& area, int arrived, const QElapsedTimer& time, const QByteArray& response,
-                       const SBusRequest& request);
-    unsigned checkAnswer(const QByteArray& telegram, const SBusRequest& request, bool read);
+    static unsigned awaitTelegram(QByteArray& telegram, const QByteArray& response,
+                                  const SBusExchange& exchange);
+    static unsigned awaitRest(QByteArray& area, int arrived, const QElapsedTimer& time,
+                              const QByteArray& response, const SBusExchange& exchange);
+    unsigned checkReadAnswer(const QByteArray& telegram, const SBusExchange& exchange) const;
+    unsigned checkWriteAnswer(const QByteArray& telegram, const SBusExchange& exchange) const;
 };

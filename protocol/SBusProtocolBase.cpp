@@ -10,16 +10,13 @@
 #include <HalvexDriverComponent/CChannel.h>
 #include <HalvexDriverComponent/CLogger.h>
 #include <HalvexDriverComponent/CRtu.h>
-#include <HalvexDriverLink/CLink.h>
 
 #include <QMutexLocker>
 
-#include <algorithm>
+#include <optional>
 #include <utility>
 
-using Halvex::PacketType;
-
-SBusProtocolBase::SBusProtocolBase(CChannel* owner) : QObject(owner), channel(owner) {}
+SBusProtocolBase::SBusProtocolBase(CChannel* owner) : QObject(owner), reporter(owner) {}
 
 SBusProtocolBase::~SBusProtocolBase() = default;
 
@@ -27,21 +24,18 @@ void SBusProtocolBase::submitRequest(const SBusRequest& request) {
     {
         const QMutexLocker lock(&mutex);
         if (currentLink() != nullptr) {
-            // Made first: without memory for it the table stays as it is.
-            std::list<SBusRequest> newest{request};
-            removeRequest(request);
-            pending.splice(pending.begin(), newest);
+            pending.putFirst(request);
             return;
         }
     }
-    // Reported with the mutex released: whoever is told may ask for the next request at once.
+    // The mutex is free again: whoever is told of the result may hand over the next request at once.
     reportResult(SBusChannelError, request, request.reply, QStringLiteral("Channel Offline"));
 }
 
 void SBusProtocolBase::queueRequest(const SBusRequest& request) {
     const QMutexLocker lock(&mutex);
     if (currentLink() != nullptr && !containsRequest(request))
-        pending.push_back(request);
+        pending.putLast(request);
 }
 
 void SBusProtocolBase::setLink(CLink* newLink) {
@@ -49,24 +43,24 @@ void SBusProtocolBase::setLink(CLink* newLink) {
 }
 
 bool SBusProtocolBase::containsRequest(const SBusRequest& request) const {
-    return std::any_of(pending.cbegin(), pending.cend(),
-                       [&](const SBusRequest& other) { return other.isEqualTo(request); });
+    return pending.contains(request);
 }
 
 int SBusProtocolBase::removeRequest(const SBusRequest& request) {
-    const std::size_t before = pending.size();
-    pending.remove_if([&](const SBusRequest& other) { return other.isEqualTo(request); });
-    return static_cast<int>(before - pending.size());
+    return pending.remove(request);
 }
 
 void SBusProtocolBase::processNextRequest() {
     QMutexLocker lock(&mutex);
-    if (pending.empty())
-        return;
-    SBusRequest request = std::move(pending.front());
-    pending.pop_front();
+    std::optional<SBusRequest> request = pending.takeFirst();
     lock.unlock();
-    executeRequest(request);
+    if (request)
+        executeRequest(*request);
+}
+
+void SBusProtocolBase::reportResult(unsigned code, const SBusRequest& request, CReply* reply,
+                                    const QString& /*reason*/) const {
+    reporter.report(code, request, reply);
 }
 
 void SBusProtocolBase::executeRequest(SBusRequest& request) {
@@ -114,7 +108,7 @@ unsigned SBusProtocolBase::executeRead(const SBusRequest& request, const SBusReq
     if (const unsigned code = checkResponse(frame, response, request, item))
         return code;
     publish(request, item, response);
-    // The elements that a short answer leaves out must not pass for read.
+    // A short answer leaves elements out, whose points keep older values: the request counts as failed.
     return response.size() < sbus::readPayloadSize(item) + sbus::checksumSize ? SBusBadData2 : SBusSuccess;
 }
 
@@ -126,7 +120,7 @@ unsigned SBusProtocolBase::executeWrite(const SBusRequest& request, const SBusRe
     return transceive(item, frame, response, request, false);
 }
 
-// Hands over as many values as the answer holds.
+// Hands over as many values as the answer holds, at most those that were asked for.
 void SBusProtocolBase::publish(const SBusRequest& request, const SBusRequestItem& item,
                                const QByteArray& response) {
     auto* const publisher = dynamic_cast<SBusValuePublisher*>(request.rtu);
@@ -140,49 +134,10 @@ void SBusProtocolBase::publish(const SBusRequest& request, const SBusRequestItem
         publisher->publishAnalogValues(item.address, media, sbus::decodeWords(response, elements));
 }
 
-void SBusProtocolBase::logFrame(int channelId, int rtuId, PacketType type, const char* bytes, int length) {
+void SBusProtocolBase::logFrame(int channelId, int rtuId, Halvex::PacketType type, const char* bytes,
+                                int length) {
     CLogger* const logger = CLogger::GetInstance();
     sbus::HexDump dump(bytes, length);
     while (dump.next())
         logger->writeConPacket(channelId, rtuId, type, dump.line(), false);
-}
-
-unsigned SBusProtocolBase::sendFrame(const SBusRequest& request, const QByteArray& frame) {
-    constexpr int timeOutMs = 5000; // for a line that takes no more bytes
-    if (currentLink()->send(frame.constData(), frame.size(), timeOutMs) != 0) {
-        disconnectRtuAndChannel(request);
-        return SBusChannelError;
-    }
-    logWholeFrame(request, PacketType::Sent, frame);
-    return SBusSuccess;
-}
-
-void SBusProtocolBase::logWholeFrame(const SBusRequest& request, PacketType type, const QByteArray& bytes) {
-    logFrameHeader(request, type);
-    logFrame(request.rtu->chennelId(), request.rtu->GetRtuId(), type, bytes.constData(), bytes.size());
-}
-
-void SBusProtocolBase::logFrameHeader(const SBusRequest& request, PacketType type) {
-    const QString text =
-        type == PacketType::Sent ? QStringLiteral("<< Send frame ") : QStringLiteral(">> Receive frame ");
-    CLogger::GetInstance()->writeConPacket(request.rtu->chennelId(), request.rtu->GetRtuId(), type, text,
-                                           true);
-}
-
-void SBusProtocolBase::logProtocolError(const SBusRequest& request, const QString& text, bool startsEntry) {
-    CLogger::GetInstance()->writeConPacket(request.rtu->chennelId(), request.rtu->GetRtuId(),
-                                           PacketType::ProtocolError, text, startsEntry);
-}
-
-void SBusProtocolBase::disconnectRtu(const SBusRequest& request) {
-    request.rtu->SetConnect(false, true);
-}
-
-void SBusProtocolBase::disconnectRtuAndChannel(const SBusRequest& request) {
-    disconnectRtu(request);
-    request.rtu->GetChannel()->SetConnect(false);
-}
-
-void SBusProtocolBase::connectRtu(const SBusRequest& request) {
-    request.rtu->SetConnect(true, true);
 }

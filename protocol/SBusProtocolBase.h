@@ -1,7 +1,9 @@
 #pragma once
 
+#include "SBusPendingTable.h"
 #include "SBusRequest.h"
 #include "SBusResultCode.h"
+#include "SBusResultReporter.h"
 
 #include <HalvexDriverComponent/Halvex.h>
 
@@ -10,14 +12,13 @@
 #include <QObject>
 
 #include <atomic>
-#include <list>
 
 class CChannel;
 class CLink;
 
-// The transaction engine of one channel: the table of pending requests, and the cycle that takes one
-// request, exchanges its telegrams and reports how it ended. What differs on the wire is left to the
-// serial and the Ethernet protocol.
+// The transaction engine of one channel: the cycle that takes one request from the table of those that wait,
+// exchanges its telegrams, hands over what they have read and reports how the request ended. What differs on
+// the wire is left to the serial and the Ethernet protocol.
 //
 // States: offline (no link) and online. A channel that has once been connected stays online here while its
 // link is opened anew, so that requests wait in the table. Commands go to the front of the table and displace
@@ -30,48 +31,41 @@ public:
     explicit SBusProtocolBase(CChannel* owner);
     ~SBusProtocolBase() override;
 
-    // Runs for every good read exchange before its values are decoded. SBusSuccess, or why it does not count.
+    // Called after every good read exchange, before its values are decoded. SBusSuccess, or the code with
+    // which the request ends instead.
     virtual unsigned checkResponse(const QByteArray& frame, const QByteArray& response,
                                    const SBusRequest& request, const SBusRequestItem& item) = 0;
     virtual void buildReadFrame(QByteArray& frame, const SBusRequestItem& item, int station) = 0;
     virtual void buildWriteFrame(QByteArray& frame, const SBusRequestItem& item, int station) = 0;
-    // Called by nobody; keeps its place in the order of the operations.
+    // The engine never calls it. It keeps its place in the order of the virtual operations.
     virtual unsigned reservedHook() = 0;
-    // Sends `frame` and waits for the answer. `response` comes with the size that payload and checksum
-    // are expected to have, and leaves with them when the exchange was a good read.
+    // Sends `frame` and waits for the answer. `response` comes with the size that payload and checksum are
+    // expected to have, empty for a write; after a good read it holds the payload and the checksum.
     virtual unsigned transceive(const SBusRequestItem& item, const QByteArray& frame, QByteArray& response,
                                 const SBusRequest& request, bool read) = 0;
 
     // The command path. Offline: reported as SBusChannelError at once.
     void submitRequest(const SBusRequest& request);
-    // The poll path. Offline, or with an equal request pending: dropped without a word.
+    // The poll path. Offline, or with an equal request pending: dropped and not reported.
     void queueRequest(const SBusRequest& request);
     // Null when the channel disconnects.
     void setLink(CLink* newLink);
     // Runs the request at the front of the table, if there is one.
     void processNextRequest();
 
+    // Writes a hex dump of `bytes` into the frame trace, line by line.
+    static void logFrame(int channelId, int rtuId, Halvex::PacketType type, const char* bytes, int length);
+
 protected:
     CLink* currentLink() const { return link.load(std::memory_order_acquire); }
 
     void executeRequest(SBusRequest& request);
-    void reportResult(unsigned code, const SBusRequest& request, CReply* reply, const QString& reason);
-    static void logFrame(int channelId, int rtuId, Halvex::PacketType type, const char* bytes, int length);
+    // The reason is written nowhere: the log has its fixed texts.
+    void reportResult(unsigned code, const SBusRequest& request, CReply* reply, const QString& reason) const;
 
     // The caller holds the mutex.
     bool containsRequest(const SBusRequest& request) const;
     int removeRequest(const SBusRequest& request);
-
-    // What the framings have in common around their exchange.
-    // Sends `frame` and logs it. A failure costs RTU and channel their connection.
-    unsigned sendFrame(const SBusRequest& request, const QByteArray& frame);
-    // Header line and hex dump.
-    static void logWholeFrame(const SBusRequest& request, Halvex::PacketType type, const QByteArray& bytes);
-    static void logFrameHeader(const SBusRequest& request, Halvex::PacketType type);
-    static void logProtocolError(const SBusRequest& request, const QString& text, bool startsEntry);
-    static void disconnectRtu(const SBusRequest& request);
-    static void disconnectRtuAndChannel(const SBusRequest& request);
-    static void connectRtu(const SBusRequest& request);
 
 private:
     unsigned executeItem(const SBusRequest& request, const SBusRequestItem& item);
@@ -79,9 +73,9 @@ private:
     unsigned executeWrite(const SBusRequest& request, const SBusRequestItem& item, int station);
     static void publish(const SBusRequest& request, const SBusRequestItem& item, const QByteArray& response);
 
-    CChannel* const channel;
+    const SBusResultReporter reporter;
     QMutex mutex;
-    std::list<SBusRequest> pending; // the front is sent next
+    SBusPendingTable pending;
     // Written by the channel's thread alone; producers read it to know whether the channel is online.
     std::atomic<CLink*> link{nullptr};
 };

@@ -19,8 +19,7 @@ public:
     SBusRequest& operator=(SBusRequest&&) = default;
     virtual ~SBusRequest();
 
-    // The same RTU, label and number of telegrams. What the telegrams hold does not count: of two polls of
-    // one kind for one RTU the second is superfluous.
+    // The same RTU, label and number of telegrams. What the telegrams hold is not compared.
     bool isEqualTo(const SBusRequest& other) const;
 
     CRtu* rtu = nullptr;

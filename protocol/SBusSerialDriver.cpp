@@ -1,16 +1,27 @@
 #include "SBusSerialDriver.h"
 
-#include "SerialTelegram.h"
+#include "SBusExchange.h"
 #include "Telegram.h"
 
-#include <HalvexDriverComponent/CRtu.h>
 #include <HalvexDriverLink/CLinkSerial.h>
 
 #include <QElapsedTimer>
 
-using Halvex::PacketType;
+using sbus::serial::Mode;
 using sbus::serial::ReadAnswer;
 using sbus::serial::WriteAnswer;
+
+namespace {
+
+// Discards what arrives next, for at most `timeOutMs`. Whether that succeeds makes no difference.
+void drain(CLink& link, int timeOutMs) {
+    constexpr int scratchSize = 4096;
+    char scratch[scratchSize] = {};
+    int received = 0;
+    link.receive(scratch, scratchSize, received, timeOutMs);
+}
+
+} // namespace
 
 SBusSerialDriver::SBusSerialDriver(CChannel* owner) : SBusProtocolBase(owner) {}
 
@@ -20,11 +31,11 @@ unsigned SBusSerialDriver::checkResponse(const QByteArray&, const QByteArray&, c
 }
 
 void SBusSerialDriver::buildReadFrame(QByteArray& frame, const SBusRequestItem& item, int station) {
-    frame = sbus::serial::readFrame(item, station, transmitMode);
+    frame = sbus::serial::readFrame(item, station, mode());
 }
 
 void SBusSerialDriver::buildWriteFrame(QByteArray& frame, const SBusRequestItem& item, int station) {
-    frame = sbus::serial::writeFrame(item, station, transmitMode);
+    frame = sbus::serial::writeFrame(item, station, mode());
 }
 
 unsigned SBusSerialDriver::reservedHook() {
@@ -33,98 +44,90 @@ unsigned SBusSerialDriver::reservedHook() {
 
 unsigned SBusSerialDriver::transceive(const SBusRequestItem&, const QByteArray& frame, QByteArray& response,
                                       const SBusRequest& request, bool read) {
-    if (transmitMode == sbus::serial::breakMode)
+    const SBusExchange exchange(*currentLink(), request);
+    if (mode() == Mode::Break)
         sendBreak();
-    response.fill('\0', read
-                            ? sbus::serial::readAnswerSize(response.size() - sbus::checksumSize, transmitMode)
-                            : sbus::serial::writeAnswerSize(transmitMode));
-    if (const unsigned code = sendFrame(request, frame))
+    response.fill('\0', read ? sbus::serial::readAnswerSize(response.size() - sbus::checksumSize, mode())
+                             : sbus::serial::writeAnswerSize(mode()));
+    if (const unsigned code = exchange.send(frame))
         return code;
     if (response.isEmpty())
         return SBusSuccess;
-    if (const unsigned code = awaitAnswer(response, request))
+    if (const unsigned code = awaitAnswer(response, exchange))
         return code;
-    logWholeFrame(request, PacketType::Received, response);
-    return read ? checkReadAnswer(response, request) : checkWriteAnswer(response, request);
+    exchange.traceReceived(response);
+    return read ? checkReadAnswer(response, exchange) : checkWriteAnswer(response, exchange);
 }
 
-void SBusSerialDriver::sendBreak() {
+// The exchange goes on whether or not the device takes the break.
+void SBusSerialDriver::sendBreak() const {
     if (currentLink()->kind() != CLink::serialKind)
         return;
     if (auto* const serial = dynamic_cast<CLinkSerial*>(currentLink()))
         serial->sendBreak(breakDelay);
 }
 
-// A station that says nothing costs its RTU the connection; a line that fails or breaks off in the middle
-// costs the channel's, so that it is opened anew.
-unsigned SBusSerialDriver::awaitAnswer(QByteArray& response, const SBusRequest& request) {
+// Without any answer the RTU counts as disconnected; after a failure of the link or an answer that broke off
+// the channel does too, and opens its link anew.
+unsigned SBusSerialDriver::awaitAnswer(QByteArray& response, const SBusExchange& exchange) {
     constexpr int silenceMs = 20; // between two bytes of one answer
-    const int timeOutMs = request.rtu->sessionTimeOut();
+    const int timeOutMs = exchange.timeOutMs();
     int received = 0;
     QElapsedTimer time;
     time.start();
-    if (currentLink()->rxMessage(response.data(), response.size(), received, timeOutMs, silenceMs) == -1) {
-        disconnectRtuAndChannel(request);
+    if (exchange.link.rxMessage(response.data(), response.size(), received, timeOutMs, silenceMs) == -1) {
+        exchange.disconnectRtuAndChannel();
         return SBusChannelError;
     }
     if (received == response.size())
         return SBusSuccess;
     const bool silent = received == 0 && time.elapsed() > timeOutMs;
-    logWholeFrame(request, PacketType::Received, response);
+    exchange.traceReceived(response);
     if (silent)
-        disconnectRtu(request);
+        exchange.disconnectRtu();
     else
-        disconnectRtuAndChannel(request);
+        exchange.disconnectRtuAndChannel();
     return SBusTimeOut;
 }
 
-unsigned SBusSerialDriver::checkReadAnswer(QByteArray& response, const SBusRequest& request) {
-    // What follows a wrong start is most likely there already; after a wrong checksum the rest of a longer
-    // telegram may still be on its way.
+unsigned SBusSerialDriver::checkReadAnswer(QByteArray& response, const SBusExchange& exchange) const {
     constexpr int drainAfterWrongStartMs = 1;
     constexpr int drainAfterWrongChecksumMs = 5000;
-    switch (sbus::serial::checkReadAnswer(response, transmitMode)) {
+    switch (sbus::serial::checkReadAnswer(response, mode())) {
     case ReadAnswer::Good:
         break;
     case ReadAnswer::NotAcknowledged:
-        drainLink(drainAfterWrongStartMs);
-        logProtocolError(request, QStringLiteral("Nak Error"), false);
+        drain(exchange.link, drainAfterWrongStartMs);
+        exchange.traceErrorInSameEntry(QStringLiteral("Nak Error"));
         return SBusBadData;
     case ReadAnswer::FrameError:
-        drainLink(drainAfterWrongStartMs);
-        logProtocolError(request, QStringLiteral("Frame Error"), false);
+        drain(exchange.link, drainAfterWrongStartMs);
+        exchange.traceErrorInSameEntry(QStringLiteral("Frame Error"));
         return SBusBadData;
     case ReadAnswer::ChecksumError:
-        drainLink(drainAfterWrongChecksumMs);
-        logProtocolError(request, QStringLiteral("CRC Error"), false);
+        drain(exchange.link, drainAfterWrongChecksumMs);
+        exchange.traceErrorInSameEntry(QStringLiteral("CRC Error"));
         return SBusBadData;
     }
-    response = sbus::serial::withoutStart(response, transmitMode);
-    connectRtu(request);
+    response = sbus::serial::withoutStart(response, mode());
+    exchange.connectRtu();
     return SBusSuccess;
 }
 
-unsigned SBusSerialDriver::checkWriteAnswer(const QByteArray& response, const SBusRequest& request) {
-    switch (sbus::serial::checkWriteAnswer(response, transmitMode)) {
+unsigned SBusSerialDriver::checkWriteAnswer(const QByteArray& response, const SBusExchange& exchange) const {
+    switch (sbus::serial::checkWriteAnswer(response, mode())) {
     case WriteAnswer::Good:
         break;
     case WriteAnswer::ControlError:
-        logProtocolError(request, QStringLiteral("Control Error"), false);
+        exchange.traceErrorInSameEntry(QStringLiteral("Control Error"));
         return SBusBadData;
     case WriteAnswer::FrameError:
-        logProtocolError(request, QStringLiteral("Frame Error"), true);
+        exchange.traceError(QStringLiteral("Frame Error"));
         return SBusBadData;
     case WriteAnswer::ChecksumError:
-        logProtocolError(request, QStringLiteral("CRC Error"), true);
+        exchange.traceError(QStringLiteral("CRC Error"));
         return SBusBadData;
     }
-    connectRtu(request);
+    exchange.connectRtu();
     return SBusSuccess;
-}
-
-void SBusSerialDriver::drainLink(int timeOutMs) {
-    constexpr int scratchSize = 4096;
-    char scratch[scratchSize] = {};
-    int received = 0;
-    currentLink()->receive(scratch, scratchSize, received, timeOutMs);
 }

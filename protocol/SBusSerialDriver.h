@@ -1,6 +1,9 @@
 #pragma once
 
 #include "SBusProtocolBase.h"
+#include "SerialTelegram.h"
+
+class SBusExchange;
 
 // S-Bus over a serial line. One setting serves the whole line: the channel writes the values of each of
 // its RTUs in turn, and those of the last one stay.
@@ -16,14 +19,14 @@ public:
     unsigned transceive(const SBusRequestItem& item, const QByteArray& frame, QByteArray& response,
                         const SBusRequest& request, bool read) override;
 
-    // 0 Data Mode, 1 Break Mode. Any other value: Break Mode's layout without a break, writes unanswered.
+    // The number in the RTU's record: 0 Data Mode, 1 Break Mode, any other sbus::serial::Mode::Other.
     qint32 transmitMode = 1;
     qint32 breakDelay = 10; // milliseconds
 
 private:
-    void sendBreak();
-    unsigned awaitAnswer(QByteArray& response, const SBusRequest& request);
-    unsigned checkReadAnswer(QByteArray& response, const SBusRequest& request);
-    unsigned checkWriteAnswer(const QByteArray& response, const SBusRequest& request);
-    void drainLink(int timeOutMs);
+    sbus::serial::Mode mode() const { return sbus::serial::modeOf(transmitMode); }
+    void sendBreak() const;
+    static unsigned awaitAnswer(QByteArray& response, const SBusExchange& exchange);
+    unsigned checkReadAnswer(QByteArray& response, const SBusExchange& exchange) const;
+    unsigned checkWriteAnswer(const QByteArray& response, const SBusExchange& exchange) const;
 };

@@ -25,13 +25,14 @@ constexpr quint32 toNumber(CommandCode code) {
     return static_cast<quint32>(code);
 }
 
+// By what stands behind station and command code.
 enum class CommandClass {
     None,       // no telegram
-    ReadBits,   // the answer holds one bit an element
-    ReadWords,  // the answer holds four bytes an element
-    WriteBits,  // the body holds byte count, address and element count before the data
-    WriteWords, // the body holds byte count and address before the data
-    WriteClock, // the body is the data alone
+    ReadBits,   // count and address; the answer holds one bit an element
+    ReadWords,  // count and address; the answer holds four bytes an element
+    WriteBits,  // byte count, address and element count, then the data
+    WriteWords, // byte count and address, then the data
+    WriteClock, // the data at once; on Ethernet without station and command code before it
 };
 
 CommandClass classOf(quint32 command);

@@ -45,12 +45,11 @@ quint8 attributeOf(const QByteArray& telegram) {
     return numberAt<quint8>(telegram, attributeOffset);
 }
 
-// The code stands in the two bytes before the checksum. An acknowledge too short to hold one is answered
-// with the highest code: never with the 0 that stands for success.
+// In the two bytes before the checksum, whatever the length. Of a telegram with an attribute, which has nine
+// bytes or more.
 quint16 acknowledgeCodeOf(const QByteArray& telegram) {
     constexpr int codeSize = 2;
-    const int offset = telegram.size() - checksumSize - codeSize;
-    return offset < headerSize ? quint16{0xFFFF} : numberAt<quint16>(telegram, offset);
+    return numberAt<quint16>(telegram, telegram.size() - checksumSize - codeSize);
 }
 
 AnswerCheck checkChecksum(const QByteArray& telegram) {

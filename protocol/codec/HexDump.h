@@ -5,8 +5,7 @@
 namespace sbus {
 
 // The lines of a hex dump: upper-case, 18 bytes a line, one blank after each byte. No bytes give one empty
-// line. Every telegram is dumped, whether or not somebody looks: so the lines are made one by one in the same
-// place.
+// line. The lines are made one by one in the same place.
 class HexDump {
 public:
     // The bytes must stay until the last line is made.

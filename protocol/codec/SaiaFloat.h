@@ -10,7 +10,7 @@ namespace sbus {
 // An unnormalised mantissa counts as it stands.
 double decodeSaiaFloat(quint32 word);
 // Of `value` in single precision. Zero, and what lies beyond the format's range, become a word of the bare
-// exponent, as the controllers' tools know it: FF FF FF C2 for 0.0, 00 00 00 C1 for infinity.
+// exponent: FF FF FF C2 for 0.0, 00 00 00 C1 for infinity.
 quint32 encodeSaiaFloat(double value);
 
 } // namespace sbus

@@ -12,9 +12,9 @@ constexpr char acknowledgeAttribute = '\x02';
 constexpr char acknowledge = '\x06'; // Break Mode's whole answer to a write
 constexpr int startSize = 2;         // synchronisation byte and attribute
 
-QByteArray framed(const QByteArray& body, int mode) {
+QByteArray framed(const QByteArray& body, Mode mode) {
     QByteArray frame;
-    if (mode == dataMode)
+    if (mode == Mode::Data)
         frame.append(synchronisation).append(requestAttribute);
     frame.append(body);
     appendChecksum(frame);
@@ -27,45 +27,53 @@ bool startsWith(const QByteArray& answer, char attribute) {
 
 } // namespace
 
-QByteArray readFrame(const SBusRequestItem& item, int station, int mode) {
+Mode modeOf(int number) {
+    constexpr int dataModeNumber = 0;
+    constexpr int breakModeNumber = 1;
+    if (number == dataModeNumber)
+        return Mode::Data;
+    return number == breakModeNumber ? Mode::Break : Mode::Other;
+}
+
+QByteArray readFrame(const SBusRequestItem& item, int station, Mode mode) {
     return framed(readBody(item, station), mode);
 }
 
-QByteArray writeFrame(const SBusRequestItem& item, int station, int mode) {
+QByteArray writeFrame(const SBusRequestItem& item, int station, Mode mode) {
     return framed(writeBody(item, station), mode);
 }
 
-int readAnswerSize(int payloadSize, int mode) {
-    return payloadSize + checksumSize + (mode == dataMode ? startSize : 0);
+int readAnswerSize(int payloadSize, Mode mode) {
+    return payloadSize + checksumSize + (mode == Mode::Data ? startSize : 0);
 }
 
-int writeAnswerSize(int mode) {
+int writeAnswerSize(Mode mode) {
     constexpr int acknowledgeCodeSize = 2;
-    if (mode == dataMode)
+    if (mode == Mode::Data)
         return startSize + acknowledgeCodeSize + checksumSize;
-    return mode == breakMode ? 1 : 0;
+    return mode == Mode::Break ? 1 : 0;
 }
 
-ReadAnswer checkReadAnswer(const QByteArray& answer, int mode) {
-    if (mode == dataMode && !startsWith(answer, responseAttribute)) {
+ReadAnswer checkReadAnswer(const QByteArray& answer, Mode mode) {
+    if (mode == Mode::Data && !startsWith(answer, responseAttribute)) {
         const bool refused = answer.size() >= startSize && answer.at(1) == acknowledgeAttribute;
         return refused ? ReadAnswer::NotAcknowledged : ReadAnswer::FrameError;
     }
     return hasValidChecksum(answer) ? ReadAnswer::Good : ReadAnswer::ChecksumError;
 }
 
-WriteAnswer checkWriteAnswer(const QByteArray& answer, int mode) {
-    if (mode == breakMode)
+WriteAnswer checkWriteAnswer(const QByteArray& answer, Mode mode) {
+    if (mode == Mode::Break)
         return answer == QByteArray(1, acknowledge) ? WriteAnswer::Good : WriteAnswer::ControlError;
-    if (mode != dataMode)
+    if (mode != Mode::Data)
         return WriteAnswer::Good;
     if (!startsWith(answer, acknowledgeAttribute))
         return WriteAnswer::FrameError;
     return hasValidChecksum(answer) ? WriteAnswer::Good : WriteAnswer::ChecksumError;
 }
 
-QByteArray withoutStart(const QByteArray& answer, int mode) {
-    return mode == dataMode ? answer.mid(startSize) : answer;
+QByteArray withoutStart(const QByteArray& answer, Mode mode) {
+    return mode == Mode::Data ? answer.mid(startSize) : answer;
 }
 
 } // namespace sbus::serial

@@ -9,15 +9,21 @@
 // wherever it occurs.
 namespace sbus::serial {
 
-constexpr int dataMode = 0;
-constexpr int breakMode = 1;
+enum class Mode {
+    Data,
+    Break,
+    Other, // laid out as in Break Mode, but without a break, and no write is answered
+};
 
-QByteArray readFrame(const SBusRequestItem& item, int station, int mode);
-QByteArray writeFrame(const SBusRequestItem& item, int station, int mode);
+// By the number in the RTU's record: 0 Data Mode, 1 Break Mode.
+Mode modeOf(int number);
 
-// The size of the whole answer. In a mode other than the two no write is answered: 0.
-int readAnswerSize(int payloadSize, int mode);
-int writeAnswerSize(int mode);
+QByteArray readFrame(const SBusRequestItem& item, int station, Mode mode);
+QByteArray writeFrame(const SBusRequestItem& item, int station, Mode mode);
+
+// The size of the whole answer; 0 for a write that is not answered.
+int readAnswerSize(int payloadSize, Mode mode);
+int writeAnswerSize(Mode mode);
 
 enum class ReadAnswer {
     Good,
@@ -33,11 +39,11 @@ enum class WriteAnswer {
     ControlError, // Break Mode: the single byte is no acknowledge
 };
 
-ReadAnswer checkReadAnswer(const QByteArray& answer, int mode);
+ReadAnswer checkReadAnswer(const QByteArray& answer, Mode mode);
 // A negative acknowledge with a correct checksum is Good: the acknowledge bytes are not looked at.
-WriteAnswer checkWriteAnswer(const QByteArray& answer, int mode);
+WriteAnswer checkWriteAnswer(const QByteArray& answer, Mode mode);
 
 // The answer to a read without what stands before its payload; the checksum stays at the end.
-QByteArray withoutStart(const QByteArray& answer, int mode);
+QByteArray withoutStart(const QByteArray& answer, Mode mode);
 
 } // namespace sbus::serial

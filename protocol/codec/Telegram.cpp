@@ -1,44 +1,11 @@
 #include "Telegram.h"
 
 #include "BigEndian.h"
+#include "Checksum.h"
 #include "CommandCode.h"
 
 namespace sbus {
 namespace {
-
-// The eight shift steps of each of two bytes, made at once: what is shifted out at the top comes back at the
-// bits 12, 5 and 0 of the polynomial, and so reaches the top again 4, 11 and 16 steps later.
-quint32 afterTwoBytes(quint32 crc) {
-    const quint32 fedBack = crc ^ (crc >> 4) ^ (crc >> 8) ^ (crc >> 11) ^ (crc >> 12);
-    return ((fedBack << 12) ^ (fedBack << 5) ^ fedBack) & 0xFFFF;
-}
-
-// The same for eight bytes and the fourth power of the polynomial, whose bits stand four times as far apart.
-// What is left after a division by the power leaves the same remainder as the whole. One after the other, the
-// steps of a long answer take 8 us, a third of its way over the loopback; so they take 0.2.
-quint64 afterEightBytes(quint64 rest) {
-    const quint64 fedBack = rest ^ (rest >> 16) ^ (rest >> 32) ^ (rest >> 44) ^ (rest >> 48);
-    return (fedBack << 48) ^ (fedBack << 20) ^ fedBack;
-}
-
-quint16 remainderOf(quint64 dividend) {
-    quint32 crc = 0;
-    for (int shift = 48; shift >= 0; shift -= 16)
-        crc = afterTwoBytes(crc ^ static_cast<quint16>(dividend >> shift));
-    return static_cast<quint16>(crc);
-}
-
-// The bytes that fill no eight go first: zeros in front of them would change nothing.
-quint16 checksumOf(const char* bytes, int length) {
-    constexpr int step = sizeof(quint64);
-    const int odd = length % step;
-    quint64 rest = 0;
-    for (int i = 0; i < odd; ++i)
-        rest = (rest << 8) | static_cast<quint8>(bytes[i]);
-    for (int i = odd; i < length; i += step)
-        rest = afterEightBytes(rest) ^ qFromBigEndian<quint64>(bytes + i);
-    return remainderOf(rest);
-}
 
 // High byte first.
 quint16 checksumAt(const char* bytes) {

@@ -96,3 +96,19 @@ TEST(Decoding, MoreElementsThanATelegramHoldsAreAllDecoded) {
     EXPECT_EQ(sbus::decodeWords(hex("00 00 00 07").repeated(300) + hex("00 00"), 300).count(7), 300);
     EXPECT_EQ(sbus::decodeBits(QByteArray(40, '\xFF') + hex("00 00"), 300).count(1), 300);
 }
+
+TEST(Decoding, EveryLengthOfATelegramIsDecodedAsOneValueAfterTheOtherWouldBe) {
+    QByteArray payload;
+    for (int length = 0; length <= 520; ++length) {
+        const QByteArray answer = payload + hex("FF FF");
+        Bits bits;
+        for (int i = 0; i < length * 8; ++i)
+            bits.append(static_cast<quint8>(payload.at(i / 8)) >> i % 8 & 1);
+        Words words;
+        for (int i = 0; i + 4 <= length; i += 4)
+            words.append(static_cast<qint32>(payload.mid(i, 4).toHex().toUInt(nullptr, 16)));
+        ASSERT_EQ(sbus::decodeBits(answer, 5'000), bits) << length;
+        ASSERT_EQ(sbus::decodeWords(answer, 5'000), words) << length;
+        payload.append(static_cast<char>(0xB5 + 37 * length));
+    }
+}

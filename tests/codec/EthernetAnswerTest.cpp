@@ -116,6 +116,56 @@ TEST(EthernetAnswer, AWriteAnswerWithAWrongChecksum) {
     EXPECT_EQ(checkWriteAnswer(telegram, sequence).result, Result::ChecksumError);
 }
 
+// The acknowledge code is in the two bytes before the checksum, wherever the telegram ends.
+
+TEST(EthernetAnswer, TheCodeOfALongerAcknowledgeStandsBeforeItsChecksum) {
+    const QByteArray telegram = ethernetTelegram(sequence, acknowledge, hex("00 00 00 01 02 03"));
+    EXPECT_EQ(checkReadAnswer(telegram, sequence).value, 0x0203u);
+    EXPECT_EQ(checkWriteAnswer(telegram, sequence).value, 0x0203u);
+    const QByteArray positive = ethernetTelegram(sequence, acknowledge, hex("00 05 00 00"));
+    EXPECT_EQ(checkReadAnswer(positive, sequence).value, 2u);
+    EXPECT_EQ(checkWriteAnswer(positive, sequence).result, Result::Good);
+}
+
+TEST(EthernetAnswer, TheCodeOfAShorterAcknowledgeReachesIntoItsHeader) {
+    struct Row {
+        const char* behindHeader; // before the checksum
+        unsigned code;
+    };
+    for (const Row& row : {Row{"05", 0x0205}, Row{"", 0x3402}}) {
+        const QByteArray telegram = ethernetTelegram(sequence, acknowledge, hex(row.behindHeader));
+        for (const AnswerCheck& check :
+             {checkReadAnswer(telegram, sequence), checkWriteAnswer(telegram, sequence)}) {
+            EXPECT_EQ(check.result, Result::AcknowledgeError) << row.behindHeader;
+            EXPECT_EQ(check.value, row.code) << row.behindHeader;
+        }
+    }
+}
+
+TEST(EthernetAnswer, AnAcknowledgeThatEndsWithItsAttributeHasItsCodeBeforeTheLastTwoBytes) {
+    // Ten bytes: the code is the sequence number. Nine: it is protocol type and the number's high byte.
+    const QByteArray header = ethernetBytes(sequence, acknowledge, {}, 9);
+    EXPECT_EQ(checkWriteAnswer(header + hex("77"), sequence).value, 0x1234u);
+    EXPECT_EQ(checkReadAnswer(header + hex("77"), sequence).value, 0x1234u);
+    EXPECT_EQ(checkWriteAnswer(header, sequence).value, 0x0012u);
+    EXPECT_EQ(checkReadAnswer(header, sequence).value, 0x0012u);
+}
+
+TEST(EthernetAnswer, WhatStandsBehindTheEndOfAShortTelegramIsNotReadAsItsHeader) {
+    const QByteArray whole = ethernetTelegram(sequence, acknowledge, hex("00 07"));
+    for (int length = 0; length < 9; ++length) {
+        // The bytes behind its end are those of the whole telegram.
+        const QByteArray part = QByteArray::fromRawData(whole.constData(), length);
+        const quint16 sequenceInPart = length < 8 ? 0 : sequence;
+        for (const AnswerCheck& check :
+             {checkReadAnswer(part, sequenceInPart), checkWriteAnswer(part, sequenceInPart)}) {
+            EXPECT_EQ(check.result, Result::AcknowledgeError) << length;
+            EXPECT_EQ(check.value, 0u) << length;
+        }
+    }
+    EXPECT_EQ(sbus::ethernet::announcedLength(QByteArray::fromRawData(whole.constData(), 3)), 0);
+}
+
 TEST(EthernetAnswer, VersionAndProtocolTypeAreNotLookedAt) {
     QByteArray bytes = ethernetBytes(sequence, response, hex("00 00 00 07"), 15);
     bytes[4] = 9;

@@ -4,14 +4,12 @@
 
 #include <gtest/gtest.h>
 
-using sbus::serial::breakMode;
-using sbus::serial::dataMode;
+using sbus::serial::Mode;
+using sbus::serial::modeOf;
 using sbus::serial::readFrame;
 using sbus::serial::writeFrame;
 
 namespace {
-
-constexpr int otherMode = 7;
 
 struct Row {
     SBusRequestItem item;
@@ -22,11 +20,11 @@ struct Row {
 } // namespace
 
 TEST(SerialFrame, NineFlagsAt100InBreakMode) {
-    EXPECT_EQ(toHex(readFrame({2, 8, 100, {}}, 1, breakMode)), "01 02 08 00 64 C2 BA");
+    EXPECT_EQ(toHex(readFrame({2, 8, 100, {}}, 1, Mode::Break)), "01 02 08 00 64 C2 BA");
 }
 
 TEST(SerialFrame, NineFlagsAt100InDataModeWithTheChecksumOverTheLeadingBytesToo) {
-    EXPECT_EQ(toHex(readFrame({2, 8, 100, {}}, 1, dataMode)), "B5 00 01 02 08 00 64 49 69");
+    EXPECT_EQ(toHex(readFrame({2, 8, 100, {}}, 1, Mode::Data)), "B5 00 01 02 08 00 64 49 69");
 }
 
 TEST(SerialFrame, EveryReadHasItsTelegramInBothModes) {
@@ -39,8 +37,8 @@ TEST(SerialFrame, EveryReadHasItsTelegramInBothModes) {
         {{7, 0, 300, {}}, "05 07 00 01 2C A4 A5", "B5 00 05 07 00 01 2C 2F 76"},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(toHex(readFrame(row.item, 5, breakMode)), row.inBreakMode);
-        EXPECT_EQ(toHex(readFrame(row.item, 5, dataMode)), row.inDataMode);
+        EXPECT_EQ(toHex(readFrame(row.item, 5, Mode::Break)), row.inBreakMode);
+        EXPECT_EQ(toHex(readFrame(row.item, 5, Mode::Data)), row.inDataMode);
     }
 }
 
@@ -64,23 +62,28 @@ TEST(SerialFrame, EveryWriteHasItsTelegramInBothModes) {
          "B5 00 05 0F 05 01 2C 00 00 00 0A 4F 3F"},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(toHex(writeFrame(row.item, 5, breakMode)), row.inBreakMode);
-        EXPECT_EQ(toHex(writeFrame(row.item, 5, dataMode)), row.inDataMode);
+        EXPECT_EQ(toHex(writeFrame(row.item, 5, Mode::Break)), row.inBreakMode);
+        EXPECT_EQ(toHex(writeFrame(row.item, 5, Mode::Data)), row.inDataMode);
     }
 }
 
 TEST(SerialFrame, AnyOtherModeHasTheLayoutOfBreakMode) {
-    for (const int mode : {-1, 2, otherMode}) {
-        EXPECT_EQ(toHex(readFrame({2, 8, 100, {}}, 1, mode)), "01 02 08 00 64 C2 BA");
-        EXPECT_EQ(toHex(writeFrame({13, 0, 32, hex("00")}, 5, mode)), "05 0D 03 00 20 00 00 5F F0");
-    }
+    EXPECT_EQ(toHex(readFrame({2, 8, 100, {}}, 1, Mode::Other)), "01 02 08 00 64 C2 BA");
+    EXPECT_EQ(toHex(writeFrame({13, 0, 32, hex("00")}, 5, Mode::Other)), "05 0D 03 00 20 00 00 5F F0");
+}
+
+TEST(SerialFrame, TheModesAreNumberedZeroForDataOneForBreakAndAnyOther) {
+    EXPECT_EQ(modeOf(0), Mode::Data);
+    EXPECT_EQ(modeOf(1), Mode::Break);
+    for (const int number : {-2'147'483'647, -1, 2, 3, 256, 2'147'483'647})
+        EXPECT_EQ(modeOf(number), Mode::Other) << number;
 }
 
 TEST(SerialFrame, TheSynchronisationByteIsNotEscapedInAReadTelegram) {
-    EXPECT_EQ(toHex(readFrame({6, 0, 0xB5B5, {}}, 0xB5, dataMode)), "B5 00 B5 06 00 B5 B5 B7 A5");
+    EXPECT_EQ(toHex(readFrame({6, 0, 0xB5B5, {}}, 0xB5, Mode::Data)), "B5 00 B5 06 00 B5 B5 B7 A5");
 }
 
 TEST(SerialFrame, TheSynchronisationByteIsNotEscapedInAWriteTelegram) {
-    EXPECT_EQ(toHex(writeFrame({14, 0, 0xB5, hex("B5 B5 B5 B5")}, 5, dataMode)),
+    EXPECT_EQ(toHex(writeFrame({14, 0, 0xB5, hex("B5 B5 B5 B5")}, 5, Mode::Data)),
               "B5 00 05 0E 05 00 B5 B5 B5 B5 B5 2C ED");
 }

@@ -2,94 +2,149 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 namespace {
 
 constexpr int hour = 3'600'000; // milliseconds
 constexpr int day = 24 * hour;
 
 struct ContinuousClockTest : testing::Test {
-    int reading = 0;
-    qint64 steady = 0; // read only where a span of time is long
+    int timeOfDay = 0;
+    qint64 steadyTime = 0; // read always, of use only where a span of time is long
     sbus::ContinuousClock clockFrom(int first) {
-        reading = first;
-        return sbus::ContinuousClock([this] { return reading; }, [this] { return steady; });
+        timeOfDay = first;
+        return sbus::ContinuousClock([this] { return timeOfDay; }, [this] { return steadyTime; });
     }
 };
 
 } // namespace
 
-TEST_F(ContinuousClockTest, StartsFromZeroWhateverTheReadingIs) {
-    EXPECT_EQ(clockFrom(0).elapsed(), 0u);
-    EXPECT_EQ(clockFrom(day - 1).elapsed(), 0u);
+TEST_F(ContinuousClockTest, NoTimeHasPassedAtFirstWhateverTheTimeOfDayIs) {
+    EXPECT_EQ(clockFrom(0).passed(), 0);
+    EXPECT_EQ(clockFrom(day - 1).passed(), 0);
 }
 
-TEST_F(ContinuousClockTest, CountsWithTheReading) {
+TEST_F(ContinuousClockTest, TellsWhatHasPassedSinceItWasLastAsked) {
     sbus::ContinuousClock clock = clockFrom(1'000);
-    reading = 1'001;
-    EXPECT_EQ(clock.elapsed(), 1u);
-    EXPECT_EQ(clock.elapsed(), 1u);
-    reading = 61'000;
-    EXPECT_EQ(clock.elapsed(), 60'000u);
+    timeOfDay = 1'001;
+    EXPECT_EQ(clock.passed(), 1);
+    EXPECT_EQ(clock.passed(), 0);
+    timeOfDay = 61'000;
+    EXPECT_EQ(clock.passed(), 59'999);
 }
 
-TEST_F(ContinuousClockTest, GoesOnWhenTheReadingStartsAgainAfterADay) {
+TEST_F(ContinuousClockTest, GoesOnWhenTheTimeOfDayStartsAgain) {
     sbus::ContinuousClock clock = clockFrom(day - 1'000);
-    reading = day - 1;
-    EXPECT_EQ(clock.elapsed(), 999u);
-    reading = 0;
-    EXPECT_EQ(clock.elapsed(), 1'000u);
-    reading = 500;
-    EXPECT_EQ(clock.elapsed(), 1'500u);
+    timeOfDay = day - 1;
+    EXPECT_EQ(clock.passed(), 999);
+    timeOfDay = 0;
+    EXPECT_EQ(clock.passed(), 1);
+    timeOfDay = 500;
+    EXPECT_EQ(clock.passed(), 500);
 }
 
 TEST_F(ContinuousClockTest, GoesOnOverManyDays) {
     constexpr int quarter = day / 4;
     sbus::ContinuousClock clock = clockFrom(0);
-    for (quint32 quarters = 1; quarters <= 120; ++quarters) {
-        reading = static_cast<int>(quarters % 4) * quarter;
-        ASSERT_EQ(clock.elapsed(), quarters * quarter) << quarters;
+    for (int quarters = 1; quarters <= 120; ++quarters) {
+        timeOfDay = quarters % 4 * quarter;
+        ASSERT_EQ(clock.passed(), quarter) << quarters;
     }
 }
 
-TEST_F(ContinuousClockTest, NeverGoesBackWhenSomebodySetsTheClockBack) {
-    sbus::ContinuousClock clock = clockFrom(10 * 3'600'000);
-    reading += 5'000;
-    const quint32 before = clock.elapsed();
-    reading -= hour;
-    EXPECT_GE(clock.elapsed(), before);
+TEST_F(ContinuousClockTest, NoTimePassesForAClockThatIsSetBack) {
+    sbus::ContinuousClock clock = clockFrom(10 * hour);
+    for (const int back : {1, hour, day / 2 - hour}) {
+        timeOfDay -= back;
+        EXPECT_EQ(clock.passed(), 0) << back;
+        timeOfDay += 100;
+        EXPECT_EQ(clock.passed(), 100) << back;
+        timeOfDay = 23 * hour;
+        clock.passed();
+    }
 }
 
-// The count began a moment ago, so an hour earlier is 23 hours after its beginning by the circle of a day.
-TEST_F(ContinuousClockTest, StandsStillWhenTheClockIsSetBackToBeforeItsStart) {
+// An hour before midnight is 23 hours after the midnight before it.
+TEST_F(ContinuousClockTest, NoTimePassesForAClockThatIsSetBackAcrossMidnight) {
+    sbus::ContinuousClock clock = clockFrom(5'000);
+    timeOfDay = day - hour;
+    EXPECT_EQ(clock.passed(), 0);
+    timeOfDay += 100;
+    EXPECT_EQ(clock.passed(), 100);
+}
+
+TEST_F(ContinuousClockTest, AClockThatIsSetForwardMakesTimeJump) {
+    sbus::ContinuousClock clock = clockFrom(5'000);
+    timeOfDay += hour;
+    EXPECT_EQ(clock.passed(), hour);
+}
+
+TEST_F(ContinuousClockTest, HalfADayIsTheLongestStepForward) {
     sbus::ContinuousClock clock = clockFrom(0);
-    reading = 5'000;
-    EXPECT_EQ(clock.elapsed(), 5'000u);
-    reading += day - 3'600'000;
-    EXPECT_EQ(clock.elapsed(), 5'000u);
-    reading += 100;
-    EXPECT_EQ(clock.elapsed(), 5'100u);
+    timeOfDay = day / 2;
+    EXPECT_EQ(clock.passed(), day / 2);
+    timeOfDay = 0;
+    EXPECT_EQ(clock.passed(), 0);
+    timeOfDay = day / 2 + 1;
+    EXPECT_EQ(clock.passed(), 0);
+    timeOfDay = 0;
+    EXPECT_EQ(clock.passed(), day / 2 - 1);
 }
 
 // Nobody reads it while a line is down.
-TEST_F(ContinuousClockTest, CountsSpansOfMoreThanHalfADay) {
+TEST_F(ContinuousClockTest, TheSteadyClockCountsSpansOfMoreThanHalfADay) {
     sbus::ContinuousClock clock = clockFrom(hour);
-    reading = 14 * hour;
-    steady = 13 * hour;
-    EXPECT_EQ(clock.elapsed(), 13u * hour);
-    reading = 17 * hour;
-    steady = 40 * hour;
-    EXPECT_EQ(clock.elapsed(), 40u * hour);
-    reading += 100;
-    steady += 100;
-    EXPECT_EQ(clock.elapsed(), 40u * hour + 100);
+    timeOfDay = 14 * hour;
+    steadyTime = 13 * hour;
+    EXPECT_EQ(clock.passed(), 13 * hour);
+    timeOfDay = 17 * hour;
+    steadyTime = 40 * hour;
+    EXPECT_EQ(clock.passed(), 27 * hour);
+    timeOfDay += 100;
+    steadyTime += 200;
+    EXPECT_EQ(clock.passed(), 100);
 }
 
-TEST_F(ContinuousClockTest, CountsFromALaterOriginOnceItIsMoved) {
-    sbus::ContinuousClock clock = clockFrom(1'000);
-    reading = 5'000;
-    EXPECT_EQ(clock.elapsed(), 4'000u);
-    clock.moveOriginBy(3'000);
-    EXPECT_EQ(clock.elapsed(), 1'000u);
-    reading = 5'100;
-    EXPECT_EQ(clock.elapsed(), 1'100u);
+TEST_F(ContinuousClockTest, TheSteadyClockCountsFromHalfADayAndAMillisecond) {
+    sbus::ContinuousClock clock = clockFrom(0);
+    steadyTime = day / 2;
+    EXPECT_EQ(clock.passed(), 0);
+    steadyTime += day / 2 + 1;
+    EXPECT_EQ(clock.passed(), day / 2 + 1);
+}
+
+// More milliseconds than 32 bits hold.
+TEST_F(ContinuousClockTest, AHundredDaysWithoutAReadingAreTold) {
+    sbus::ContinuousClock clock = clockFrom(0);
+    steadyTime = qint64{100} * day;
+    EXPECT_EQ(clock.passed(), qint64{100} * day);
+}
+
+TEST_F(ContinuousClockTest, TheTimeOfDayCountsFromMidnightInUtc) {
+    using std::chrono::milliseconds;
+    const auto now = [] {
+        const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+        return static_cast<int>(std::chrono::duration_cast<milliseconds>(sinceEpoch).count() % day);
+    };
+    // Once more where midnight has come in between.
+    int before = day, told = 0, after = 0;
+    while (after < before) {
+        before = now();
+        told = sbus::ContinuousClock::utcTimeOfDay();
+        after = now();
+    }
+    EXPECT_GE(told, before);
+    EXPECT_LE(told, after);
+}
+
+TEST_F(ContinuousClockTest, TheSteadyTimeIsInMilliseconds) {
+    const auto now = [] {
+        const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
+        return std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count();
+    };
+    const qint64 before = now();
+    const qint64 told = sbus::ContinuousClock::steadyMilliseconds();
+    EXPECT_GE(told, before);
+    EXPECT_LE(told, now());
 }

@@ -3,9 +3,9 @@
 #include "LogRecorder.h"
 #include "Printers.h"
 #include "PublishingRtu.h"
-#include "RecordingCore.h"
 #include "ScriptedLink.h"
 #include "ScriptedProtocol.h"
+#include "TellingCore.h"
 #include "TestChannel.h"
 
 #include <HalvexDriverComponent/CReply.h>
@@ -65,7 +65,7 @@ protected:
 
     QStringList logTexts() const { return log.texts(LogLine::Route::All); }
 
-    RecordingCore core;
+    TellingCore core;
     LogRecorder log;
     TestChannel channel{&core, channelId};
     ScriptedLink* const link = channel.take(std::make_unique<ScriptedLink>());

@@ -124,8 +124,15 @@ TEST_F(EthernetLengthTest, AFullBufferLeavesNoRoomForASecondDatagram) {
     link->answer(QByteArray(976, '\x55'));
     EXPECT_EQ(readRegisters(), SBusTimeOut);
     EXPECT_FALSE(rtu->IsConnect());
-    for (const QString& call : link->calls.filter("receive"))
-        EXPECT_LE(call.section(' ', 1, 1).toInt(), 1024) << call;
+    EXPECT_EQ(link->calls.filter("receive"), QStringList{"receive 1024 30"});
+}
+
+TEST_F(EthernetLengthTest, TheLastByteOfTheLongestTelegramMayComeInASecondDatagram) {
+    const QByteArray longest = ethernetTelegram(0, dataResponse, QByteArray(1013, '\x55'));
+    link->answer(longest.left(1023));
+    link->answer(longest.mid(1023));
+    EXPECT_EQ(read({6, 252, 0, {}}, 1012), SBusSuccess);
+    EXPECT_EQ(link->calls.last(), "receive 1 60000");
 }
 
 TEST_F(EthernetLengthTest, ANegativeLengthIsRefusedWithoutValues) {

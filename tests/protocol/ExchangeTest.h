@@ -3,9 +3,9 @@
 #include "LogRecorder.h"
 #include "Printers.h"
 #include "PublishingRtu.h"
-#include "RecordingCore.h"
 #include "ReferenceTelegram.h"
 #include "ScriptedLink.h"
+#include "TellingCore.h"
 #include "TestChannel.h"
 
 #include <SBusProtocolBase.h>
@@ -25,6 +25,13 @@ protected:
     explicit ExchangeTest(std::unique_ptr<ScriptedLink> scripted) : link(channel.take(std::move(scripted))) {
         driver->setLink(link);
         useTimeOut(patientTimeOut);
+        core.onRtuStatus = [this](const RtuStatus& status) {
+            const QStringList traced = log.texts(LogLine::Route::Packet);
+            told << QStringLiteral("RTU %1, channel %2, after %3")
+                        .arg(status.connected ? QStringLiteral("on") : QStringLiteral("off"),
+                             channel.IsConnect() ? QStringLiteral("on") : QStringLiteral("off"),
+                             traced.isEmpty() ? QStringLiteral("nothing") : traced.last());
+        };
     }
 
     void useTimeOut(int timeOutMs) {
@@ -37,6 +44,7 @@ protected:
     void connect(bool connected) {
         rtu->SetConnect(connected, false);
         channel.SetConnect(connected);
+        told.clear();
     }
 
     // Builds the telegram and exchanges it, with the response that the engine would give.
@@ -84,12 +92,15 @@ protected:
         EXPECT_EQ(channel.IsConnect(), channelConnected);
     }
 
-    RecordingCore core;
+    TellingCore core;
     LogRecorder log;
     TestChannel channel{&core, channelId};
     ScriptedLink* const link;
     PublishingRtu* rtu = nullptr;
     Driver* const driver = new Driver(&channel);
+    // What the host is told of the RTU, each with the channel's state and the last line of the trace at that
+    // moment: "RTU off, channel on, after 05 01 ".
+    QStringList told;
     SBusRequest request;
     QByteArray frame;
     QByteArray response;

@@ -58,6 +58,7 @@ TEST_F(ResultReportingTest, EachCodeRaisesItsCounterOfTheRtu) {
         const RtuStatus before = rtu->GetRtuStatus();
         report(row.code);
         const RtuStatus after = rtu->GetRtuStatus();
+        EXPECT_EQ(after.requests - before.requests, 1u) << row.code;
         EXPECT_EQ(after.answers - before.answers, row.answers) << row.code;
         EXPECT_EQ(after.timeOuts - before.timeOuts, row.timeOuts) << row.code;
         EXPECT_EQ(after.errors - before.errors, row.errors) << row.code;
@@ -205,4 +206,56 @@ TEST_F(ResultReportingTest, ARequestWithoutAnRtuIsLoggedWithoutAChannelToo) {
     ASSERT_EQ(lines.size(), 1);
     EXPECT_EQ(lines[0].text, orphanText);
     EXPECT_EQ(lines[0].channelId, 0);
+}
+
+TEST_F(ResultReportingTest, RtuStatusLogLineChannelStatusAndReplyComeInThisOrder) {
+    QStringList order;
+    core.onRtuStatus = [&](const RtuStatus&) { order << "RTU status"; };
+    core.onChannelStatus = [&] { order << "channel status"; };
+    const auto watcher = CLogger::GetInstance()->watchLines([&](const LogLine&) { order << "log line"; });
+    for (const Row& row : rows) {
+        order.clear();
+        CReply* const reply = takenReply();
+        reply->notify([&](DriverErrorResult) { order << "reply"; });
+        report(row.code, reply);
+        EXPECT_EQ(order, (QStringList{"RTU status", "log line", "channel status", "reply"})) << row.code;
+    }
+}
+
+TEST_F(ResultReportingTest, AnUnknownCodePutsTheChannelStatusBeforeTheReply) {
+    QStringList order;
+    core.onRtuStatus = [&](const RtuStatus&) { order << "RTU status"; };
+    core.onChannelStatus = [&] { order << "channel status"; };
+    CReply* const reply = takenReply();
+    reply->notify([&](DriverErrorResult) { order << "reply"; });
+    report(5, reply);
+    EXPECT_EQ(order, (QStringList{"channel status", "reply"}));
+}
+
+TEST_F(ResultReportingTest, WithoutAnRtuTheReplyComesBeforeTheLogLine) {
+    QStringList order;
+    const auto watcher = CLogger::GetInstance()->watchLines([&](const LogLine&) { order << "log line"; });
+    CReply* const reply = takenReply();
+    reply->notify([&](DriverErrorResult) { order << "reply"; });
+    protocol->reportResult(0, orphan(), reply, {});
+    EXPECT_EQ(order, (QStringList{"reply", "log line"}));
+}
+
+TEST_F(ResultReportingTest, AReplyThatHoldsAnErrorAlreadyKeepsItOnlyWhereNothingFailed) {
+    for (const Row& row : rows) {
+        CReply* const reply = takenReply();
+        reply->errorResult = DriverErrorResult::PointNotFound;
+        report(row.code, reply);
+        EXPECT_EQ(reply->wait(0), row.code == 0 ? DriverErrorResult::PointNotFound : row.replyResult)
+            << row.code;
+    }
+}
+
+TEST_F(ResultReportingTest, TheReplyThatIsCompletedIsTheOneGivenAndNotTheRequests) {
+    SBusRequest made = request("command");
+    made.reply = takenReply();
+    CReply* const given = takenReply();
+    protocol->reportResult(1, made, given, {});
+    EXPECT_EQ(given->wait(0), DriverErrorResult::TimeOut);
+    EXPECT_EQ(made.reply->wait(0), std::nullopt);
 }

@@ -1,10 +1,12 @@
 #include "ExchangeTest.h"
 #include "PtyPair.h"
+#include "TerminalCalls.h"
 
 #include <SBusSerialDriver.h>
 
 #include <HalvexDriverLink/CLinkSerial.h>
 
+#include <cerrno>
 #include <chrono>
 #include <future>
 #include <thread>
@@ -17,11 +19,14 @@ using Clock = std::chrono::steady_clock;
 class SerialBreakTest : public testing::Test {
 protected:
     SerialBreakTest() {
+        TerminalCalls::clear();
         EXPECT_EQ(link->open(), 0);
         driver->setLink(link);
         channel.SetConnect(true);
         request.rtu = channel.add<PublishingRtu>(stationRecord(3, "5", 20'000));
     }
+
+    ~SerialBreakTest() override { TerminalCalls::failBreaks(0); }
 
     // When the telegram has arrived at the controller, counted from the start of the exchange.
     std::chrono::milliseconds arrivalOf(int telegramSize, const QByteArray& answer) {
@@ -84,4 +89,25 @@ TEST_F(SerialBreakTest, ABreakIsSentBeforeAWriteToo) {
     controller.join();
     EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(300));
     EXPECT_EQ(toHex(telegram), "05 0D 03 00 20 00 00 5F F0");
+}
+
+TEST_F(SerialBreakTest, OneBreakIsSentBeforeEachTelegramInBreakModeAlone) {
+    driver->breakDelay = 1;
+    arrivalOf(7, withChecksum(hex("05 01")));
+    EXPECT_EQ(TerminalCalls::breaks().size(), 2U); // on and off
+    arrivalOf(7, withChecksum(hex("05 01")));
+    EXPECT_EQ(TerminalCalls::breaks().size(), 4U);
+    driver->transmitMode = 7;
+    arrivalOf(7, withChecksum(hex("05 01")));
+    driver->transmitMode = 0;
+    arrivalOf(9, withChecksum(hex("B5 01 05 01")));
+    EXPECT_EQ(TerminalCalls::breaks().size(), 4U);
+}
+
+TEST_F(SerialBreakTest, ABreakThatTheDeviceRefusesMakesNoDifference) {
+    TerminalCalls::failBreaks(ENOTTY);
+    EXPECT_LT(arrivalOf(7, withChecksum(hex("05 01"))).count(), 20'000);
+    EXPECT_FALSE(TerminalCalls::breaks().empty());
+    EXPECT_EQ(toHex(telegram), toHex(withChecksum(hex("05 02 08 00 64"))));
+    EXPECT_TRUE(channel.IsConnect());
 }

@@ -16,6 +16,12 @@ protected:
         rtu->GetPointList()->AddAnalogPoint(point);
     }
 
+    // Leaves a value of point 10 with the RTU, for the next publication.
+    void stageAValue() {
+        addRegisterPoint(10);
+        rtu->PutAnalogPoint(false, 10, 7.0, 0, CMidTime(QDateTime::currentDateTime(), 0));
+    }
+
     // The publications that hold a value just read.
     QList<RecordingCore::Publication> goodPublications() const {
         QList<RecordingCore::Publication> result;
@@ -274,4 +280,98 @@ TEST_F(TransactionCycleTest, ARequestWithoutAnRtuGoesStraightToItsReport) {
     EXPECT_TRUE(protocol->steps.isEmpty());
     EXPECT_EQ(log.texts(LogLine::Route::File),
               QStringList{"Request callback failed (RTU handle is not found)"});
+}
+
+TEST_F(TransactionCycleTest, ARequestWithoutItemsPublishesWhatTheRtuHolds) {
+    stageAValue();
+    run(request("nothing", {}));
+    EXPECT_EQ(goodPublications().size(), 1);
+}
+
+TEST_F(TransactionCycleTest, ARequestWithoutALinkPublishesNothing) {
+    stageAValue();
+    protocol->setLink(nullptr);
+    run(request("poll", {{6, 0, 10, {}}}));
+    SBusRequest command = request("command");
+    command.reply = takenReply();
+    run(command);
+    EXPECT_EQ(command.reply->wait(0), Halvex::DriverErrorResult::ChannelError);
+    EXPECT_TRUE(goodPublications().isEmpty());
+}
+
+TEST_F(TransactionCycleTest, AFailedRequestPublishesNothing) {
+    for (const unsigned code : {1u, 2u, 3u, 4u, 99u}) { // 99 leaves the RTU's values alone
+        core.clear();
+        stageAValue();
+        protocol->failWith(code);
+        run(request("poll", {{6, 0, 10, {}}}));
+        stageAValue();
+        protocol->failWith(code);
+        run(request("command"));
+        EXPECT_TRUE(goodPublications().isEmpty()) << code;
+    }
+}
+
+TEST_F(TransactionCycleTest, ARequestWhoseRtuIsNullPublishesForNoOther) {
+    stageAValue();
+    SBusRequest orphan = request("command");
+    orphan.rtu = nullptr;
+    run(orphan);
+    EXPECT_TRUE(goodPublications().isEmpty());
+}
+
+TEST_F(TransactionCycleTest, EveryUnknownCodeEndsTheRequestWithoutALogLine) {
+    protocol->failWith(99);
+    run(request("command", {write(1), write(2)}));
+    EXPECT_EQ(protocol->exchanged.size(), 1);
+    EXPECT_TRUE(logTexts().isEmpty());
+    EXPECT_EQ(core.channelStatusCount(), 1);
+}
+
+// A good answer that covers fewer elements than were asked for.
+
+TEST_F(TransactionCycleTest, AShortAnswerHandsOverWhatItCoversAndEndsTheRequestAsBadDataOfTheSecondKind) {
+    addRegisterPoint(10);
+    addRegisterPoint(11);
+    addRegisterPoint(12);
+    SBusRequest command = request("poll", {{6, 2, 10, {}}, {6, 0, 20, {}}});
+    command.reply = takenReply();
+    protocol->answer(hex("00 00 00 07 00 00 00 08 FF FF"));
+    run(command);
+    EXPECT_EQ(rtu->handedOver, QStringList{"analog R10: 7 8"});
+    EXPECT_TRUE(goodPublications().isEmpty());
+    EXPECT_EQ(protocol->exchanged.size(), 1) << "the second telegram is not sent";
+    EXPECT_EQ(command.reply->wait(0), Halvex::DriverErrorResult::BadData);
+    ASSERT_EQ(log.lines().size(), 1);
+    EXPECT_EQ(log.lines()[0].text, "Request result :  Bad Data");
+    EXPECT_EQ(static_cast<int>(log.lines()[0].level), 8);
+    const RtuStatus status = rtu->GetRtuStatus();
+    EXPECT_EQ(status.answers, 0u);
+    EXPECT_EQ(status.timeOuts, 0u);
+    EXPECT_EQ(status.errors, 1u);
+}
+
+TEST_F(TransactionCycleTest, AnAnswerIsShortWhenOneByteOfItsPayloadIsMissing) {
+    struct Row {
+        SBusRequestItem item;
+        int payload;
+    };
+    for (const Row& row : {Row{{6, 0, 10, {}}, 4}, Row{{6, 126, 10, {}}, 508}, Row{{2, 7, 10, {}}, 1},
+                           Row{{2, 8, 10, {}}, 2}, Row{{2, 126, 10, {}}, 16}}) {
+        log.clear();
+        protocol->answer(QByteArray(row.payload + 2 - 1, '\0'));
+        run(request("poll", {row.item}));
+        EXPECT_EQ(logTexts(), QStringList{"Request result :  Bad Data"}) << row.payload;
+        log.clear();
+        protocol->answer(QByteArray(row.payload + 2, '\0'));
+        run(request("poll", {row.item}));
+        EXPECT_EQ(logTexts(), QStringList{"Request result : Success"}) << row.payload;
+    }
+}
+
+TEST_F(TransactionCycleTest, AnAnswerOfMoreThanWasAskedForIsGoodAndTheRestIsNotHandedOver) {
+    protocol->answer(hex("00 00 00 07 00 00 00 08 FF FF"));
+    run(request("poll", {{6, 0, 10, {}}}));
+    EXPECT_EQ(rtu->handedOver, QStringList{"analog R10: 7"});
+    EXPECT_EQ(logTexts(), QStringList{"Request result : Success"});
 }

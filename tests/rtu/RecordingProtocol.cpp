@@ -1,5 +1,7 @@
 #include "RecordingProtocol.h"
 
+#include <HalvexDriverComponent/CRtu.h>
+
 unsigned RecordingProtocol::checkResponse(const QByteArray&, const QByteArray&, const SBusRequest&,
                                           const SBusRequestItem&) {
     return SBusSuccess;
@@ -20,10 +22,7 @@ unsigned RecordingProtocol::reservedHook() {
 unsigned RecordingProtocol::transceive(const SBusRequestItem& item, const QByteArray&, QByteArray& response,
                                        const SBusRequest& request, bool) {
     exchanges << Exchange{request.rtu, request.name, request.reply, item};
-    if (outcome == SBusSuccess)
-        connectRtu(request);
-    else
-        disconnectRtu(request);
+    request.rtu->SetConnect(outcome == SBusSuccess, true);
     response.replace(0, payload.size(), payload);
     return outcome;
 }

@@ -1,6 +1,7 @@
-// How the engine reports the outcome of a request: log line, counters, channel status, reply.
+#include "SBusResultReporter.h"
 
-#include "SBusProtocolBase.h"
+#include "SBusRequest.h"
+#include "SBusResultCode.h"
 
 #include <HalvexDriverComponent/CChannel.h>
 #include <HalvexDriverComponent/CLogger.h>
@@ -25,8 +26,8 @@ struct Outcome {
     LogLevel level;
 };
 
-// Code, reply error, answers, time-outs, errors, text, level.
-// The texts are the log's own, spelling and blanks included: filters of the users match them.
+// Code, reply error, answers, time-outs, errors, text, level. The texts are fixed, with their spelling and
+// their blanks.
 constexpr Outcome outcomes[] = {
     {SBusSuccess, DriverErrorResult::Success, 1, 0, 0, "Request result : Success", LogLevel::Success},
     {SBusTimeOut, DriverErrorResult::TimeOut, 0, 1, 0, "Request result : Timeout", LogLevel::RequestFailure},
@@ -37,7 +38,7 @@ constexpr Outcome outcomes[] = {
      LogLevel::RequestFailure},
 };
 
-// The engine is the last to use the reply. Nobody may touch it after this.
+// The driver's use of the reply ends here.
 void endReply(CReply* reply, DriverErrorResult result) {
     if (reply->replyed())
         delete reply;
@@ -56,14 +57,11 @@ void reportOutcome(const Outcome& outcome, CRtu* rtu, CReply* reply) {
 
 } // namespace
 
-void SBusProtocolBase::reportResult(unsigned code, const SBusRequest& request, CReply* reply,
-                                    const QString& /*reason*/) {
+SBusResultReporter::SBusResultReporter(const CChannel* reportingChannel) : channel(reportingChannel) {}
+
+void SBusResultReporter::report(unsigned code, const SBusRequest& request, CReply* reply) const {
     if (request.rtu == nullptr) {
-        if (reply != nullptr)
-            endReply(reply, DriverErrorResult::RtuNotFound);
-        CLogger::GetInstance()->writeFile(
-            channel != nullptr ? channel->channelId() : 0, 0, LogLevel::CommandFailure,
-            QStringLiteral("Request callback failed (RTU handle is not found)"));
+        reportWithoutRtu(reply);
         return;
     }
     const auto* const outcome =
@@ -72,7 +70,15 @@ void SBusProtocolBase::reportResult(unsigned code, const SBusRequest& request, C
     if (outcome != std::end(outcomes))
         reportOutcome(*outcome, request.rtu, reply);
     request.rtu->GetChannel()->PutChannelStatus();
-    // A failed reply holds its error already.
+    // With Success the reply tells the error that it holds, if it holds one.
     if (reply != nullptr)
         endReply(reply, DriverErrorResult::Success);
+}
+
+void SBusResultReporter::reportWithoutRtu(CReply* reply) const {
+    if (reply != nullptr)
+        endReply(reply, DriverErrorResult::RtuNotFound);
+    CLogger::GetInstance()->writeFile(channel != nullptr ? channel->channelId() : 0, 0,
+                                      LogLevel::CommandFailure,
+                                      QStringLiteral("Request callback failed (RTU handle is not found)"));
 }
