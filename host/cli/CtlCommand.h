@@ -1,6 +1,6 @@
 #pragma once
 
-#include "services/console/Summary.h"
+#include "runtime/ExitStatus.h"
 #include "services/control/Request.h"
 
 #include <optional>

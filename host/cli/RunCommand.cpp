@@ -7,6 +7,7 @@
 #include "services/console/ConsoleService.h"
 #include "services/console/StopSignal.h"
 #include "services/console/StreamWriter.h"
+#include "services/console/Summary.h"
 #include "services/console/Terminal.h"
 #include "site/SiteFile.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "runtime/ExitStatus.h"
 #include "services/capture/CaptureOptions.h"
 #include "services/console/Output.h"
-#include "services/console/Summary.h"
 
 #include <chrono>
 #include <optional>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "plan/OneShotSite.h"
+#include "runtime/ExitStatus.h"
 #include "services/capture/CaptureOptions.h"
-#include "services/console/Summary.h"
 
 #include <optional>
 

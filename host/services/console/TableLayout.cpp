@@ -1,6 +1,6 @@
 #include "TableLayout.h"
 
-#include "ChannelText.h"
+#include "runtime/ChannelText.h"
 #include "values/ValueText.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "commands/Command.h"
 #include "runtime/ExchangeFeed.h"
-#include "services/console/Summary.h"
+#include "runtime/RtuOutcome.h"
 
 namespace host {
 

@@ -1,7 +1,7 @@
 #include "Reply.h"
 
 #include "commands/CommandText.h"
-#include "services/console/ChannelText.h"
+#include "runtime/ChannelText.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

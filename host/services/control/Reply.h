@@ -1,7 +1,7 @@
 #pragma once
 
 #include "SiteNames.h"
-#include "services/console/Summary.h"
+#include "runtime/RtuOutcome.h"
 
 #include <HalvexDriverComponent/Halvex.h>
 
