@@ -30,33 +30,16 @@ ClockSchedule::~ClockSchedule() {
 
 std::string ClockSchedule::start(RunningSite& runningSite) {
     if (!entries.empty())
-        thread = std::thread([this, &runningSite] { run(runningSite); });
+        thread.start(lookPeriod, [this, &runningSite] { look(runningSite.figures().rtus); });
     return {};
 }
 
 void ClockSchedule::stop() {
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        isStopping = true;
-    }
-    stopped.notify_all();
-    if (thread.joinable())
-        thread.join();
+    thread.stop();
 }
 
 std::vector<ServiceFigure> ClockSchedule::figures() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return {{"commands", commandCount}};
-}
-
-void ClockSchedule::run(const RunningSite& runningSite) {
-    std::unique_lock<std::mutex> lock(mutex);
-    while (!isStopping) {
-        lock.unlock();
-        look(runningSite.figures().rtus);
-        lock.lock();
-        stopped.wait_for(lock, lookPeriod, [this] { return isStopping; });
-    }
+    return {{"commands", commandCount.load(std::memory_order_relaxed)}};
 }
 
 void ClockSchedule::look(const std::vector<RtuFigures>& rtus) {
@@ -75,10 +58,7 @@ void ClockSchedule::look(const std::vector<RtuFigures>& rtus) {
 }
 
 void ClockSchedule::setClock(const RtuFigures& rtu) {
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        ++commandCount;
-    }
+    commandCount.fetch_add(1, std::memory_order_relaxed);
     const std::string failure = nameOf(*rtu.channel, rtu.rtu) + ": its clock could not be set: ";
     const std::string refusal = taker.submit({rtu.channel->id, rtu.rtu->id, SynchroniseClock{}},
                                              [this, failure](const CommandEnd& end) {

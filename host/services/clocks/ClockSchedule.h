@@ -2,13 +2,12 @@
 
 #include "commands/Command.h"
 #include "runtime/HostRuntime.h"
+#include "services/PeriodicThread.h"
 #include "services/Service.h"
 
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <map>
-#include <mutex>
-#include <thread>
 
 namespace host {
 
@@ -40,20 +39,14 @@ private:
         Clock::time_point next{};
     };
 
-    void run(const RunningSite& runningSite);
     void setClock(const RtuFigures& rtu);
 
     CommandTaker& taker;
     const Tell tell;
     const Now now;
     std::map<const Rtu*, Entry> entries; // looking thread
-
-    mutable std::mutex mutex; // guards what follows
-    std::condition_variable stopped;
-    bool isStopping = false;
-    std::uint64_t commandCount = 0;
-
-    std::thread thread; // last: it works on all of the above
+    std::atomic<std::uint64_t> commandCount{0};
+    PeriodicThread thread; // last: it works on all of the above
 };
 
 } // namespace host

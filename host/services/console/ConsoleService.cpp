@@ -27,18 +27,8 @@ std::string ConsoleService::start(RunningSite& runningSite) {
             for (const std::string& line : exchangeLines(exchangeAsJson(site->site, exchange)))
                 site->messages.tell(line);
         });
-    thread = std::thread([this] { run(); });
+    thread.start(updatePeriod, [this] { show(); });
     return {};
-}
-
-void ConsoleService::run() {
-    std::unique_lock<std::mutex> lock(mutex);
-    while (!stopping) {
-        lock.unlock();
-        show();
-        lock.lock();
-        changed.wait_for(lock, updatePeriod, [this] { return stopping; });
-    }
 }
 
 // Messages wait in their own place while the reader of the error output is busy.
@@ -51,15 +41,10 @@ void ConsoleService::show() {
 }
 
 void ConsoleService::stop() {
-    if (!thread.joinable())
+    if (!thread.isRunning())
         return;
     frames.reset();
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        stopping = true;
-    }
-    changed.notify_all();
-    thread.join();
+    thread.stop();
     output->tell(site->messages.take());
     output->finish();
     lost.store(output->lostChanges(), std::memory_order_release);

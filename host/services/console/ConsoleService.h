@@ -1,15 +1,13 @@
 #pragma once
 
 #include "Output.h"
+#include "services/PeriodicThread.h"
 #include "services/RunningSite.h"
 #include "services/Service.h"
 
 #include <atomic>
-#include <condition_variable>
 #include <cstdint>
 #include <memory>
-#include <mutex>
-#include <thread>
 
 namespace host {
 
@@ -35,7 +33,6 @@ public:
     bool isClosed() const { return closed.load(std::memory_order_acquire); }
 
 private:
-    void run();
     void show();
 
     Console& console;
@@ -48,10 +45,7 @@ private:
     std::atomic<bool> closed{false};
     std::atomic<std::uint64_t> lost{0};
 
-    std::mutex mutex; // guards the flag
-    std::condition_variable changed;
-    bool stopping = false;
-    std::thread thread; // last: it works on all of the above
+    PeriodicThread thread; // last: it works on all of the above
 };
 
 } // namespace host
