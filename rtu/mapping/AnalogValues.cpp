@@ -1,0 +1,64 @@
+#include "AnalogValues.h"
+
+#include "BigEndian.h"
+#include "SaiaFloat.h"
+
+#include <HalvexDriverComponent/Halvex.h>
+
+#include <cmath>
+#include <limits>
+
+namespace sbus {
+namespace {
+
+bool isFloatRegister(const QString& media, unsigned dataType) {
+    return dataType == static_cast<unsigned>(Halvex::PointDataType::Float) && media == QLatin1String("R");
+}
+
+bool isTimer(const QString& media) {
+    return media == QLatin1String("T");
+}
+
+// What fits `Integer` of `value` cut toward zero; its lowest number for all else, NaN included.
+template <typename Integer>
+Integer truncated(double value) {
+    constexpr Integer lowest = std::numeric_limits<Integer>::min();
+    const double whole = std::trunc(value);
+    const auto limit = -static_cast<double>(lowest); // a power of two: exact
+    return whole >= -limit && whole < limit ? static_cast<Integer>(whole) : lowest;
+}
+
+template <typename Number>
+QByteArray bigEndian(Number number) {
+    QByteArray bytes;
+    appendBigEndian(bytes, number);
+    return bytes;
+}
+
+QByteArray integerData(const QString& media, double value) {
+    if (isTimer(media))
+        return bigEndian(static_cast<quint32>(truncated<qint64>(value)));
+    return bigEndian(truncated<qint32>(value));
+}
+
+} // namespace
+
+double readValue(const QString& media, unsigned dataType, quint32 word) {
+    if (isFloatRegister(media, dataType))
+        return decodeSaiaFloat(word);
+    if (isTimer(media))
+        return word;
+    return static_cast<qint32>(word);
+}
+
+QByteArray singleWriteData(const QString& media, unsigned dataType, double value) {
+    return isFloatRegister(media, dataType) ? bigEndian(encodeSaiaFloat(value)) : integerData(media, value);
+}
+
+QByteArray listWriteData(const QString& media, unsigned dataType, double value) {
+    if (!isFloatRegister(media, dataType))
+        return integerData(media, value);
+    return bigEndian(static_cast<double>(static_cast<float>(value)));
+}
+
+} // namespace sbus
