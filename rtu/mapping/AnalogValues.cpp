@@ -11,12 +11,16 @@
 namespace sbus {
 namespace {
 
+bool isLetter(const QString& media, char letter) {
+    return media.size() == 1 && media.at(0) == QLatin1Char(letter);
+}
+
 bool isFloatRegister(const QString& media, unsigned dataType) {
-    return dataType == static_cast<unsigned>(Halvex::PointDataType::Float) && media == QLatin1String("R");
+    return dataType == static_cast<unsigned>(Halvex::PointDataType::Float) && isLetter(media, 'R');
 }
 
 bool isTimer(const QString& media) {
-    return media == QLatin1String("T");
+    return isLetter(media, 'T');
 }
 
 // What fits `Integer` of `value` cut toward zero; its lowest number for all else, NaN included.

@@ -30,7 +30,7 @@ public:
         const Entry* end() const { return behindLast; }
     };
 
-    // Goes from element to element. The one behind the highest 32-bit number is 0. The index must stay.
+    // Goes from element to element. The one behind the highest 32-bit number is 0. The index must outlive it.
     class Walk {
     public:
         // The entries of the element that is next.

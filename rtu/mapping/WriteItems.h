@@ -16,9 +16,9 @@ using DataByElement = QMap<int, QByteArray>;
 
 // The telegrams that write the elements of one media, in ascending order. Consecutive elements share a
 // telegram of up to 31 values; a gap starts a new one. `count` is the number of values.
-// Two traits are part of the behaviour. An element that has a telegram to itself and is the last of all goes
-// out with count 0, unless it is there because the telegram before it was full. And the element after one
-// that was cut off by a full telegram joins it without a look at its number.
+// Two traits are part of the behaviour. The last element goes out with count 0 when it is alone behind a gap,
+// or alone altogether. When a telegram is full, the next element begins another one, and the element after
+// that joins it whatever its number is.
 QList<SBusRequestItem> buildWriteItems(quint32 command, const DataByElement& elements);
 
 } // namespace sbus

@@ -85,6 +85,10 @@ TEST(PointIndex, FindsNoKeyThatIsNoMediaAndNumber) {
     EXPECT_EQ(found(index, "X12.", 3, 1), QStringList({"3"})) << "media \"X12.\", element 3";
 }
 
+TEST(PointIndex, FindsAKeyWithoutAMedia) {
+    EXPECT_EQ(found(indexOf({{"5", 1}, {"R5", 2}}), "", 5, 1), QStringList({"1"}));
+}
+
 TEST(PointIndex, FindsTheHighestNumbersAndGoesOnAtZero) {
     const auto index = indexOf({{"R4294967295", 1}, {"R0", 2}, {"R1", 3}, {"R2147483648", 4}});
     EXPECT_EQ(found(index, "R", 4'294'967'294u, 4), QStringList({"-", "1", "2", "3"}));
