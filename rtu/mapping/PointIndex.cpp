@@ -7,13 +7,9 @@ namespace {
 
 const auto isBefore = [](const PointIndex::Entry& entry, quint32 element) { return entry.element < element; };
 
-bool isDigit(QChar character) {
-    return character >= QLatin1Char('0') && character <= QLatin1Char('9');
-}
-
 int mediaLength(const QString& key) {
     int length = key.size();
-    while (length > 0 && isDigit(key.at(length - 1)))
+    while (length > 0 && key.at(length - 1).isDigit())
         --length;
     return length;
 }
