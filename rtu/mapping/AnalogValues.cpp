@@ -5,7 +5,6 @@
 
 #include <HalvexDriverComponent/Halvex.h>
 
-#include <cmath>
 #include <limits>
 
 namespace sbus {
@@ -27,9 +26,8 @@ bool isTimer(const QString& media) {
 template <typename Integer>
 Integer truncated(double value) {
     constexpr Integer lowest = std::numeric_limits<Integer>::min();
-    const double whole = std::trunc(value);
     const auto limit = -static_cast<double>(lowest); // a power of two: exact
-    return whole >= -limit && whole < limit ? static_cast<Integer>(whole) : lowest;
+    return value >= -limit && value < limit ? static_cast<Integer>(value) : lowest;
 }
 
 template <typename Number>
