@@ -176,6 +176,30 @@ TEST_F(PublishingTest, TakesAnEmptyListOfValues) {
     EXPECT_TRUE(puts.remarks.empty());
 }
 
+TEST_F(PublishingTest, FindsPointsWhoseNumbersRunAgainstTheirAddresses) {
+    addStatus(1, "I7");
+    addStatus(2, "I6");
+    addStatus(3, "I5");
+    addAnalog(4, "R7");
+    addAnalog(5, "R6");
+    addAnalog(6, "R5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {0, 1, 0});
+    publishAnalog(5, "R", {50, 60, 70});
+    EXPECT_EQ(puts.status, (StatusPuts{{3, 0, true}, {2, 1, true}, {1, 0, true}}));
+    EXPECT_EQ(puts.analog, (AnalogPuts{{6, 50}, {5, 60}, {4, 70}}));
+}
+
+TEST_F(PublishingTest, ReadsAValueByTheMediaOfTheAnswer) {
+    addAnalog(1, "R5");
+    rtu->InitRtu();
+    rtu->GetPointList()->GetAnalogPoint(1)->address = QStringLiteral("T");
+    PutCallRecorder puts(rtu);
+    publishAnalog(5, "R", {0xFFFFFFFF});
+    EXPECT_EQ(puts.analog, (AnalogPuts{{1, -1}}));
+}
+
 TEST_F(PublishingTest, FindsPointsOnlyAtTheAddressesOfTheLastBuild) {
     addStatus(1, "I5");
     addAnalog(2, "R5");
