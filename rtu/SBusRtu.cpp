@@ -1,22 +1,20 @@
 #include "SBusRtu.h"
 
-#include "ElementFinder.h"
+#include "CommandResult.h"
+#include "PointIndex.h"
 #include "PointRecords.h"
 #include "ReadItems.h"
 #include "SBusProtocolBase.h"
+#include "TakenOverReply.h"
 
-#include <HalvexDriverComponent/CReply.h>
-#include <HalvexDriverComponent/Halvex.h>
+namespace result = sbus::result;
 
 namespace {
 
 using ElementsByMedia = QMap<QString, sbus::MediaAddressSet>;
 
-constexpr int success = static_cast<int>(Halvex::DriverErrorResult::Success);
-constexpr int notSupported = static_cast<int>(Halvex::DriverErrorResult::NotSupported);
-
-// The driver does not serve these kinds of the host's scan interface, and says so; any other unknown kind it
-// just ignores.
+// Kinds of the host's scan interface that are answered with "not supported". Every other unknown kind is
+// accepted and does nothing.
 bool isRefusedKind(int kind) {
     return kind == 4 || kind == 6;
 }
@@ -34,10 +32,10 @@ QList<SBusRequestItem> readItemsOf(const ElementsByMedia& table) {
 
 } // namespace
 
-SBusRtu::SBusRtu(CChannel* owner, HalvexDriverCoreInterface* coreInterface, const RemoteTerminalUnit& rtu)
-    : CRtu(coreInterface, owner, rtu), channel(owner),
-      analogFinder(std::make_unique<sbus::ElementFinder>(analogIndex)),
-      statusFinder(std::make_unique<sbus::ElementFinder>(statusIndex)) {}
+SBusRtu::SBusRtu(CChannel* owner, HalvexDriverCoreInterface* coreInterface, const RemoteTerminalUnit& rtu,
+                 sbus::WallClock wallClock)
+    : CRtu(coreInterface, owner, rtu), channel(owner), analogIndex(std::make_unique<sbus::PointIndex>()),
+      statusIndex(std::make_unique<sbus::PointIndex>()), clock(wallClock), stamp(wallClock) {}
 
 SBusRtu::~SBusRtu() = default;
 
@@ -58,16 +56,14 @@ int SBusRtu::RequestPoll(int kind, CReply* reply) {
     if (!pollsBuilt)
         buildPollTable();
     if (isRefusedKind(kind))
-        return notSupported;
+        return result::notSupported;
     const SBusRequest* const prepared = preparedPollOf(kind);
     if (prepared == nullptr || prepared->rtu == nullptr)
-        return success;
-    if (reply != nullptr)
-        reply->addRefer();
+        return result::success;
     SBusRequest poll = *prepared;
-    poll.reply = reply;
+    poll.reply = sbus::takenOver(reply);
     protocol->queueRequest(poll);
-    return success;
+    return result::success;
 }
 
 const SBusRequest* SBusRtu::preparedPollOf(int kind) const {
@@ -83,22 +79,22 @@ const SBusRequest* SBusRtu::preparedPollOf(int kind) const {
 }
 
 int SBusRtu::RequestHistory(int /*kind*/, CReply* /*reply*/) {
-    return success;
+    return result::success;
 }
 
 int SBusRtu::readParameter(unsigned /*parameter*/, CReply* /*reply*/) {
-    return notSupported;
+    return result::notSupported;
 }
 
 int SBusRtu::writeParameter(unsigned /*parameter*/, double /*value*/, CReply* /*reply*/) {
-    return notSupported;
+    return result::notSupported;
 }
 
 int SBusRtu::resetDevice(CReply* /*reply*/) {
-    return notSupported;
+    return result::notSupported;
 }
 
-// A rebuild that finds no points any more leaves the earlier polls in place, so they go on.
+// A rebuild that finds no points leaves the earlier polls and indexes in place, so those polls go on.
 void SBusRtu::buildPollTable() {
     if (pollsBuilt)
         return;
@@ -116,26 +112,26 @@ void SBusRtu::buildPollTable() {
 
 QList<SBusRequestItem> SBusRtu::buildAnalogItems(const QList<AnalogPoint*>& analogPoints) {
     ElementsByMedia media;
-    analogIndex.clear();
-    analogFinder->forget();
+    *analogIndex = {};
     for (AnalogPoint* const point : analogPoints) {
         const sbus::PointAddress address = sbus::parseAnalogAddress(*point);
         addElement(media, address);
-        analogIndex[address.key()].append(point->number);
+        analogIndex->add(address.key(), point->number);
     }
+    analogIndex->complete();
     return readItemsOf(media);
 }
 
-// Both addresses are read; only the first is indexed.
+// Both addresses are read, but values are only found by the first.
 QList<SBusRequestItem> SBusRtu::buildStatusItems(const QList<StatusPoint*>& statusPoints) {
     ElementsByMedia media;
-    statusIndex.clear();
-    statusFinder->forget();
+    *statusIndex = {};
     for (StatusPoint* const point : statusPoints) {
         for (const sbus::PointAddress& address : sbus::parseStatusAddresses(*point))
             addElement(media, address);
-        statusIndex[point->firstAddress + point->firstAddressNumber].append(point->number);
+        statusIndex->add(point->firstAddress + point->firstAddressNumber, point->number);
     }
+    statusIndex->complete();
     return readItemsOf(media);
 }
 

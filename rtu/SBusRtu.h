@@ -6,6 +6,7 @@
 
 #include <HalvexDriverComponent/CRtu.h>
 
+#include <QDateTime>
 #include <QMap>
 
 #include <memory>
@@ -14,7 +15,7 @@ class SBusDelayedQueue;
 class SBusProtocolBase;
 
 namespace sbus {
-class ElementFinder;
+class PointIndex;
 }
 
 // One Saia PCD station. Keeps the three polls ready, hands copies of them to the channel's engine when the
@@ -22,12 +23,14 @@ class ElementFinder;
 //
 // States: polls not built, built. They are built from the host's points at InitRtu, or at the first poll.
 // Threads: once the polls are built, RequestPoll and the commands on any; they build a request and hand it
-// over. The publishers run on the channel's thread and read the point indexes without a lock: nothing may
-// build them meanwhile. Ownership: the host owns the RTU; channel, protocol object and delayed queue are the
-// channel's.
+// over. The publishers run on the channel's thread and read the point indexes without a lock, so the polls
+// must not be built at the same time. Ownership: the host owns the RTU, the channel owns the protocol object
+// and the delayed queue.
 class SBusRtu final : public CRtu, public SBusValuePublisher {
 public:
-    SBusRtu(CChannel* owner, HalvexDriverCoreInterface* coreInterface, const RemoteTerminalUnit& rtu);
+    // A test may give a clock of its own.
+    SBusRtu(CChannel* owner, HalvexDriverCoreInterface* coreInterface, const RemoteTerminalUnit& rtu,
+            sbus::WallClock wallClock = QDateTime::currentMSecsSinceEpoch);
     ~SBusRtu() override;
 
     void attachProtocol(SBusProtocolBase* newProtocol, SBusDelayedQueue* newQueue);
@@ -36,7 +39,7 @@ public:
     void StopRtu() override;
     int RequestPoll(int kind, CReply* reply) override;
     int RequestHistory(int kind, CReply* reply) override;
-    // 0 off, 1 on. A pulse output that was switched on is released when its width is over.
+    // 0 off, 1 on. A pulse output to which 1 was written is released when its width is over.
     int statusWrite(unsigned pointId, signed char command, CReply* reply) override;
     int analogWrite(unsigned pointId, double value, CReply* reply) override;
     // By point number; consecutive elements share a telegram.
@@ -54,15 +57,14 @@ public:
     void buildPollTable();
 
 private:
-    using PointIndex = QMap<QString, QList<unsigned>>; // address key to point numbers, ascending
-
     QList<SBusRequestItem> buildAnalogItems(const QList<AnalogPoint*>& analogPoints);
     QList<SBusRequestItem> buildStatusItems(const QList<StatusPoint*>& statusPoints);
     SBusRequest requestOf(const QString& name, const QList<SBusRequestItem>& items);
     void submitCommand(const QString& name, const QList<SBusRequestItem>& items, CReply* reply);
-    void putStatus(unsigned pointNumber, QStringView elementNumber, char value);
+    void putStatus(unsigned pointNumber, quint32 element, char value);
+    void putAnalog(unsigned pointNumber, const QString& media, quint32 word);
     void schedulePulseRelease(const StatusPoint& point, const SBusRequestItem& switchOn);
-    // Null for a kind that is no poll. A poll that was never built has no RTU.
+    // Null for a kind that is no poll. The `rtu` of a poll that was never built is null.
     const SBusRequest* preparedPollOf(int kind) const;
 
     CChannel* const channel;
@@ -71,10 +73,9 @@ private:
     SBusRequest analogPoll;
     SBusRequest statusPoll;
     SBusRequest integrityPoll;
-    PointIndex analogIndex;
-    PointIndex statusIndex;
-    const std::unique_ptr<sbus::ElementFinder> analogFinder; // the channel's thread, once the polls are built
-    const std::unique_ptr<sbus::ElementFinder> statusFinder;
-    ValueStamp stamp; // the channel's thread
+    const std::unique_ptr<sbus::PointIndex> analogIndex;
+    const std::unique_ptr<sbus::PointIndex> statusIndex; // of the first addresses
+    const sbus::WallClock clock;
+    sbus::ValueStamp stamp; // the channel's thread
     SBusDelayedQueue* delayedQueue = nullptr;
 };

@@ -2,43 +2,41 @@
 
 #include "SBusRtu.h"
 
+#include "AnalogValues.h"
 #include "ClockBytes.h"
 #include "CommandCode.h"
+#include "CommandResult.h"
 #include "MediaTable.h"
 #include "PointAddress.h"
 #include "SBusDelayedQueue.h"
 #include "SBusProtocolBase.h"
+#include "TakenOverReply.h"
 #include "WriteItems.h"
 
 #include <HalvexDriverComponent/CChannel.h>
 #include <HalvexDriverComponent/CLogger.h>
-#include <HalvexDriverComponent/CReply.h>
-#include <HalvexDriverComponent/Halvex.h>
 
 #include <QDateTime>
 
 #include <optional>
 
-using Halvex::DriverErrorResult;
+namespace result = sbus::result;
 
 namespace {
-
-constexpr int success = static_cast<int>(DriverErrorResult::Success);
-constexpr int channelError = static_cast<int>(DriverErrorResult::ChannelError);
-constexpr int pointNotFound = static_cast<int>(DriverErrorResult::PointNotFound);
-constexpr int unsupportedAddress = static_cast<int>(DriverErrorResult::UnsupportedAddress);
 
 void logFailure(int channelId, const QString& text) {
     CLogger::GetInstance()->writeFile(channelId, 0, Halvex::LogLevel::CommandFailure, text);
 }
 
-// Where a binary command goes, and what it writes there when the point names no value.
+// Where a binary command goes and what it writes there.
 struct OutputTarget {
-    const QString& address;
-    const QString& value;
-    quint8 ownValue;
+    QString address;
+    QString value;       // as configured for the address
+    quint8 defaultValue; // written when `value` is empty
 
-    quint8 byte() const { return value.isEmpty() ? ownValue : static_cast<quint8>(value.toInt(nullptr, 10)); }
+    quint8 byte() const {
+        return value.isEmpty() ? defaultValue : static_cast<quint8>(value.toInt(nullptr, 10));
+    }
 };
 
 // Nothing for a command other than 0 and 1.
@@ -56,7 +54,7 @@ QByteArray oneByte(quint8 value) {
     return QByteArray(1, static_cast<char>(value));
 }
 
-// The letter of a media that set points can be written to, empty for others.
+// The letter of the media that set points at this address write to, empty when they write to none.
 QString settableMedia(const QString& addressField) {
     for (const char* const media : {"R", "T", "C"})
         if (addressField.startsWith(QLatin1String(media)))
@@ -78,7 +76,7 @@ using DataByCommand = QMap<quint32, sbus::DataByElement>;
 void addListValue(DataByCommand& table, const AnalogPoint& point, double value) {
     quint32 command = 0;
     sbus::writeCommandForMedia(command, point.address);
-    table[command][elementNumber(point)] = sbus::listData(point.address, point.dataType, value);
+    table[command][elementNumber(point)] = sbus::listWriteData(point.address, point.dataType, value);
 }
 
 QList<SBusRequestItem> writeItemsOf(const DataByCommand& table) {
@@ -92,38 +90,37 @@ QList<SBusRequestItem> writeItemsOf(const DataByCommand& table) {
 
 int SBusRtu::statusWrite(unsigned pointId, signed char command, CReply* reply) {
     if (!channel->IsConnect())
-        return channelError;
+        return result::channelError;
     const StatusPoint* const point = GetPointList()->GetStatusPoint(pointId);
     if (point == nullptr) {
         logFailure(channel->channelId(),
                    QStringLiteral("BO command failed (Point=%1 is not found)").arg(pointId));
-        return pointNotFound;
+        return result::pointNotFound;
     }
     const std::optional<OutputTarget> target = targetOf(*point, command);
     if (!target) {
         logFailure(chennelId(), QStringLiteral("BO command failed (Point=%1, Unsupported CMD=%2)")
                                     .arg(pointId)
                                     .arg(static_cast<int>(command)));
-        return pointNotFound;
+        return result::pointNotFound;
     }
     const std::optional<sbus::PointAddress> address = sbus::matchAddress(target->address);
     if (!address) {
-        // Names the first address whichever was tried: that is the one by which operators know the point.
+        // The message names the first address also when the second was the one that did not match.
         logFailure(channel->channelId(),
                    QStringLiteral("BO command failed (Addr=%1 Unsupported Address Format)")
                        .arg(point->firstOutputAddress));
-        return unsupportedAddress;
+        return result::unsupportedAddress;
     }
     const quint8 value = target->byte();
     const SBusRequestItem item = sbus::writeItem(address->media, address->number(), 0, oneByte(value));
     submitCommand(QStringLiteral("Status Write"), {item}, reply);
     if (point->pulse && delayedQueue != nullptr && value == 1)
         schedulePulseRelease(*point, item);
-    return success;
+    return result::success;
 }
 
-// Writes the value once more before it takes it back, so that an output whose first write got lost has its
-// pulse all the same.
+// A release writes the value of the command once more, and then 0.
 void SBusRtu::schedulePulseRelease(const StatusPoint& point, const SBusRequestItem& switchOn) {
     SBusRequestItem switchOff = switchOn;
     switchOff.data = oneByte(0);
@@ -133,61 +130,59 @@ void SBusRtu::schedulePulseRelease(const StatusPoint& point, const SBusRequestIt
 
 int SBusRtu::analogWrite(unsigned pointId, double value, CReply* reply) {
     if (!channel->IsConnect())
-        return channelError;
+        return result::channelError;
     const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointId);
     if (point == nullptr)
-        return pointNotFound;
+        return result::pointNotFound;
     const QString media = settableMedia(point->address);
     if (media.isEmpty())
-        return unsupportedAddress;
+        return result::unsupportedAddress;
     const QString name = QStringLiteral("Set Point %1 %2").arg(point->name, QString::number(value));
-    const QByteArray data = sbus::setPointData(media, point->dataType, value);
+    const QByteArray data = sbus::singleWriteData(media, point->dataType, value);
     submitCommand(name, {sbus::writeItem(media, elementNumber(*point), 1, data)}, reply);
-    return success;
+    return result::success;
 }
 
 int SBusRtu::analogWriteList(const QMap<unsigned, double>& setPoints, CReply* reply) {
     if (!channel->IsConnect())
-        return channelError;
+        return result::channelError;
     DataByCommand table;
     for (const unsigned pointId : setPoints.keys()) {
         const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointId);
         if (point == nullptr) {
             logFailure(channel->channelId(),
                        QStringLiteral("AO command failed (Point=%1 is not found)").arg(pointId));
-            return pointNotFound;
+            return result::pointNotFound;
         }
         if (!isListable(*point)) {
             logFailure(
                 channel->channelId(),
                 QStringLiteral("AO command failed (Addr=%1 Unsupported Address Format)").arg(point->address));
-            return unsupportedAddress;
+            return result::unsupportedAddress;
         }
-        // By the record's own number, should the host have filed it under another.
+        // The value is the one listed under the number in the record, which may not be `pointId`.
         addListValue(table, *point, setPoints.value(point->number, 0.0));
     }
     submitCommand(CRtu::tr("Analog Write List"), writeItemsOf(table), reply);
-    return success;
+    return result::success;
 }
 
 int SBusRtu::timeSync(CReply* reply) {
     if (!channel->IsConnect())
-        return channelError;
+        return result::channelError;
     SBusRequestItem item;
     item.command = sbus::toNumber(sbus::CommandCode::WriteClock);
-    item.data = sbus::clockBytes(QDateTime::currentDateTime());
+    item.data = sbus::clockBytes(QDateTime::fromMSecsSinceEpoch(clock()));
     const QString name = CRtu::tr("Time Sync Command");
     if (reply != nullptr)
         submitCommand(name, {item}, reply);
     else
         protocol->queueRequest(requestOf(name, {item}));
-    return success;
+    return result::success;
 }
 
 void SBusRtu::submitCommand(const QString& name, const QList<SBusRequestItem>& items, CReply* reply) {
-    if (reply != nullptr)
-        reply->addRefer();
     SBusRequest command = requestOf(name, items);
-    command.reply = reply;
+    command.reply = sbus::takenOver(reply);
     protocol->submitRequest(command);
 }

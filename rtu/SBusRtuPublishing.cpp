@@ -2,56 +2,43 @@
 
 #include "SBusRtu.h"
 
-#include "ElementFinder.h"
-#include "SaiaFloat.h"
-#include "WriteItems.h"
+#include "AnalogValues.h"
+#include "DecimalText.h"
+#include "PointIndex.h"
 
-namespace {
-
-double analogValue(int raw, bool isTimer, const QString& media, const AnalogPoint& point) {
-    const auto word = static_cast<quint32>(raw);
-    if (isTimer)
-        return word;
-    if (sbus::isFloatRegister(media, point.dataType))
-        return sbus::decodeSaiaFloat(word);
-    return raw;
-}
-
-} // namespace
-
-// Of the second address only the number is compared, and the value put for it is the one that was read at
-// the first: what stands at a second address of its own is never put.
 void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QList<quint8>& bits) {
-    stamp.beginTelegram();
-    sbus::ElementKey key(media, start);
-    int keyElement = 0;
-    for (const auto& [element, pointNumber] : statusFinder->find(media, start, bits.size())) {
-        if (element >= bits.size())
-            break;
-        for (; keyElement < element; ++keyElement)
-            key.next();
-        putStatus(pointNumber, key.number(), static_cast<char>(bits.at(element)));
+    sbus::PointIndex::Walk walk = statusIndex->from(media, start);
+    quint32 element = start;
+    for (const quint8 bit : bits) {
+        for (const sbus::PointIndex::Entry& entry : walk.next())
+            putStatus(entry.pointNumber, element, static_cast<char>(bit));
+        ++element;
     }
 }
 
-void SBusRtu::putStatus(unsigned pointNumber, QStringView elementNumber, char value) {
+// Only the numbers of the addresses are compared, not their media. A point is found by its first address
+// alone, so the value that is put for the second one was read at the first.
+void SBusRtu::putStatus(unsigned pointNumber, quint32 element, char value) {
     const StatusPoint* const point = GetPointList()->GetStatusPoint(pointNumber);
     if (point == nullptr)
         return;
-    if (point->firstAddressNumber == elementNumber)
+    if (sbus::isDecimalText(point->firstAddressNumber, element))
         PutStatusPoint(false, pointNumber, value, 0, stamp.now(), true);
-    if (point->secondAddressNumber == elementNumber)
+    if (sbus::isDecimalText(point->secondAddressNumber, element))
         PutStatusPoint(false, pointNumber, value, 0, stamp.now(), false);
 }
 
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
-    stamp.beginTelegram();
-    const bool isTimer = media == QLatin1String("T");
-    for (const auto& [element, pointNumber] : analogFinder->find(media, start, words.size())) {
-        if (element >= words.size())
-            break;
-        if (const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber))
-            PutAnalogPoint(false, pointNumber, analogValue(words.at(element), isTimer, media, *point), 0,
-                           stamp.now());
-    }
+    sbus::PointIndex::Walk walk = analogIndex->from(media, start);
+    for (const int word : words)
+        for (const sbus::PointIndex::Entry& entry : walk.next())
+            putAnalog(entry.pointNumber, media, static_cast<quint32>(word));
+}
+
+void SBusRtu::putAnalog(unsigned pointNumber, const QString& media, quint32 word) {
+    const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber);
+    if (point == nullptr)
+        return;
+    const double value = sbus::readValue(media, point->dataType, word);
+    PutAnalogPoint(false, pointNumber, value, 0, stamp.now());
 }

@@ -2,48 +2,33 @@
 
 #include <HalvexDriverComponent/CMidTime.h>
 
-#include <chrono>
+#include <limits>
 
-// The time stamp of each value that is put, by the computer's clock. It holds milliseconds, and hundreds of
-// values are put in one: so it is made anew only when the millisecond is a new one, which spares the look-up
-// of the system's time zone. A look at the clock takes longer than to put a value: so one look serves the
-// next values of a telegram, unless its millisecond may be over before they are put. Only a thread that is
-// held up between two of them puts the second with the millisecond of the first. One thread.
-template <typename Clock>
-class StampBy {
+namespace sbus {
+
+// The computer's clock: milliseconds since the beginning of 1970 in UTC.
+using WallClock = qint64 (*)();
+
+// The time stamp of a value that is put. The clock is read for each value, but a stamp is made only when the
+// millisecond has changed: to make one takes far longer than to put a value. One thread.
+class ValueStamp {
 public:
-    // What a look serves at the most. To put them takes 1 us, and with cold caches 3.
-    static constexpr int valuesOfOneLook = 16;
-    // How long before the end of its millisecond a look serves one value only: ten times what the others
-    // take.
-    static constexpr std::chrono::microseconds reserve{30};
+    explicit ValueStamp(WallClock wallClock) : clock(wallClock) {}
 
-    // Before the values of a telegram: they take no stamp of the last one's.
-    void beginTelegram() { valuesBeforeNextLook = 0; }
-
-    // Made from local time, which a host may take apart.
+    // Good until the next call.
     const CMidTime& now() {
-        if (valuesBeforeNextLook == 0)
-            look();
-        --valuesBeforeNextLook;
+        const qint64 reading = clock();
+        if (reading != millisecond) {
+            millisecond = reading;
+            stamp = CMidTime(QDateTime::fromMSecsSinceEpoch(reading), 0);
+        }
         return stamp;
     }
 
 private:
-    void look() {
-        using namespace std::chrono;
-        const auto now = Clock::now().time_since_epoch();
-        const auto nowMs = floor<milliseconds>(now);
-        valuesBeforeNextLook = now - nowMs < milliseconds(1) - reserve ? valuesOfOneLook : 1;
-        if (nowMs == stampMs)
-            return;
-        stampMs = nowMs;
-        stamp = CMidTime(QDateTime::fromMSecsSinceEpoch(nowMs.count()), 0);
-    }
-
-    int valuesBeforeNextLook = 0;
-    std::chrono::milliseconds stampMs{-1}; // none yet
+    const WallClock clock;
+    qint64 millisecond = std::numeric_limits<qint64>::min(); // of the stamp; there is none yet
     CMidTime stamp;
 };
 
-using ValueStamp = StampBy<std::chrono::system_clock>;
+} // namespace sbus

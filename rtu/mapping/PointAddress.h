@@ -12,13 +12,14 @@ struct PointAddress {
     QString numberText; // as written: leading zeros stay
 
     int number() const { return numberText.toInt(nullptr, 10); } // 0 for a text that is no number
-    // The text under which points are found again. "R007" and "R7" are different keys.
+    // The text by which values find their points. "R007" and "R7" are different keys.
     QString key() const { return media + numberText; }
 };
 
-// One upper-case letter and one to five digits, nothing before or after. Any letter will do here.
+// One letter from A to Z and one to five digits, nothing before or after. Digits of other scripts match too;
+// as a number they count as 0.
 std::optional<PointAddress> matchAddress(const QString& text);
-// The same once the blanks are removed.
+// The same after all blanks were removed from the text.
 std::optional<PointAddress> matchAddressIgnoringBlanks(const QString& text);
 
 } // namespace sbus

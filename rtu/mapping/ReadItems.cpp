@@ -7,7 +7,7 @@
 namespace sbus {
 namespace {
 
-// The elements that the telegram being collected covers. Empty between telegrams.
+// The elements of the telegram that is being collected. Empty between telegrams.
 struct Run {
     int start = 0;
     int length = 0;
@@ -22,7 +22,7 @@ SBusRequestItem readItem(quint32 command, int start, int count) {
 } // namespace
 
 QList<SBusRequestItem> buildReadItems(const QString& media, const MediaAddressSet& elements) {
-    constexpr quint32 clearedCommand = 0; // of an item that was never given its media's command
+    constexpr quint32 clearedCommand = 0; // the command of an item that was given none
     const quint32 command = readCommandForMedia(media);
     const int limit = readLimitForMedia(media);
     QList<SBusRequestItem> items;
@@ -46,7 +46,7 @@ QList<SBusRequestItem> buildReadItems(const QString& media, const MediaAddressSe
             items.append(readItem(command, address, length));
         } else if (total >= limit) {
             items.append(readItem(command, run.start, run.length - 1));
-            run = {address, length}; // whatever comes next joins it
+            run = {address, length}; // the next entry joins it whatever its number is
         } else if (nextFollows) {
             run.length = total;
         } else {

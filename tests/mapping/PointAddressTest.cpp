@@ -81,6 +81,22 @@ TEST(PointAddress, DoesNotTakeALetterBeyondAscii) {
     EXPECT_FALSE(match("Р200")); // a Cyrillic letter that looks like P
 }
 
+TEST(PointAddress, TakesDigitsOfAnyScriptAndReadsOthersThanAsciiAsZero) {
+    for (const char* text : {"R٣", "R٣٤", "R１２", "R७", "R1٣"}) {
+        const auto address = match(text);
+        ASSERT_TRUE(address) << text;
+        EXPECT_EQ(address->media, QStringLiteral("R")) << text;
+        EXPECT_EQ(address->key(), QString::fromUtf8(text));
+        EXPECT_EQ(address->number(), 0) << text;
+    }
+    EXPECT_FALSE(match("R٣٣٣٣٣٣")) << "six digits";
+    EXPECT_FALSE(match("R²")) << "a superscript is no digit";
+}
+
+TEST(PointAddress, NumberMayBeNegativeInANumberField) {
+    EXPECT_EQ((sbus::PointAddress{QStringLiteral("R"), QStringLiteral("-5")}.number()), -5);
+}
+
 TEST(PointAddress, DoesNotTakeALeadingBlankAsItStands) {
     EXPECT_FALSE(match(" R200"));
     EXPECT_FALSE(match("R 200"));

@@ -129,6 +129,7 @@ TEST(ReadItems, OfTheLetterPAreReadAsRegistersUnderTheSmallLimit) {
 TEST(ReadItems, CountTheElementsThatAnEntryOccupies) {
     EXPECT_EQ(reads("R", {{200, 4}}), (Reads{{6, 200, 3}}));
     EXPECT_EQ(reads("R", {{0, 2}, {2, 3}}), (Reads{{6, 0, 4}}));
+    EXPECT_EQ(reads("R", {{0, 2}, {2, 3}, {5, 1}}), (Reads{{6, 0, 5}}));
     EXPECT_EQ(reads("R", {{0, 2}, {3, 3}}), (Reads{{6, 0, 1}, {6, 3, 2}}));
     EXPECT_EQ(reads("R", {{0, 2}, {2, 3}, {9, 1}}), (Reads{{6, 0, 4}, {6, 9, 0}}));
 }

@@ -118,6 +118,13 @@ TEST_F(AnalogWriteListRunsTest, WritesElementZeroForANumberTextThatIsNoNumber) {
     EXPECT_EQ(telegrams(), (Items{writeItem(14, 0, 0, word(3))}));
 }
 
+TEST_F(AnalogWriteListRunsTest, OrdersNegativeElementsBeforeZeroAndRunsOnFromThem) {
+    list("R", -5);
+    list("R", -2, 1);
+    EXPECT_EQ(telegrams(), (Items{writeItem(14, 4'294'967'291u, 1, word(-5)),
+                                  writeItem(14, 4'294'967'294u, 4, words(-2, 4))}));
+}
+
 TEST_F(AnalogWriteListRunsTest, LooksUpTheValueByThePointsOwnNumberAndWritesZeroWithoutOne) {
     listPoint(1, "R", "5", 111);
     listPoint(2, "R", "6", 222);

@@ -115,6 +115,22 @@ TEST_F(AnalogWriteTest, ReadsTheElementNumberAsDecimal) {
     }
 }
 
+TEST_F(AnalogWriteTest, WritesANegativeElementAtTheUnsignedNumberOfTheSameBits) {
+    const std::pair<const char*, quint32> rows[] = {
+        {"-1", 0xFFFFFFFF}, {"-5", 0xFFFFFFFB}, {"-2147483648", 0x80000000}};
+    for (const auto& [number, address] : rows) {
+        setPoint("R", number);
+        EXPECT_EQ(telegramOf(1).address, address) << number;
+    }
+}
+
+TEST_F(AnalogWriteTest, WritesElementZeroForANumberBeyondThirtyTwoBits) {
+    for (const char* number : {"2147483648", "4294967295", "-2147483649", "99999999999999999999"}) {
+        setPoint("R", number);
+        EXPECT_EQ(telegramOf(1).address, 0u) << number;
+    }
+}
+
 // --- The label
 
 TEST_F(AnalogWriteTest, IsLabelledWithPointAndValue) {

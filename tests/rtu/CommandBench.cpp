@@ -152,9 +152,11 @@ void CommandBench::expectGoesAheadOfWaitingPolls(const Command& command) {
 void CommandBench::expectReportsAMissingLink(const Command& command) {
     protocol->setLink(nullptr);
     log.clear();
+    const int repliesBefore = CReply::liveCount();
     auto* reply = new CReply(&channel);
     EXPECT_EQ(command(reply), accepted);
     EXPECT_EQ(reply->wait(patience), DriverErrorResult::ChannelError);
+    EXPECT_EQ(CReply::liveCount(), repliesBefore) << "the reply was taken over after its completion";
     EXPECT_EQ(command(nullptr), accepted);
     const QString report = QStringLiteral("Request result : Chennel Error");
     EXPECT_EQ(log.texts(LogLine::Route::All), (QStringList{report, report}));

@@ -55,7 +55,13 @@ protected:
     void expectReportsAMissingLink(const Command& command);
 
     int now = 0; // milliseconds on the delayed queue's clock
-    SBusDelayedQueue releases{[this] { return now; }};
+    // Called when the delayed queue looks at its clock, as it does at the beginning of schedule().
+    std::function<void()> onLookAtDelayClock;
+    SBusDelayedQueue releases{[this] {
+        if (onLookAtDelayClock)
+            onLookAtDelayClock();
+        return now;
+    }};
     LogRecorder log;
 
 private:

@@ -44,6 +44,15 @@ TEST_F(PollTest, OfAnalogPointsAloneHasAnEmptyStatusPollAndAnIntegrityPollLikeTh
     EXPECT_EQ(telegramsOf(PollKind::Integrity), analog);
 }
 
+TEST_F(PollTest, WithoutTelegramsSucceedsAndCompletesItsReply) {
+    addAnalog(1, "R200");
+    auto* reply = new CReply(&channel);
+    EXPECT_EQ(request(PollKind::Status, reply), 0);
+    runPending();
+    EXPECT_TRUE(protocol->exchanges.isEmpty());
+    EXPECT_EQ(reply->wait(10'000), Halvex::DriverErrorResult::Success);
+}
+
 TEST_F(PollTest, OfStatusPointsAloneHasAnEmptyAnalogPollAndAnIntegrityPollLikeTheStatusOne) {
     addStatus(1, "I10");
     EXPECT_EQ(telegramsOf(PollKind::Analog), Items{});
@@ -225,6 +234,22 @@ TEST_F(PollTest, ReadsAnUnmatchedAnalogAddressAsARegisterOfItsNumberField) {
     // "R", "X12.3", "r200": upper case sorts first.
     EXPECT_EQ(telegramsOf(PollKind::Analog),
               (Items{readItem(6, 5, 0), readItem(6, 0, 0), readItem(6, 17, 0)}));
+}
+
+TEST_F(PollTest, ReadsANegativeNumberFieldAtTheUnsignedNumberOfTheSameBits) {
+    addAnalog(1, "R", "-5");
+    addAnalog(2, "R", "-1");
+    addAnalog(3, "R0");
+    EXPECT_EQ(telegramsOf(PollKind::Analog),
+              (Items{readItem(6, 4'294'967'291u, 0), readItem(6, 4'294'967'295u, 1)}));
+}
+
+TEST_F(PollTest, ReadsDigitsOfAnotherScriptAsElementZero) {
+    addAnalog(1, "R\331\243\331\244"); // the Arabic-Indic digits 3 and 4
+    addStatus(2, "I\331\243");
+    EXPECT_EQ(telegramsOf(PollKind::Analog), (Items{readItem(6, 0, 0)}));
+    EXPECT_EQ(telegramsOf(PollKind::Status), (Items{readItem(3, 0, 0)}));
+    EXPECT_EQ(rtu->GetPointList()->GetAnalogPoint(1)->address, QStringLiteral("R"));
 }
 
 TEST_F(PollTest, GivesTheAnswerOfAnUnmatchedAddressToTheRegisterWithThatNumber) {

@@ -4,9 +4,7 @@
 
 #include <QDateTime>
 
-#include <chrono>
 #include <cmath>
-#include <thread>
 
 using Halvex::PointDataType;
 
@@ -178,6 +176,80 @@ TEST_F(PublishingTest, TakesAnEmptyListOfValues) {
     EXPECT_TRUE(puts.remarks.empty());
 }
 
+TEST_F(PublishingTest, FindsPointsWhoseNumbersRunAgainstTheirAddresses) {
+    addStatus(1, "I7");
+    addStatus(2, "I6");
+    addStatus(3, "I5");
+    addAnalog(4, "R7");
+    addAnalog(5, "R6");
+    addAnalog(6, "R5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {0, 1, 0});
+    publishAnalog(5, "R", {50, 60, 70});
+    EXPECT_EQ(puts.status, (StatusPuts{{3, 0, true}, {2, 1, true}, {1, 0, true}}));
+    EXPECT_EQ(puts.analog, (AnalogPuts{{6, 50}, {5, 60}, {4, 70}}));
+}
+
+TEST_F(PublishingTest, ReadsAValueByTheMediaOfTheAnswer) {
+    addAnalog(1, "R5");
+    rtu->InitRtu();
+    rtu->GetPointList()->GetAnalogPoint(1)->address = QStringLiteral("T");
+    PutCallRecorder puts(rtu);
+    publishAnalog(5, "R", {0xFFFFFFFF});
+    EXPECT_EQ(puts.analog, (AnalogPuts{{1, -1}}));
+}
+
+TEST_F(PublishingTest, FindsPointsOnlyAtTheAddressesOfTheLastBuild) {
+    addStatus(1, "I5");
+    addAnalog(2, "R5");
+    rtu->InitRtu();
+    publishStatus(5, "I", {1});
+    publishAnalog(5, "R", {7});
+    addStatus(1, "F5");
+    addAnalog(2, "C5");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {1});
+    publishAnalog(5, "R", {7});
+    EXPECT_TRUE(puts.remarks.empty());
+    publishStatus(5, "F", {0});
+    publishAnalog(5, "C", {8});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 0, true}}));
+    EXPECT_EQ(puts.analog, (AnalogPuts{{2, 8}}));
+}
+
+TEST_F(PublishingTest, PutsAValueOnceAfterSeveralBuilds) {
+    addStatus(1, "I5");
+    addAnalog(2, "R5");
+    for (int build = 0; build < 3; ++build) {
+        rtu->GetPointList()->RestoreStatusPoints();
+        rtu->InitRtu();
+    }
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {1});
+    publishAnalog(5, "R", {7});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 1, true}}));
+    EXPECT_EQ(puts.analog, (AnalogPuts{{2, 7}}));
+}
+
+TEST_F(PublishingTest, StillFindsPointsAfterARebuildThatFoundNone) {
+    addStatus(1, "I5");
+    addAnalog(2, "R5");
+    rtu->InitRtu();
+    const StatusPoint status = *rtu->GetPointList()->GetStatusPoint(1);
+    const AnalogPoint analog = *rtu->GetPointList()->GetAnalogPoint(2);
+    rtu->GetPointList()->Clear();
+    rtu->InitRtu();
+    rtu->GetPointList()->AddStatusPoint(status);
+    rtu->GetPointList()->AddAnalogPoint(analog);
+    PutCallRecorder puts(rtu);
+    publishStatus(5, "I", {1});
+    publishAnalog(5, "R", {7});
+    EXPECT_EQ(puts.status, (StatusPuts{{1, 1, true}}));
+    EXPECT_EQ(puts.analog, (AnalogPuts{{2, 7}}));
+}
+
 TEST_F(PublishingTest, PassesOverPointsThatHaveVanished) {
     addStatus(1, "I5");
     addStatus(2, "I5");
@@ -212,7 +284,7 @@ TEST_F(PublishingTest, PutsAnUnchangedValueEveryTime) {
 }
 
 TEST_F(PublishingTest, MarksValuesAsRealWithoutARemarkAndStampedNow) {
-    addStatus(1, "I5");
+    addStatus(1, "I5", "F5");
     addAnalog(1, "R5");
     rtu->InitRtu();
     PutCallRecorder puts(rtu);
@@ -220,7 +292,7 @@ TEST_F(PublishingTest, MarksValuesAsRealWithoutARemarkAndStampedNow) {
     publishStatus(5, "I", {1});
     publishAnalog(5, "R", {7});
     const qint64 after = QDateTime::currentMSecsSinceEpoch();
-    ASSERT_EQ(puts.remarks.size(), 2u);
+    ASSERT_EQ(puts.remarks.size(), 3u);
     for (const PutRemarks& put : puts.remarks) {
         EXPECT_FALSE(put.simulated);
         EXPECT_EQ(put.status, 0u);
@@ -230,22 +302,38 @@ TEST_F(PublishingTest, MarksValuesAsRealWithoutARemarkAndStampedNow) {
     }
 }
 
-TEST_F(PublishingTest, StampsTheValuesOfEachTelegramAnew) {
-    addStatus(1, "I5");
-    addAnalog(1, "R5");
+TEST_F(PublishingTest, StampsEachPutWithTheTimeAtWhichItIsMade) {
+    addStatus(1, "I5", "F5");
+    addStatus(2, "I6");
+    for (unsigned number = 3; number <= 22; ++number)
+        addAnalog(number, qPrintable(QStringLiteral("R%1").arg(number)));
     rtu->InitRtu();
     PutCallRecorder puts(rtu);
-    for (std::size_t telegram = 0; telegram < 4; ++telegram) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        const qint64 before = QDateTime::currentMSecsSinceEpoch();
-        if (telegram % 2 == 0)
-            publishStatus(5, "I", {1});
-        else
-            publishAnalog(5, "R", {7});
-        ASSERT_EQ(puts.remarks.size(), telegram + 1);
-        EXPECT_GE(puts.remarks.back().stamp.toMSecsSinceEpoch(), before);
-        EXPECT_LE(puts.remarks.back().stamp.toMSecsSinceEpoch(), QDateTime::currentMSecsSinceEpoch());
-    }
+    constexpr qint64 start = 1'600'000'000'000;
+    constexpr qint64 step = 20;
+    BenchClock::set(start, step);
+    publishStatus(5, "I", {1, 0});
+    publishAnalog(3, "R", {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20});
+    ASSERT_EQ(puts.remarks.size(), 3u + 20u);
+    for (std::size_t i = 0; i < puts.remarks.size(); ++i)
+        EXPECT_EQ(puts.remarks[i].stamp.toMSecsSinceEpoch(), start + static_cast<qint64>(i) * step) << i;
+}
+
+TEST_F(PublishingTest, StampsByTheComputersClockUnlessItIsGivenAnother) {
+    RemoteTerminalUnit info;
+    info.id = 99;
+    SBusRtu plain(&channel, &core, info);
+    AnalogPoint point;
+    point.number = 1;
+    point.address = QStringLiteral("R5");
+    plain.GetPointList()->AddAnalogPoint(point);
+    plain.InitRtu();
+    PutCallRecorder puts(&plain);
+    const qint64 before = QDateTime::currentMSecsSinceEpoch();
+    plain.publishAnalogValues(5, QStringLiteral("R"), {7});
+    ASSERT_EQ(puts.remarks.size(), 1u);
+    EXPECT_GE(puts.remarks[0].stamp.toMSecsSinceEpoch(), before);
+    EXPECT_LE(puts.remarks[0].stamp.toMSecsSinceEpoch(), QDateTime::currentMSecsSinceEpoch());
 }
 
 TEST_F(PublishingTest, CountsElementsAsUnsigned32BitNumbers) {
@@ -265,6 +353,26 @@ TEST_F(PublishingTest, ReachesTheHighestAddressThatFiveDigitsCanName) {
     PutCallRecorder puts(rtu);
     publishStatus(99999, "F", {1});
     EXPECT_EQ(puts.status, (StatusPuts{{1, 1, true}}));
+}
+
+TEST_F(PublishingTest, NeverReachesAPointWithDigitsOfAnotherScript) {
+    addAnalog(1, "R\331\243"); // the Arabic-Indic digit 3
+    addStatus(2, "I\331\243");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishAnalog(0, "R", {1, 2, 3, 4});
+    publishStatus(0, "I", {1, 1, 1, 1});
+    EXPECT_TRUE(puts.remarks.empty());
+}
+
+TEST_F(PublishingTest, NeverReachesAPointWithANegativeNumberField) {
+    addAnalog(1, "R", "-1");
+    addAnalog(2, "R0");
+    rtu->InitRtu();
+    PutCallRecorder puts(rtu);
+    publishAnalog(0xFFFFFFFF, "R", {5, 6});
+    publishAnalog(1, "R", {7});
+    EXPECT_EQ(puts.analog, (AnalogPuts{{2, 6}}));
 }
 
 TEST_F(PublishingTest, NeverReachesAPointWithLeadingZeros) {

@@ -24,6 +24,48 @@ TEST_F(PulseTest, APulseIsWrittenNowAndReleasedAfterItsWidth) {
     EXPECT_TRUE(sendAfter(3'600'000).isEmpty()) << "released twice";
 }
 
+TEST_F(PulseTest, APulseWaitsInTheTableBeforeItsReleaseIsScheduled) {
+    setOutputs("O12");
+    makePulse(0);
+    SBusRequest pulse;
+    pulse.rtu = rtu;
+    pulse.name = QStringLiteral("Status Write");
+    pulse.items << writeItem(13, 12, 0, hex("01"));
+    int looks = 0;
+    onLookAtDelayClock = [&] {
+        ++looks;
+        EXPECT_TRUE(protocol->containsRequest(pulse));
+    };
+    EXPECT_EQ(write(on), accepted);
+    EXPECT_EQ(looks, 1) << "it was not scheduled";
+    onLookAtDelayClock = nullptr;
+}
+
+// The delayed queue counts by the time of day, and takes a step of more than half a day for a clock that was
+// set.
+TEST_F(PulseTest, APulseMayBeAsWideAsAnUnsignedNumberGoes) {
+    constexpr int step = 10 * 3'600'000;
+    constexpr int day = 24 * 3'600'000;
+    const auto passTime = [this](quint32 milliseconds) {
+        QList<SentRequest> sent;
+        while (milliseconds > 0) {
+            const quint32 passing = qMin(milliseconds, quint32{step});
+            milliseconds -= passing;
+            now = (now + static_cast<int>(passing)) % day;
+            sent << sendAfter(0);
+        }
+        return sent;
+    };
+    setOutputs("O12");
+    for (const quint32 width : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+        makePulse(width);
+        EXPECT_EQ(write(on), accepted);
+        EXPECT_EQ(sendAfter(0).size(), 1) << width << ": the pulse itself alone";
+        EXPECT_TRUE(passTime(width - 1).isEmpty()) << width;
+        EXPECT_EQ(passTime(1).size(), 1) << width;
+    }
+}
+
 TEST_F(PulseTest, AReleaseIsLabelledStatusWriteAndHasNoReply) {
     setOutputs("O12");
     makePulse(500);

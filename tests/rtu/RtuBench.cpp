@@ -19,8 +19,22 @@ void PrintTo(const SBusRequestItem& item, std::ostream* out) {
          << ", data \"" << toHex(item.data).toStdString() << "\")";
 }
 
+qint64 BenchClock::read() {
+    if (!isSet)
+        return QDateTime::currentMSecsSinceEpoch();
+    ++taken;
+    return next.fetch_add(step);
+}
+
+void BenchClock::set(qint64 firstMs, qint64 stepMs) {
+    isSet = true;
+    next = firstMs;
+    step = stepMs;
+    taken = 0;
+}
+
 CRtu* BenchChannel::CreateRtu(const RemoteTerminalUnit& info) {
-    return new SBusRtu(this, GetCore(), info);
+    return new SBusRtu(this, GetCore(), info, BenchClock::read);
 }
 
 RtuBench::RtuBench()
@@ -29,21 +43,25 @@ RtuBench::RtuBench()
     protocol->setLink(&link);
 }
 
+RtuBench::~RtuBench() {
+    BenchClock::release();
+}
+
 AnalogPoint* RtuBench::addAnalog(unsigned number, const char* address, const char* addressNumber,
                                  Halvex::PointDataType type) {
     AnalogPoint point;
     point.number = number;
     point.dataType = static_cast<unsigned>(type);
-    point.address = QString::fromLatin1(address);
-    point.addressNumber = QString::fromLatin1(addressNumber);
+    point.address = QString::fromUtf8(address);
+    point.addressNumber = QString::fromUtf8(addressNumber);
     return rtu->GetPointList()->AddAnalogPoint(point);
 }
 
 StatusPoint* RtuBench::addStatus(unsigned number, const char* first, const char* second) {
     StatusPoint point;
     point.number = number;
-    point.firstAddress = QString::fromLatin1(first);
-    point.secondAddress = QString::fromLatin1(second);
+    point.firstAddress = QString::fromUtf8(first);
+    point.secondAddress = QString::fromUtf8(second);
     return rtu->GetPointList()->AddStatusPoint(point);
 }
 

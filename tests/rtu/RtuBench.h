@@ -11,12 +11,31 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 // How a telegram prints in a failed test.
 void PrintTo(const SBusRequestItem& item, std::ostream* out);
 
 inline SBusRequestItem readItem(quint32 command, quint32 address, quint32 count) {
     return {command, count, address, {}};
 }
+
+// The clock of the RTUs below: the computer's, until a test sets it. It may be read on any thread.
+class BenchClock {
+public:
+    static qint64 read();
+    // The next reading is `firstMs`, and each one after it `stepMs` later.
+    static void set(qint64 firstMs, qint64 stepMs);
+    static void release() { isSet = false; }
+    // Since it was set.
+    static int readings() { return taken; }
+
+private:
+    static inline std::atomic<bool> isSet{false};
+    static inline std::atomic<qint64> next{0};
+    static inline std::atomic<qint64> step{0};
+    static inline std::atomic<int> taken{0};
+};
 
 // A channel that never runs: its RTUs are turned by the test.
 class BenchChannel final : public CChannel {
@@ -34,6 +53,7 @@ protected:
     static constexpr int rtuId = 3;
 
     RtuBench();
+    ~RtuBench() override;
 
     AnalogPoint* addAnalog(unsigned number, const char* address, const char* addressNumber = "",
                            Halvex::PointDataType type = Halvex::PointDataType::Integer);

@@ -189,6 +189,32 @@ TEST_F(StatusWriteTest, CountsAValueTextThatIsNoWholeNumberAsZero) {
             EXPECT_EQ(byteFor(command, text), "00") << text;
 }
 
+TEST_F(StatusWriteTest, PassesOverBlanksAroundAValueButNotWithinIt) {
+    for (const signed char command : {off, on}) {
+        for (const char* text : {" 7", "7 ", "  7  ", "\t7", "7\n"})
+            EXPECT_EQ(byteFor(command, text), "07") << '"' << text << '"';
+        for (const char* text : {"1 2", "- 1", "7 x"})
+            EXPECT_EQ(byteFor(command, text), "00") << '"' << text << '"';
+    }
+}
+
+TEST_F(StatusWriteTest, TakesAValueOfBlanksForATextThatIsNoNumber) {
+    EXPECT_EQ(byteFor(off, " "), "00");
+    EXPECT_EQ(byteFor(on, " "), "00") << "only an empty text stands for 1";
+}
+
+TEST_F(StatusWriteTest, ReadsTheValueAsDecimalAndSigned) {
+    for (const auto& [text, byte] :
+         {std::pair{"010", "0A"}, std::pair{"0x10", "00"}, std::pair{"+5", "05"}, std::pair{"-1", "FF"},
+          std::pair{"2147483647", "FF"}, std::pair{"2147483648", "00"}, std::pair{"4294967295", "00"}})
+        EXPECT_EQ(byteFor(on, text), byte) << text;
+}
+
+TEST_F(StatusWriteTest, TakesDigitsOfAnotherScriptForElementZero) {
+    setOutputs("O\331\241\331\242"); // the Arabic-Indic digits 1 and 2
+    EXPECT_EQ(telegramOf(on), writeItem(13, 0, 0, hex("01")));
+}
+
 TEST_F(StatusWriteTest, CutsTheSecondValueToEightBitsToo) {
     setOutputs("O12", "", "F13", "258");
     EXPECT_EQ(telegramOf(on), writeItem(11, 13, 0, hex("02")));

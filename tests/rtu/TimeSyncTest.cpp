@@ -94,6 +94,35 @@ TEST_F(TimeSyncTest, SendsTheTimeOfTheCommand) {
     }
 }
 
+// Two readings would be one of the old day and one of the new.
+TEST_F(TimeSyncTest, ReadsTheClockOnce) {
+    const QDateTime lastOfYear(QDate(2023, 12, 31), QTime(23, 59, 59, 999));
+    for (const bool withReply : {false, true}) {
+        auto* reply = withReply ? new CReply(&channel) : nullptr;
+        BenchClock::set(lastOfYear.toMSecsSinceEpoch(), 1'000);
+        EXPECT_EQ(rtu->timeSync(reply), accepted);
+        EXPECT_EQ(BenchClock::readings(), 1);
+        const SentRequest request = sendOnlyRequest();
+        if (reply != nullptr)
+            reply->wait(10'000);
+        ASSERT_EQ(request.items.size(), 1);
+        EXPECT_EQ(toHex(request.items[0].data), "52 07 23 12 31 23 59 59");
+    }
+}
+
+TEST_F(TimeSyncTest, SendsTheComputersTimeUnlessTheRtuIsGivenAnotherClock) {
+    RemoteTerminalUnit info;
+    info.id = 99;
+    SBusRtu plain(&channel, &core, info);
+    plain.attachProtocol(protocol, &releases);
+    const QDateTime before = QDateTime::currentDateTime();
+    EXPECT_EQ(plain.timeSync(nullptr), accepted);
+    const QDateTime after = QDateTime::currentDateTime();
+    const SentRequest request = sendOnlyRequest();
+    ASSERT_EQ(request.items.size(), 1);
+    EXPECT_TRUE(liesBetween(request.items[0].data, before, after));
+}
+
 TEST_F(TimeSyncTest, SendsTheTimeOfTheLocalZone) {
     for (const int minutesEast : {5 * 60 + 45, -(3 * 60 + 30), 14 * 60, 0}) {
         // The sign of a zone's text counts westwards.
