@@ -70,6 +70,13 @@ def processor_seconds(pid):
     return int(fields[11]) / ticks, int(fields[12]) / ticks
 
 
+def good_points(bin_folder, site):
+    """How many points of the running host are good; 0 while it cannot be asked."""
+    reply = subprocess.run([bin_folder / "sbus-host", "ctl", site, "--format", "json", "status"], capture_output=True,
+                           text=True).stdout
+    return sum(int(count) for count in re.findall(r'"good_points":(\d+)', reply))
+
+
 def many_points(bin_folder, points):
     """Loading, checking and the first values of a site with so many points."""
     each = points // (LINES * STATIONS)
@@ -83,19 +90,15 @@ def many_points(bin_folder, points):
         begin = time.monotonic()
         subprocess.run([bin_folder / "sbus-host", "check", site], check=True, stdout=subprocess.DEVNULL)
         checked = time.monotonic() - begin
-        with Simulator(bin_folder, site), (folder / "out").open("w+b") as out:
+        with Simulator(bin_folder, site):
             begin = time.monotonic()
-            host = subprocess.Popen([bin_folder / "sbus-host", "run", site, "--format", "csv"], stdout=out,
-                                    stderr=subprocess.DEVNULL)
-            changes, position = 0, 0
-            with (folder / "out").open("rb") as written:
-                while changes < points + 1 and time.monotonic() - begin < 300:  # and the header
-                    block = written.read(1 << 20)
-                    changes += block.count(b"\n")
-                    if not block:
-                        time.sleep(0.02)
+            host = subprocess.Popen([bin_folder / "sbus-host", "run", site, "--format", "json"],
+                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            good = 0
+            while good < points and time.monotonic() - begin < 120:
+                time.sleep(0.1)
+                good = good_points(bin_folder, site)
             passed = time.monotonic() - begin
-            good = changes - 1
             memory = memory_of(host.pid)
             host.terminate()
             host.wait()
