@@ -16,13 +16,11 @@
 // - On a line with two ends that stays connected when a controller is silent, as serial ones do, each silent
 //   request counts like a channel error, and the third one is to be made one.
 // - A controller is silent when its last request that had the line ended without a byte of an answer. A
-// refusal
-//   or a spoilt answer is a failure, but not silence.
+//   refusal or a spoilt answer is a failure, but not silence.
 // - Each request of a silent controller keeps the others of its line waiting for a whole time-out. It is
-// asked
-//   for its most frequent kind of poll alone, and only after a rest: since a poll was first due after its
-//   last request, that poll's period has passed, and at least the time-out that the request took from the
-//   others.
+//   asked for its most frequent kind of poll alone, and only after a rest: since a poll was first due after
+//   its last request, that poll's period has passed, and at least the time-out that the request took from
+//   the others.
 // - The line fails from the first failed open or channel error until it is open again or the host closes it.
 //
 // One thread at a time.
