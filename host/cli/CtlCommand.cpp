@@ -34,6 +34,11 @@ ExitStatus tellEnd() {
                      ExitStatus::CommunicationFailed);
 }
 
+ExitStatus tellInterruption() {
+    return tellFault("interrupted before the host has replied; it goes on with what it was asked for",
+                     ExitStatus::CommunicationFailed);
+}
+
 QJsonObject parse(const QByteArray& line) {
     return QJsonDocument::fromJson(line).object();
 }
@@ -102,7 +107,7 @@ ExitStatus askRunningHost(const CtlOptions& options) {
         return tellEnd();
     const std::optional<QByteArray> line = client.nextLine(stopsignal::isRequested);
     if (!line)
-        return tellEnd();
+        return stopsignal::isRequested() ? tellInterruption() : tellEnd();
     const QJsonObject reply = parse(*line);
     const bool wantsEvents = std::holds_alternative<WatchRequest>(options.request) ||
                              std::holds_alternative<TraceRequest>(options.request);

@@ -104,8 +104,10 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
         });
     RunServices services(options, format, {site, store, messages, runtime, dispatcher, console});
     fault = services.start();
-    if (!fault.empty())
+    if (!fault.empty()) {
+        dispatcher.stop(); // before the services that it tells results are gone
         return failed(fault);
+    }
     runtime.run();
     waitForTheEnd(options, services.console());
 

@@ -55,9 +55,7 @@ ReadRound ElementReader::read(const Progress& progress) {
     const std::chrono::milliseconds patience = line.timeout + patienceBeyondTimeOut;
     Clock::time_point lastNews = Clock::now();
     std::size_t readBefore = 0;
-    while (!isSettled()) {
-        if (stopsignal::isRequested())
-            return collect(true);
+    while (!isSettled() && !stopsignal::isRequested()) {
         board.waitForNews(lookPeriod);
         if (board.takeFailedOpen())
             giveUpAll(cannotOpenReason(channel()) + lineInUseHint(line));
@@ -72,7 +70,8 @@ ReadRound ElementReader::read(const Progress& progress) {
         readBefore = readNow;
         progress(readNow, board.readings().size());
     }
-    return collect(false);
+    board.finish();
+    return collect(!isSettled());
 }
 
 void ElementReader::begin() {

@@ -12,9 +12,16 @@ void ReadBoard::begin() {
     const std::lock_guard<std::mutex> lock(mutex);
     board.assign(board.size(), Reading());
     elementsRead = 0;
+    isReading = true;
     ends.clear();
     hasFailedToOpen = false;
     hasNews = false;
+}
+
+void ReadBoard::finish() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    isReading = false;
+    ends.clear();
 }
 
 // A number is the point's position in its RTU; the point's id is the place of its element.
@@ -39,6 +46,8 @@ void ReadBoard::publishChannelStatus(int, const ChannelStatus&) {}
 
 void ReadBoard::requestEnded(const RequestEnd& end) {
     const std::lock_guard<std::mutex> lock(mutex);
+    if (!isReading)
+        return;
     ends.push_back(end);
     hasNews = true;
     news.notify_all();

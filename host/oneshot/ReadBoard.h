@@ -26,8 +26,11 @@ public:
     // A site of makeReadSite, which outlives it.
     ReadBoard(const Site& readSite, std::size_t elements);
 
-    // A new reading: nothing is read yet, and no result is there.
+    // A new reading: nothing is read yet, and no result is there. The first one has begun with the board.
     void begin();
+    // The reading is over. Until the next one begins, nobody takes the ends of requests, which the driver
+    // goes on with for as long as a controller is silent: they are not kept.
+    void finish();
 
     void publishPoints(int channelId, int rtuId, const QVector<PointUpdate>& updates) override;
     void publishRtuStatus(int channelId, int rtuId, const RtuStatus& status) override;
@@ -53,6 +56,7 @@ private:
     bool hasNews = false;
     std::vector<Reading> board;
     std::size_t elementsRead = 0;
+    bool isReading = true;
     std::vector<RequestEnd> ends;
     bool hasFailedToOpen = false;
 };

@@ -75,7 +75,7 @@ void LineObserver::endExchange() {
         return;
     if (isWriteTelegram(current.framing, current.sent) &&
         answerTo(current.framing, current.sent, current.received) == Answer::Refused)
-        request.hasRefusedWrite = true;
+        request.refusedWrite = lastExchange();
     if (feed.isWatched())
         feed.publish(lastExchange());
 }

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <thread>
 
 namespace host {
@@ -36,8 +37,9 @@ public:
     // What has passed since the last call of endRequest().
     struct RequestTrace {
         bool hasExchange = false;
-        bool hasRefusedWrite = false; // a controller refused a write, whatever the driver made of it
         bool hasLineFailed = false;
+        // Of a write that the controller refused, whatever the driver made of it.
+        std::optional<Exchange> refusedWrite;
     };
     // The request in progress has ended, and its last exchange with it: lastExchange() is that one until the
     // next telegram.

@@ -21,7 +21,8 @@ struct RequestEnd {
     const Channel* channel = nullptr;
     const Rtu* rtu = nullptr;
     Kind kind = Kind::Answered;
-    // The last telegram and what came back, unless the request was answered or had none.
+    // The write that was refused, else the last telegram, with what came back; none when the request was
+    // answered or had no telegram.
     std::optional<Exchange> exchange;
     bool onSecondary = false; // the end in use
 };

@@ -62,7 +62,9 @@ std::optional<RequestEnd> RequestEnds::endOf(Line& line, Requests& requests, con
     end.rtu = requests.rtu;
     if (line.observer->isOnItsThread()) {
         const LineObserver::RequestTrace trace = line.observer->endRequest();
-        if (trace.hasExchange && (!isAnswered || trace.hasRefusedWrite))
+        if (trace.refusedWrite)
+            end.exchange = trace.refusedWrite;
+        else if (trace.hasExchange && !isAnswered)
             end.exchange = line.observer->lastExchange();
         end.kind = kindOf(trace, isAnswered, end.exchange);
         end.onSecondary = line.observer->onSecondary();
@@ -76,7 +78,7 @@ std::optional<RequestEnd> RequestEnds::endOf(Line& line, Requests& requests, con
 
 RequestEnd::Kind RequestEnds::kindOf(const LineObserver::RequestTrace& trace, bool isAnswered,
                                      const std::optional<Exchange>& last) {
-    if (trace.hasRefusedWrite)
+    if (trace.refusedWrite)
         return Kind::Refused;
     if (isAnswered)
         return Kind::Answered;

@@ -27,8 +27,8 @@ public:
 
     // For people: "control", "capture".
     virtual std::string name() const = 0;
-    // The lines are running. The site outlives the service's end. Empty, or why it cannot start: what
-    // happened and what to check.
+    // The lines are made, and run once every service has started. The site outlives the service's end. Empty,
+    // or why it cannot start: what happened and what to check.
     virtual std::string start(RunningSite& runningSite) = 0;
     // Ends within a second, whatever its other side does. Nothing when it was never started.
     virtual void stop() = 0;

@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLocalServer>
 #include <QLocalSocket>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -193,6 +194,21 @@ TEST_F(ControlledProgram, SaysWhatToStartWhenNoHostRuns) {
     const Ending ending = ctl("status");
     EXPECT_EQ(ending.status, 1);
     EXPECT_THAT(ending.errors, HasSubstr("start one with: sbus-host run " + site.toStdString()));
+}
+
+TEST_F(ControlledProgram, SaysThatItWasInterruptedBeforeTheHostHasReplied) {
+    const QString path = folder.filePath(QStringLiteral("busy.sock"));
+    QLocalServer busyHost;
+    ASSERT_TRUE(busyHost.listen(path));
+    QProcess& client = start({QStringLiteral("ctl"), site, QStringLiteral("write"),
+                              QStringLiteral("tank/LEVEL=1"), QStringLiteral("--control"), path});
+    ASSERT_TRUE(busyHost.waitForNewConnection(patienceMs));
+    QLocalSocket& connection = *busyHost.nextPendingConnection();
+    ASSERT_TRUE(connection.canReadLine() || connection.waitForReadyRead(patienceMs));
+    client.terminate(); // as Ctrl-C does
+    const Ending ending = endOf(client);
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_THAT(ending.errors, HasSubstr("interrupted before the host has replied"));
 }
 
 TEST_F(ControlledProgram, TakesNoCommandsWhenToldSo) {

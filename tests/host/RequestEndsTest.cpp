@@ -1,4 +1,5 @@
 #include "ObservedLine.h"
+#include "runtime/FailureText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -106,7 +107,7 @@ TEST(RequestEnds, KnowsARefusedWriteThatTheDriverTakesForDone) {
     EXPECT_FALSE(line.ends.wasLastRequestRefused(channelId, rtuId));
 }
 
-// A pulse's release writes twice.
+// A pulse's release writes twice. What is told of the refusal is the exchange in which it came.
 TEST(RequestEnds, KnowsARefusalOfAnyWriteOfARequest) {
     const host::Site site = serialSite();
     ObservedLine line(site);
@@ -115,7 +116,25 @@ TEST(RequestEnds, KnowsARefusalOfAnyWriteOfARequest) {
     line.send(switchOn);
     line.receive(positive);
     line.reportAnswer();
-    EXPECT_EQ(line.ended.at(0).kind, Kind::Refused);
+    ASSERT_EQ(line.ended.at(0).kind, Kind::Refused);
+    ASSERT_TRUE(line.ended[0].exchange);
+    EXPECT_EQ(line.ended[0].exchange->answer, host::Answer::Refused);
+    EXPECT_EQ(refusalText(line.ended[0]), "acknowledge code 1");
+}
+
+TEST(RequestEnds, KnowsARefusedWriteBehindWhichTheControllerFellSilent) {
+    const host::Site site = serialSite();
+    ObservedLine line(site);
+    line.send(switchOn);
+    line.receive(negative);
+    line.send(switchOn);
+    line.reportFailure();
+    ASSERT_EQ(line.ended.at(0).kind, Kind::Refused);
+    EXPECT_EQ(refusalText(line.ended[0]), "acknowledge code 1");
+    line.send(switchOn);
+    line.receive(positive);
+    line.reportAnswer();
+    EXPECT_EQ(line.ended.at(1).kind, Kind::Answered);
 }
 
 TEST(RequestEnds, TakesNoAnswerOfOneRequestForThatOfTheNext) {
