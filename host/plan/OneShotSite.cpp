@@ -39,7 +39,6 @@ Point pointOf(std::size_t place, const ElementAddress& address, bool isFloat) {
     point.name = toText(address);
     point.kind = isBitMedia(address.media) ? PointKind::Status : PointKind::Analog;
     point.address = address;
-    point.writtenAddress = point.name;
     point.isFloat = isFloat;
     return point;
 }

@@ -40,8 +40,8 @@ void describePoll(std::ostream& out, const LineForecast& line, const char* name,
 
 void describeShielding(std::ostream& out, const RtuForecast& forecast) {
     for (const Point& point : forecast.rtu->points)
-        if (point.writtenAddress != toText(point.address))
-            out << "    address " << point.writtenAddress << " of \"" << point.name << "\" is taken as "
+        if (point.writtenAddress)
+            out << "    address " << *point.writtenAddress << " of \"" << point.name << "\" is taken as "
                 << toText(point.address) << '\n';
     for (const ElementAddress& hidden : forecast.plan.hidden)
         out << "    hidden point " << toText(hidden)

@@ -25,7 +25,7 @@ std::string toText(const ElementAddress& address) {
 }
 
 ParsedAddress parseElementAddress(const std::string& text) {
-    const std::string remedy =
+    const char* const remedy =
         "write a media letter (I, O, F, R, T or C) and a number from 0 to 65535, such as R200";
     const std::string plain = withoutBlanksInUpperCase(text);
     if (plain.size() < 2 || mediaLetters.find(plain[0]) == std::string::npos ||

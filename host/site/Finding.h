@@ -6,7 +6,13 @@
 
 namespace host {
 
-// A spot in a site file or point table. Line and column count from 1; 0: the file as a whole.
+// A spot within a file. Line and column count from 1; 0: the file as a whole.
+struct Spot {
+    unsigned line = 0;
+    unsigned column = 0;
+};
+
+// A spot in a site file or point table.
 struct Place {
     std::string file;
     unsigned line = 0;

@@ -5,6 +5,8 @@
 #include "LinkUrl.h"
 
 #include <chrono>
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,21 +18,23 @@ namespace host {
 // begin here.
 constexpr unsigned firstHiddenNumber = 0x8000'0000;
 
-enum class PointKind { Status, Analog };
+enum class PointKind : std::uint8_t { Status, Analog };
 
+// There may be a million of them, so the order of the members is the one that takes the least room.
 struct Point {
-    unsigned id = 0; // unique within its RTU, over both kinds
+    unsigned id = 0;      // unique within its RTU, over both kinds
+    unsigned pulseMs = 0; // 0: stays as commanded
     std::string name;
-    PointKind kind = PointKind::Status;
-    ElementAddress address;     // what is read, and what an off command writes
-    std::string writtenAddress; // as it stands in the file
-    bool isFloat = false;
+    ElementAddress address;                      // what is read, and what an off command writes
     std::optional<ElementAddress> secondAddress; // what an on command writes, where it is not `address`
-    std::optional<unsigned> value;               // what goes to `address`
-    std::optional<unsigned> secondValue;         // what goes to `secondAddress`
-    unsigned pulseMs = 0;                        // 0: stays as commanded
-    bool isPolled = true;                        // of a status point; false: it is only commanded
-    Place place;
+    Spot spot;                                   // in its RTU's point file
+    // The address as it stands in the file, where that is not its plain form.
+    std::shared_ptr<const std::string> writtenAddress;
+    std::optional<std::uint8_t> value;       // what goes to `address`
+    std::optional<std::uint8_t> secondValue; // what goes to `secondAddress`
+    PointKind kind = PointKind::Status;
+    bool isFloat = false;
+    bool isPolled = true; // of a status point; false: it is only commanded
 };
 
 enum class TransmitType { Data, Break };
@@ -52,6 +56,7 @@ struct Rtu {
     ScanTimes scan;
     std::optional<std::chrono::milliseconds> timeSync; // how often the clock is set; none: never
     std::vector<Point> points;                         // in the order of the file
+    std::string pointFile;                             // where they stand: a point table or the site file
     Place place;
 };
 

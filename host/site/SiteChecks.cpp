@@ -80,7 +80,7 @@ void findSharedDevices(const Site& site, Findings& findings) {
 void findUnsupervisedPulses(const Rtu& rtu, Findings& findings) {
     for (const Point& point : rtu.points)
         if (isPulse(point) && !isOffCommandItsRelease(point))
-            findings.warning(point.place,
+            findings.warning({rtu.pointFile, point.spot.line, point.spot.column},
                              "an off command does not reset what the pulse of \"" + point.name +
                                  "\" sets, so the host cannot end a pulse whose release gets lost",
                              "leave second_address and value out, or let the controller end the pulse");

@@ -1,5 +1,6 @@
 #include "SiteFile.h"
 
+#include "PointFields.h"
 #include "PointTableFile.h"
 #include "SiteChecks.h"
 #include "TomlTable.h"
@@ -181,6 +182,8 @@ private:
                                   "keep one of the two");
         if (csv)
             readCsvPoints(*csv, rtu);
+        if (!csv)
+            rtu.pointFile = file;
         PointIds ids;
         for (const toml::table* const one : table.tables("point"))
             readInlinePoint(*one, rtu, ids);
@@ -189,6 +192,7 @@ private:
     void readCsvPoints(const Field& csv, Rtu& rtu) {
         const std::filesystem::path directory = std::filesystem::u8path(file).parent_path();
         const std::string path = (directory / std::filesystem::u8path(csv.text)).generic_u8string();
+        rtu.pointFile = path;
         if (const std::optional<std::string> text = readFile(path))
             rtu.points = readPointTable(*text, path, loaded.findings);
         else
@@ -198,13 +202,17 @@ private:
 
     void readInlinePoint(const toml::table& source, Rtu& rtu, PointIds& ids) {
         TomlTable table(source, file, loaded.findings);
-        PointFields fields;
-        for (const std::string& name : pointFieldNames)
-            if (std::optional<Field> field = table.textOrInteger(name))
-                fields.emplace(name, std::move(*field));
+        std::array<Cell, pointFieldCount> cells;
+        PointFields fields{};
+        for (std::size_t i = 0; i < pointFieldCount; ++i)
+            if (const std::optional<Field> field = table.textOrInteger(pointFieldNames[i])) {
+                cells[i] = {field->text, {field->place.line, field->place.column}};
+                fields[i] = &cells[i];
+            }
         table.rejectUnknownKeys();
-        ids.take(fields, table.place(), loaded.findings);
-        if (std::optional<Point> point = readPoint(fields, table.place(), loaded.findings))
+        const PointPlace place{file, {table.place().line, table.place().column}};
+        ids.take(fields, place, loaded.findings);
+        if (std::optional<Point> point = readPoint(fields, place, loaded.findings))
             rtu.points.push_back(std::move(*point));
     }
 

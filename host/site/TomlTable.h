@@ -1,12 +1,20 @@
 #pragma once
 
-#include "PointFields.h"
+#include "Finding.h"
 
 #include <toml++/toml.h>
 
+#include <chrono>
+#include <optional>
 #include <set>
 
 namespace host {
+
+// What a key says, as text, and where.
+struct Field {
+    std::string text;
+    Place place;
+};
 
 // Reads the keys of one table of a site file and tells what is wrong with them. Each key that is asked for is
 // known from then on; the others are told by rejectUnknownKeys(). Lives no longer than the table and the

@@ -262,6 +262,35 @@ TEST_F(Service, TellsAChangeBeforeItsPointWasToldOnlyAsCurrentValue) {
     EXPECT_THAT(sent[1].back(), HasSubstr(R"("name":"RUN","address":"O3","value":1,"quality":"good")"));
 }
 
+// Also when they were not yet passed on when the current values were told.
+TEST_F(Service, TellsJustTheChangesThatTheCurrentValuesDoNotHold) {
+    ask(R"({"do":"watch"})");
+    EXPECT_TRUE(service.tellCurrentValues(1, 3)); // of the first pump-house
+    publish(4, 7, 3, 5);
+    publish(5, 3, 2, 1);
+    EXPECT_FALSE(service.tellCurrentValues(1, 100));
+    publish(5, 3, 2, 0);
+    EXPECT_THAT(changesTold(1), ElementsAre(AllOf(HasSubstr(R"("name":"LEVEL")"), HasSubstr(R"("value":5)")),
+                                            AllOf(HasSubstr(R"("name":"RUN")"), HasSubstr(R"("value":0)"))));
+    publish(5, 3, 2, 1);
+    EXPECT_THAT(changesTold(1), ElementsAre(HasSubstr(R"("name":"RUN")")));
+}
+
+TEST_F(Service, TellsCurrentValuesOnceMoreWhenChangesWereMissed) {
+    ask(R"({"do":"watch","rtus":["waterworks/pump-house"]})");
+    service.tellCurrentValues(1, 100);
+    QVector<PointUpdate> burst;
+    for (std::size_t value = 0; value <= ValueStore::mostKeptChanges; ++value)
+        burst << PointUpdate{true, 2, static_cast<double>(value), {}, PointQuality::Good};
+    fake.store.publishPoints(4, 7, burst);
+    EXPECT_THAT(changesTold(1), IsEmpty());
+    EXPECT_FALSE(service.tellCurrentValues(1, 100));
+    EXPECT_THAT(sent[1], SizeIs(3));
+    EXPECT_THAT(sent[1].back(), HasSubstr(R"("name":"LEVEL","address":"R101","value":262144,)"));
+    publish(4, 7, 3, 7);
+    EXPECT_THAT(changesTold(1), ElementsAre(HasSubstr(R"("value":7)")));
+}
+
 TEST_F(Service, TellsNobodyMoreWhoIsGone) {
     ask(R"({"do":"watch"})");
     service.tellCurrentValues(1, 100);

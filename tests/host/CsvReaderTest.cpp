@@ -11,14 +11,22 @@ namespace {
 
 std::vector<std::string> texts(const CsvRow& row) {
     std::vector<std::string> result;
-    for (const host::Field& cell : row.cells)
+    for (const host::Cell& cell : row.cells)
         result.push_back(cell.text);
     return result;
 }
 
+std::vector<CsvRow> read(const std::string& text, Findings& findings) {
+    host::CsvReader reader(text, "points.csv", findings);
+    std::vector<CsvRow> rows;
+    for (CsvRow row; reader.next(row);)
+        rows.push_back(row);
+    return rows;
+}
+
 std::vector<CsvRow> read(const std::string& text) {
     Findings findings;
-    std::vector<CsvRow> rows = host::readCsv(text, "points.csv", findings);
+    std::vector<CsvRow> rows = read(text, findings);
     EXPECT_TRUE(findings.all().empty());
     return rows;
 }
@@ -33,6 +41,13 @@ TEST(CsvReader, CutsRowsAndCells) {
     EXPECT_THAT(texts(rows[2]), ElementsAre("2"));
 }
 
+// A row is read into the one before.
+TEST(CsvReader, LeavesNothingOfALongerRowInAShorterOne) {
+    const auto rows = read("a,b,ccc\nd,\n,,,\n");
+    EXPECT_THAT(texts(rows[1]), ElementsAre("d", ""));
+    EXPECT_THAT(texts(rows[2]), ElementsAre("", "", "", ""));
+}
+
 TEST(CsvReader, TakesCommasQuotesAndLineEndsInsideQuotes) {
     const auto rows = read("\"a,b\",\"say \"\"on\"\"\",\"two\nlines\" , \" kept \"\n");
     ASSERT_EQ(rows.size(), 1U);
@@ -45,15 +60,15 @@ TEST(CsvReader, PassesOverAByteOrderMark) {
 
 TEST(CsvReader, PlacesCellsByLineAndCharacter) {
     const auto rows = read("id,name\n7,\"Brücke\",x\n");
-    EXPECT_EQ(rows[1].cells[1].place.line, 2U);
-    EXPECT_EQ(rows[1].cells[1].place.column, 3U);
-    EXPECT_EQ(rows[1].cells[2].place.column, 12U);
+    EXPECT_EQ(rows[1].cells[1].spot.line, 2U);
+    EXPECT_EQ(rows[1].cells[1].spot.column, 3U);
+    EXPECT_EQ(rows[1].cells[2].spot.column, 12U);
     EXPECT_EQ(rows[1].end.column, 13U);
 }
 
 TEST(CsvReader, TellsAQuoteWithoutEndAndTextBehindOne) {
     Findings findings;
-    host::readCsv("a,\"b\"c\nd,\"e", "points.csv", findings);
+    read("a,\"b\"c\nd,\"e", findings);
     ASSERT_EQ(findings.all().size(), 2U);
     EXPECT_EQ(toText(findings.all()[0]).substr(0, 39), "points.csv:1:6: error: text behind a cl");
     EXPECT_EQ(toText(findings.all()[1]).substr(0, 39), "points.csv:2:3: error: quote without an");

@@ -21,7 +21,6 @@ void addPoints(host::Rtu& rtu, char media, unsigned first, unsigned count) {
         point.name = "P" + std::to_string(point.id);
         point.kind = host::isBitMedia(media) ? PointKind::Status : PointKind::Analog;
         point.address = {media, first + i};
-        point.writtenAddress = toText(point.address);
         rtu.points.push_back(point);
     }
 }
@@ -115,7 +114,7 @@ TEST(Forecast, TellsHowOftenAClockIsSet) {
 TEST(Forecast, TellsHiddenPointsAndRewrittenAddresses) {
     host::Rtu rtu;
     addPoints(rtu, 'R', 0, 128);
-    rtu.points[7].writtenAddress = "r007";
+    rtu.points[7].writtenAddress = std::make_shared<const std::string>("r007");
     const host::Site site{{lineWith(rtu, LineType::Ethernet)}};
     EXPECT_THAT(describeSite(site), HasSubstr("address r007 of \"P7\" is taken as R7\n"));
     EXPECT_THAT(describeSite(site), HasSubstr("hidden point R128 added"));

@@ -36,7 +36,9 @@ TEST(PointTableFile, ReadsPointsByTheirColumnNames) {
     EXPECT_EQ(toText(table.points[0].address), "I5");
     EXPECT_EQ(table.points[1].name, "FLOW");
     EXPECT_EQ(toText(table.points[1].address), "R10");
-    EXPECT_EQ(table.points[1].writtenAddress, "r010");
+    EXPECT_EQ(*table.points[1].writtenAddress, "r010");
+    EXPECT_EQ(table.points[0].writtenAddress, nullptr); // it is the plain form
+    EXPECT_EQ(table.points[1].spot.line, 3U);
     EXPECT_TRUE(table.points[1].isFloat);
 }
 
