@@ -3,6 +3,8 @@
 #include "StreamWriter.h"
 #include "runtime/ExchangeText.h"
 
+#include <utility>
+
 namespace host {
 
 namespace {
@@ -23,29 +25,43 @@ std::string ConsoleService::start(RunningSite& runningSite) {
     site = &runningSite;
     output = makeOutput(format, console, title, site->values, site->figures);
     if (showsFrames)
-        frames = site->exchanges.watch([this](const Exchange& exchange) {
-            for (const std::string& line : exchangeLines(exchangeAsJson(site->site, exchange)))
-                site->messages.tell(line);
-        });
+        watch = site->exchanges.watch([this](const Exchange& exchange) { frames.add(exchange); });
     thread.start(updatePeriod, [this] { show(); });
     return {};
 }
 
-// Messages wait in their own place while the reader of the error output is busy.
+// Messages and frames wait in their own places while the reader of the error output is busy.
 void ConsoleService::show() {
     if (console.error.isIdle())
-        output->tell(site->messages.take());
+        tellNews();
     if (!output->update())
         closed.store(true, std::memory_order_release);
     lost.store(output->lostChanges(), std::memory_order_release);
 }
 
+void ConsoleService::tellNews() {
+    output->tell(takeFrames());
+    output->tell(site->messages.take());
+}
+
+std::vector<std::string> ConsoleService::takeFrames() {
+    const ExchangeQueue::Taken taken = frames.take();
+    std::vector<std::string> lines;
+    for (const Exchange& exchange : taken.exchanges)
+        for (std::string& line : exchangeLines(exchangeAsJson(site->site, exchange)))
+            lines.push_back(std::move(line));
+    if (taken.lost > 0)
+        lines.push_back(std::to_string(taken.lost) +
+                        " frames were lost: they came faster than they were read");
+    return lines;
+}
+
 void ConsoleService::stop() {
     if (!thread.isRunning())
         return;
-    frames.reset();
+    watch.reset();
     thread.stop();
-    output->tell(site->messages.take());
+    tellNews();
     output->finish();
     lost.store(output->lostChanges(), std::memory_order_release);
 }

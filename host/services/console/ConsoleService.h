@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Output.h"
+#include "runtime/ExchangeQueue.h"
 #include "services/PeriodicThread.h"
 #include "services/RunningSite.h"
 #include "services/Service.h"
@@ -34,6 +35,8 @@ public:
 
 private:
     void show();
+    void tellNews();
+    std::vector<std::string> takeFrames();
 
     Console& console;
     const OutputFormat format;
@@ -41,7 +44,8 @@ private:
     const bool showsFrames;
     RunningSite* site = nullptr; // from start() on
     std::unique_ptr<Output> output;
-    std::unique_ptr<ExchangeFeed::Watch> frames;
+    ExchangeQueue frames; // that the lines' threads have put in
+    std::unique_ptr<ExchangeFeed::Watch> watch;
     std::atomic<bool> closed{false};
     std::atomic<std::uint64_t> lost{0};
 
