@@ -1,5 +1,5 @@
 #include "FuzzInput.h"
-#include "site/PointTable.h"
+#include "site/PointTableFile.h"
 
 // Point tables. What is returned without an error is a point that can be read.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
