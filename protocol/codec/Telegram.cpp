@@ -13,9 +13,8 @@ quint16 checksumAt(const char* bytes) {
 }
 
 // Station and command begin every body.
-QByteArray beginBody(const SBusRequestItem& item, int station, int size) {
+QByteArray beginBody(const SBusRequestItem& item, int station) {
     QByteArray body;
-    body.reserve(size);
     appendBigEndian(body, static_cast<quint8>(station));
     appendBigEndian(body, static_cast<quint8>(item.command));
     return body;
@@ -40,8 +39,7 @@ bool hasValidChecksum(const QByteArray& telegram) {
 }
 
 QByteArray readBody(const SBusRequestItem& item, int station) {
-    constexpr int size = 5;
-    QByteArray body = beginBody(item, station, size);
+    QByteArray body = beginBody(item, station);
     appendBigEndian(body, static_cast<quint8>(item.count));
     appendBigEndian(body, static_cast<quint16>(item.address));
     return body;
@@ -51,8 +49,7 @@ QByteArray readBody(const SBusRequestItem& item, int station) {
 QByteArray writeBody(const SBusRequestItem& item, int station) {
     constexpr int countedBesideBitData = 2;  // address and element count, minus one
     constexpr int countedBesideWordData = 1; // address, minus one
-    constexpr int sizeBesideData = 6;
-    QByteArray body = beginBody(item, station, sizeBesideData + item.data.size());
+    QByteArray body = beginBody(item, station);
     switch (classOf(item.command)) {
     case CommandClass::WriteBits:
         appendBigEndian(body, static_cast<quint8>(item.data.size() + countedBesideBitData));

@@ -190,6 +190,19 @@ TEST(EthernetAnswer, TheAnnouncedLengthIsSignedAndBigEndian) {
     EXPECT_EQ(sbus::ethernet::announcedLength(hex("80 00 00 00")), std::numeric_limits<qint32>::min());
 }
 
+TEST(EthernetAnswer, TheLengthFieldIsNeededForTheAnnouncedLengthAndNothingElse) {
+    const QByteArray telegram = ethernetTelegram(sequence, response, hex("00 00 00 07"));
+    EXPECT_EQ(sbus::ethernet::announcedLength(telegram.left(sbus::ethernet::lengthSize)), 15);
+    EXPECT_EQ(sbus::ethernet::announcedLength(telegram.left(sbus::ethernet::lengthSize - 1)), 0);
+}
+
+TEST(EthernetAnswer, OnlyAnAcknowledgeErrorHasAValue) {
+    const QByteArray good = ethernetTelegram(sequence, response, hex("00 00 00 07"));
+    EXPECT_EQ(checkReadAnswer(good, sequence).value, 0u);
+    EXPECT_EQ(checkReadAnswer(good, sequence + 1).value, 0u);
+    EXPECT_EQ(checkReadAnswer(damaged(good), sequence).value, 0u);
+}
+
 TEST(EthernetAnswer, WithoutItsHeaderAnAnswerIsPayloadAndChecksum) {
     const QByteArray telegram = ethernetTelegram(sequence, response, hex("00 00 00 07"));
     EXPECT_EQ(toHex(sbus::ethernet::withoutHeader(telegram)), toHex(hex("00 00 00 07") + telegram.right(2)));

@@ -64,3 +64,10 @@ TEST(HexDump, ALineThatWasKeptStaysAsItWas) {
     ASSERT_TRUE(dump.next());
     EXPECT_EQ(kept, eighteenZeros);
 }
+
+TEST(HexDump, EachLineEndsWithTheZeroThatEndsAText) {
+    const QByteArray bytes(19, '\x5A');
+    sbus::HexDump dump(bytes.constData(), bytes.size());
+    while (dump.next())
+        EXPECT_EQ(dump.line().constData()[dump.line().size()], QChar(0)) << dump.line().size();
+}

@@ -34,7 +34,8 @@ TEST(MediaTable, EachLetterHasItsCommandsAndItsLimit) {
 }
 
 TEST(MediaTable, AnyOtherTextReadsAsRegistersAndCannotBeWritten) {
-    for (const char* const media : {"", "X", "r", "c", "RR", "C1", "T ", " T", "X12.3"}) {
+    for (const char* const media :
+         {"", "X", "r", "c", "t", "f", "o", "i", "p", "RR", "C1", "T ", " T", "X12.3"}) {
         EXPECT_EQ(sbus::readCommandForMedia(media), 6u) << media;
         EXPECT_EQ(writeCommandOf(media), noCommand) << media;
         EXPECT_EQ(sbus::readLimitForMedia(media), 128) << media;
@@ -45,6 +46,6 @@ TEST(MediaTable, AnAnswerIsPublishedUnderTheLetterOfItsReadCommand) {
     const QStringList letters{"C", "", "F", "I", "", "O", "R", "T"};
     for (int command = 0; command < letters.size(); ++command)
         EXPECT_EQ(sbus::mediaForReadCommand(static_cast<quint32>(command)), letters[command]) << command;
-    for (const quint32 command : {8u, 10u, 11u, 12u, 13u, 14u, 15u, 99u})
+    for (const quint32 command : {8u, 9u, 10u, 11u, 12u, 13u, 14u, 15u, 16u, 99u})
         EXPECT_EQ(sbus::mediaForReadCommand(command), QString()) << command;
 }

@@ -20,7 +20,8 @@ def arguments():
     parser.add_argument("paths", nargs="*", metavar="FOLDER",
                         help=f"one of {', '.join(trial.TESTS)}, or a file in one; all of them if none is given")
     parser.add_argument("--sample", type=int, metavar="COUNT",
-                        help="only so many mutants, by chance; a survivor that is not listed fails the run")
+                        help=f"only so many mutants, by chance; more than {results.SAMPLE_ALLOWANCE} survivors that are "
+                             "not listed fail the run")
     parser.add_argument("--seed", default="", metavar="TEXT", help="the sample that is drawn")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), metavar="COUNT", help="mutants at a time")
     parser.add_argument("--list", action="store_true", help="print the mutants, build and run nothing")
@@ -121,7 +122,11 @@ def run_sample(run, mutants, count, seed):
             print(f"{verdict.outcome:16}{verdict.seconds:5.1f} s  {verdict.mutant.file}:{verdict.mutant.line}: "
                   f"{verdict.mutant.change}", flush=True)
             count -= verdict.outcome in (trial.KILLED, trial.SURVIVED)
-    return all(verdict.outcome != trial.SURVIVED for verdict in tried)
+    survivors = results.unlisted_survivors(tried)
+    print(f"{len(survivors)} survived that are not listed; up to {results.SAMPLE_ALLOWANCE} may")
+    for survivor in survivors:
+        print(f"    {survivor.mutant.file}:{survivor.mutant.line}: {survivor.mutant.change}")
+    return len(survivors) <= results.SAMPLE_ALLOWANCE
 
 
 def main():

@@ -180,6 +180,13 @@ class Results(unittest.TestCase):
         self.assertIn("| `channel` | 1 | 0 | 0.0% |", both)
         self.assertIn("- `channel/File.cpp`, ``a();``: statement dropped. Not listed.\n", both)
 
+    def test_OnlySurvivorsThatAreNotListedCountInASample(self):
+        listed = accepted.Accepted("", "", "", "why", False)
+        unlisted = verdict(trial.SURVIVED)
+        self.assertEqual(results.unlisted_survivors([verdict(trial.KILLED), unlisted, verdict(trial.SURVIVED, listed),
+                                                     verdict(trial.NOT_COMPILED), verdict(trial.SAME_CODE)]),
+                         [unlisted])
+
     def test_AShareIsNeverRoundedUp(self):
         self.assertEqual(results.shown_share(0.9499), "94.9%")
 

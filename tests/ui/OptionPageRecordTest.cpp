@@ -104,12 +104,14 @@ TEST_F(OptionPageRecord, AStationThatIsNoNumberIsZero) {
     expectRecord(scan, "0", "1", "10");
 }
 
-TEST_F(OptionPageRecord, ATransmitTypeThatIsNoNumberIsDataMode) {
-    EScan scan = record("1", "break", "50");
-    page.loadScan(&scan);
-    EXPECT_EQ(mode->currentIndex(), 0);
-    EXPECT_FALSE(delay->isEnabled());
-    EXPECT_EQ(scan.transmitType, QStringLiteral("break"));
+TEST_F(OptionPageRecord, ATransmitTypeThatIsNoDecimalNumberIsDataMode) {
+    for (const char* text : {"break", "A"}) {
+        EScan scan = record("1", text, "50");
+        page.loadScan(&scan);
+        EXPECT_EQ(mode->currentIndex(), 0) << text;
+        EXPECT_FALSE(delay->isEnabled()) << text;
+        EXPECT_EQ(scan.transmitType, QString::fromLatin1(text));
+    }
 }
 
 TEST_F(OptionPageRecord, AnEmptyTransmitTypeIsDataMode) {
