@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
@@ -51,6 +52,16 @@ protected:
                    QByteArray::number(simulator.port(lineId)) + "\"\n";
         return "type = \"SBus-Serial\"\nprimary = \"serial:" +
                QByteArray::fromStdString(simulator.device(lineId)) + "?baud=19200\"\n";
+    }
+
+    QString link() const {
+        return GetParam() == LineType::Ethernet
+                   ? QStringLiteral("udp://127.0.0.1:%1").arg(simulator.port(lineId))
+                   : QStringLiteral("serial:%1?baud=19200")
+                         .arg(QString::fromStdString(simulator.device(lineId)));
+    }
+    static QString mode() {
+        return GetParam() == LineType::SerialBreakMode ? QStringLiteral("break") : QStringLiteral("data");
     }
 
     void start(QProcess& program, const QStringList& arguments) const {
@@ -111,6 +122,25 @@ TEST_P(TrafficProgram, CapturesEveryTelegramOfARunForWireshark) {
         EXPECT_EQ(datagrams[i], number + " station 5: Read register(s) (0x06), 1 from 10");
         EXPECT_EQ(datagrams[i + 1], number + " response: 00 00 04 D2");
     }
+}
+
+// The line is opened anew to read back.
+TEST_P(TrafficProgram, CapturesWhatIsWrittenAndReadBackWithoutASiteFile) {
+    const QString capture = file("line.pcap");
+    QProcess host;
+    start(host, {QStringLiteral("write"), link(), QStringLiteral("--station"), QString::number(station),
+                 QStringLiteral("--mode"), mode(), QStringLiteral("R10=5"), QStringLiteral("--verify"),
+                 QStringLiteral("--capture"), capture});
+    ASSERT_TRUE(host.waitForFinished(patienceMs));
+    EXPECT_EQ(host.exitCode(), 0) << host.readAllStandardError().toStdString();
+
+    const QStringList datagrams = dissectFile(capture);
+    const int written =
+        datagrams.indexOf(QRegularExpression(QStringLiteral(".*Write register.*1 from 10.*")));
+    ASSERT_GE(written, 0) << datagrams.join(QLatin1Char('\n')).toStdString();
+    EXPECT_THAT(datagrams.value(written + 1).toStdString(), HasSubstr("acknowledge: ACK"));
+    EXPECT_THAT(datagrams.value(written + 2).toStdString(), HasSubstr("Read register(s) (0x06), 1 from 10"));
+    EXPECT_THAT(datagrams.value(written + 3).toStdString(), HasSubstr("response: 00 00 00 05"));
 }
 
 TEST_P(TrafficProgram, ShowsARunningHostsExchangesInWords) {
