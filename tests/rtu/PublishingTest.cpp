@@ -1,39 +1,11 @@
+#include "PublishingTest.h"
 #include "LogRecorder.h"
-#include "PutCallRecorder.h"
-#include "RtuBench.h"
 
 #include <QDateTime>
-
-#include <cmath>
 
 using Halvex::PointDataType;
 
 namespace {
-
-class PublishingTest : public RtuBench {
-protected:
-    void publishStatus(quint32 start, const char* media, const QList<quint8>& values) {
-        rtu->publishStatusValues(start, QString::fromLatin1(media), values);
-    }
-    // Each value as the eight hex digits of its word.
-    void publishAnalog(quint32 start, const char* media, const QList<quint32>& words) {
-        QList<int> values;
-        for (quint32 word : words)
-            values << static_cast<int>(word);
-        rtu->publishAnalogValues(start, QString::fromLatin1(media), values);
-    }
-    // What a point of `type` at element 1 of `media` is given for `word`.
-    double converted(const char* media, quint32 word, PointDataType type) {
-        rtu->GetPointList()->Clear();
-        addAnalog(1, qPrintable(QString::fromLatin1(media) + QLatin1Char('1')), "", type);
-        rtu->InitRtu();
-        PutCallRecorder puts(rtu);
-        publishAnalog(1, media, {word});
-        EXPECT_EQ(puts.analog.size(), 1u);
-        return puts.analog.empty() ? std::nan("") : puts.analog[0].value;
-    }
-    double convertedFloat(quint32 word) { return converted("R", word, PointDataType::Float); }
-};
 
 using StatusPuts = std::vector<StatusPut>;
 using AnalogPuts = std::vector<AnalogPut>;
@@ -393,58 +365,6 @@ TEST_F(PublishingTest, NeverReachesAPointWhoseAddressDidNotMatch) {
     publishAnalog(0, "R", {1});
     publishAnalog(200, "R", {1});
     EXPECT_TRUE(puts.remarks.empty());
-}
-
-TEST_F(PublishingTest, ReadsATimerAsUnsigned) {
-    EXPECT_EQ(converted("T", 0xFFFFFFFF, PointDataType::Integer), 4294967295.0);
-    EXPECT_EQ(converted("T", 250, PointDataType::Integer), 250);
-}
-
-TEST_F(PublishingTest, ReadsACounterAsSigned) {
-    EXPECT_EQ(converted("C", 0xFFFFFFFF, PointDataType::Integer), -1);
-    EXPECT_EQ(converted("C", 0x7FFFFFFF, PointDataType::Integer), 2147483647);
-}
-
-TEST_F(PublishingTest, ReadsARegisterOfAnyOtherFormatAsSigned) {
-    EXPECT_EQ(converted("R", 0xFFFFFFFE, PointDataType::Integer), -2);
-    EXPECT_EQ(converted("R", 0x80000041, PointDataType::Integer), -2147483583);
-    EXPECT_EQ(converted("R", 0x80000041, static_cast<PointDataType>(13)), -2147483583);
-    EXPECT_EQ(converted("R", 0x80000041, static_cast<PointDataType>(15)), -2147483583);
-}
-
-TEST_F(PublishingTest, ReadsAFloatFormatOnRegistersAlone) {
-    EXPECT_EQ(converted("T", 0x80000041, PointDataType::Float), 2147483713.0);
-    EXPECT_EQ(converted("C", 0x80000041, PointDataType::Float), -2147483583);
-}
-
-TEST_F(PublishingTest, DecodesTheControllersFloat) {
-    EXPECT_EQ(convertedFloat(0x80000041), 1.0);
-    EXPECT_EQ(convertedFloat(0x800000C1), -1.0);
-    EXPECT_EQ(convertedFloat(0xC0000042), 3.0);
-    EXPECT_EQ(convertedFloat(0xC00000C2), -3.0);
-    EXPECT_EQ(convertedFloat(0x80000040), 0.5);
-    EXPECT_EQ(convertedFloat(0xA0000044), 10.0);
-}
-
-TEST_F(PublishingTest, DecodesAZeroWordAsZero) {
-    EXPECT_EQ(convertedFloat(0), 0.0);
-}
-
-TEST_F(PublishingTest, DecodesAMantissaOfZeroAsZeroWhateverTheExponent) {
-    EXPECT_EQ(convertedFloat(0x0000007F), 0.0);
-    EXPECT_EQ(convertedFloat(0x000000C1), 0.0);
-}
-
-TEST_F(PublishingTest, DecodesAnUnnormalisedMantissaAsItStands) {
-    EXPECT_EQ(convertedFloat(0x40000041), 0.5);
-    EXPECT_EQ(convertedFloat(0x00000158), 1.0); // the lowest bit of the mantissa: 2^-24 * 2^24
-}
-
-TEST_F(PublishingTest, DecodesTheWidestAndTheNarrowestFloat) {
-    EXPECT_EQ(convertedFloat(0xFFFFFF7F), std::ldexp(16777215.0, 63 - 24));
-    EXPECT_EQ(convertedFloat(0xFFFFFFFF), -std::ldexp(16777215.0, 63 - 24));
-    EXPECT_EQ(convertedFloat(0x80000000), std::ldexp(1.0, -65));
-    EXPECT_EQ(convertedFloat(0x00000100), std::ldexp(1.0, -24 - 64));
 }
 
 TEST_F(PublishingTest, WaitsForTheEndOfTheRequestBeforeTheHostSeesValues) {
