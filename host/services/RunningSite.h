@@ -13,10 +13,10 @@ namespace host {
 // A site at work, as its services see it. Any thread may use all of it while the services run.
 struct RunningSite {
     const Site& site;
-    ValueStore& values;      // points, their states, the changes of them
-    ExchangeFeed& exchanges; // every telegram and its answer
-    CommandTaker& commands;  // each gets exactly one result
-    Messages& messages;      // for people
+    const ValueStore& values; // points, their states, the changes of them
+    ExchangeFeed& exchanges;  // every telegram and its answer
+    CommandTaker& commands;   // each gets exactly one result
+    Messages& messages;       // for people
     std::function<SiteFigures()> figures;
     // Asks an RTU for an integrity poll. The result tells only whether the driver took the wish over.
     std::function<Halvex::DriverErrorResult(int channelId, int rtuId)> requestPoll;
