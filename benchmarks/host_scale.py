@@ -6,6 +6,7 @@ host_scale.py BUILD_FOLDER [POINTS]
 Prints the rows of a table; measure.py puts them into RESULTS.md.
 """
 
+import fcntl
 import os
 import pathlib
 import re
@@ -17,6 +18,7 @@ import time
 LINES = 16
 STATIONS = 4  # on each line, for the many points
 REGISTERS = 16_384  # that a controller has at the most
+PIPE_BYTES = 1 << 20  # what an ordinary user may have; a reader in Python comes late now and then
 
 
 class Simulator:
@@ -125,25 +127,22 @@ def many_changes(bin_folder, output_format, seconds=10):
         with Simulator(bin_folder, site, "--move"), (folder / "errors").open("w+") as errors:
             host = subprocess.Popen([bin_folder / "sbus-host", "run", site, "--format", output_format],
                                     stdout=subprocess.PIPE, stderr=errors)
-            os.set_blocking(host.stdout.fileno(), False)
+            out = host.stdout.fileno()
+            fcntl.fcntl(out, fcntl.F_SETPIPE_SZ, PIPE_BYTES)
             changes = 0
 
             def read(until):
                 nonlocal changes
                 while time.monotonic() < until:
-                    block = host.stdout.read(1 << 20)
-                    if block:
-                        changes += block.count(b"\n")
-                    else:
-                        time.sleep(0.002)
+                    changes += os.read(out, PIPE_BYTES).count(b"\n")
 
             read(time.monotonic() + 3)  # the first values
             changes, before, begin = 0, processor_seconds(host.pid), time.monotonic()
             read(begin + seconds)
             after, passed, counted = processor_seconds(host.pid), time.monotonic() - begin, changes
             host.terminate()
-            os.set_blocking(host.stdout.fileno(), True)
-            host.stdout.read()
+            while os.read(out, PIPE_BYTES):
+                pass
             host.wait()
             errors.seek(0)
             lost = re.search(r"(\d+) changes were lost", errors.read())
