@@ -21,7 +21,7 @@ struct CsvRow {
 };
 
 // Cuts a text into rows. Cells may stand in double quotes, with a quote inside written twice; blanks around
-// a cell do not count; empty lines and a byte-order mark are passed over. Text, file and findings outlive it.
+// a cell do not count; empty lines and a byte-order mark are passed over. Text and findings outlive it.
 class CsvReader {
 public:
     CsvReader(const std::string& csvText, const std::string& csvFile, Findings& foundSoFar);
@@ -43,7 +43,7 @@ private:
     void refuse(const Spot& at, const std::string& what);
 
     const std::string& text;
-    const std::string& file;
+    const std::string file;
     Findings& findings;
     std::size_t position = 0;
     Spot spot{1, 1};

@@ -1,3 +1,4 @@
+#include "CrashReport.h"
 #ifdef SBUS_SANITIZED
 #include "ProgramReports.h"
 #endif
@@ -6,6 +7,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+void takeCrashReport() {
+#ifdef SBUS_SANITIZED
+    ProgramReports::take();
+#endif
+}
 
 // One application object serves every test: option pages and translators need it.
 int main(int argc, char** argv) {

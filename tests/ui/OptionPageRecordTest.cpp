@@ -1,3 +1,4 @@
+#include "CrashReport.h"
 #include "OptionPage.h"
 
 #include <QEvent>
@@ -300,10 +301,12 @@ TEST_F(OptionPageRecord, TheStationSlotDoesNothingBeforeARecordIsLoaded) {
 
 TEST_F(OptionPageDeathTest, TheModeSlotNeedsARecord) {
     EXPECT_DEATH(page.transmitTypeChanged(1), "");
+    takeCrashReport();
 }
 
 TEST_F(OptionPageDeathTest, TheValueSlotNeedsARecord) {
     EXPECT_DEATH(page.valueChanged(1), "");
+    takeCrashReport();
 }
 
 TEST_F(OptionPageRecord, TheDelaySlotDoesNothing) {
