@@ -19,7 +19,8 @@ void observesAnExchange(benchmark::State& state) {
     host::LineObserver line(channel, feed, [](bool, int) {});
     LinkObserver& end = line.primaryEnd();
     end.linkOpened(0);
-    // Length, version, protocol type, sequence number, attribute, station 5, read registers, 127 from 0, checksum.
+    // Length, version, protocol type, sequence number, attribute, station 5, read registers, 127 from 0,
+    // checksum.
     const std::array<char, 16> request{0, 0, 0, 16, 1, 0, 0, 0, 0, 5, 6, 126, 0, 0, 0, 0};
     const std::array<char, answerBytes> answer{};
     const auto now = LinkObserver::Clock::now();

@@ -124,8 +124,9 @@ TEST_F(Program, KeepsTheSummaryOutOfMachineReadableOutput) {
 TEST_F(Program, ShowsTheFramesThatItSends) {
     const Ending ending = run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"),
                                QStringLiteral("1s"), QStringLiteral("--frames")});
-    EXPECT_THAT(ending.errors,
-                HasSubstr("channel-1, station 1  << read R1\n    00 00 00 10 01 00 00 00 00 01 06 00 00 01 "));
+    EXPECT_THAT(
+        ending.errors,
+        HasSubstr("channel-1, station 1  << read R1\n    00 00 00 10 01 00 00 00 00 01 06 00 00 01 "));
 }
 
 TEST_F(Program, EndsInOrderOnATerminationSignal) {

@@ -70,9 +70,8 @@ TEST_P(ReadOnEveryLine, EndsWithOneWhenTheStationDoesNotAnswer) {
     const Ending ending = run("read LINK R0..4999 --station 9 --timeout 100ms");
     EXPECT_EQ(ending.status, 1);
     EXPECT_EQ(ending.output, "");
-    EXPECT_THAT(ending.errors,
-                AllOf(HasSubstr(plainLink + ", station 9, R0..126, R127..253"),
-                      HasSubstr("no answer within 100 ms"), HasSubstr("station number 9")));
+    EXPECT_THAT(ending.errors, AllOf(HasSubstr(plainLink + ", station 9, R0..126, R127..253"),
+                                     HasSubstr("no answer within 100 ms"), HasSubstr("station number 9")));
     EXPECT_EQ(lineCount(ending.errors), 1U);
     // Of 40 telegrams, each of which would be tried three times.
     EXPECT_LT(simulator.counts(lineId).foreignStations, 40U);

@@ -121,8 +121,8 @@ void CLinkSerial::close() {
 
 int CLinkSerial::send(const char* data, int length, int timeoutMs) {
     return noteResult(port->use([&](asio::serial_port& device) {
-        asio::error_code error = port->discard(
-            device, [this](const char* bytes, int count) { noteDiscarded(bytes, count); });
+        asio::error_code error =
+            port->discard(device, [this](const char* bytes, int count) { noteDiscarded(bytes, count); });
         if (error || length <= 0)
             return error;
         const asio::const_buffer telegram(data, static_cast<std::size_t>(length));
