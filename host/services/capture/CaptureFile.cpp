@@ -49,7 +49,7 @@ fs::path CaptureFile::pathOf(unsigned number) const {
 }
 
 std::string CaptureFile::begin() {
-    const std::string inTheWay = whatIsInTheWay();
+    std::string inTheWay = whatIsInTheWay();
     if (!inTheWay.empty())
         return inTheWay;
     if (!moveOn())
