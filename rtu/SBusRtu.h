@@ -16,7 +16,8 @@ class SBusProtocolBase;
 
 namespace sbus {
 class PointIndex;
-}
+class WordReader;
+} // namespace sbus
 
 // One Saia PCD station. Keeps the three polls ready, hands copies of them to the channel's engine when the
 // host asks, puts the values that come back into the host's points, and makes requests of its commands.
@@ -62,7 +63,7 @@ private:
     SBusRequest requestOf(const QString& name, const QList<SBusRequestItem>& items);
     void submitCommand(const QString& name, const QList<SBusRequestItem>& items, CReply* reply);
     void putStatus(unsigned pointNumber, quint32 element, char value);
-    void putAnalog(unsigned pointNumber, const QString& media, quint32 word);
+    void putAnalog(unsigned pointNumber, const sbus::WordReader& reader, quint32 word);
     void schedulePulseRelease(const StatusPoint& point, const SBusRequestItem& switchOn);
     // Null for a kind that is no poll. The `rtu` of a poll that was never built is null.
     const SBusRequest* preparedPollOf(int kind) const;

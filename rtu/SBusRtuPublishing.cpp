@@ -7,13 +7,11 @@
 #include "PointIndex.h"
 
 void SBusRtu::publishStatusValues(quint32 start, const QString& media, const QList<quint8>& bits) {
-    sbus::PointIndex::Walk walk = statusIndex->from(media, start);
-    quint32 element = start;
-    for (const quint8 bit : bits) {
-        for (const sbus::PointIndex::Entry& entry : walk.next())
-            putStatus(entry.pointNumber, element, static_cast<char>(bit));
-        ++element;
-    }
+    const auto put = [&](const sbus::PointIndex::Entry& entry) {
+        const quint8 bit = bits.at(static_cast<int>(entry.element - start));
+        putStatus(entry.pointNumber, entry.element, static_cast<char>(bit));
+    };
+    statusIndex->forEach(media, start, static_cast<quint32>(bits.size()), put);
 }
 
 // Only the numbers of the addresses are compared, not their media. A point is found by its first address
@@ -29,16 +27,18 @@ void SBusRtu::putStatus(unsigned pointNumber, quint32 element, char value) {
 }
 
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
-    sbus::PointIndex::Walk walk = analogIndex->from(media, start);
-    for (const int word : words)
-        for (const sbus::PointIndex::Entry& entry : walk.next())
-            putAnalog(entry.pointNumber, media, static_cast<quint32>(word));
+    const sbus::WordReader reader(media);
+    const auto put = [&](const sbus::PointIndex::Entry& entry) {
+        const int word = words.at(static_cast<int>(entry.element - start));
+        putAnalog(entry.pointNumber, reader, static_cast<quint32>(word));
+    };
+    analogIndex->forEach(media, start, static_cast<quint32>(words.size()), put);
 }
 
-void SBusRtu::putAnalog(unsigned pointNumber, const QString& media, quint32 word) {
+void SBusRtu::putAnalog(unsigned pointNumber, const sbus::WordReader& reader, quint32 word) {
     const AnalogPoint* const point = GetPointList()->GetAnalogPoint(pointNumber);
     if (point == nullptr)
         return;
-    const double value = sbus::readValue(media, point->dataType, word);
+    const double value = reader.value(point->dataType, word);
     PutAnalogPoint(false, pointNumber, value, 0, stamp.now());
 }

@@ -1,9 +1,6 @@
 #include "AnalogValues.h"
 
 #include "BigEndian.h"
-#include "SaiaFloat.h"
-
-#include <HalvexDriverComponent/Halvex.h>
 
 #include <limits>
 
@@ -14,11 +11,15 @@ bool isLetter(const QString& media, char letter) {
     return media.size() == 1 && media.at(0) == QLatin1Char(letter);
 }
 
-bool isFloatRegister(const QString& media, unsigned dataType) {
-    return dataType == static_cast<unsigned>(Halvex::PointDataType::Float) && isLetter(media, 'R');
+bool isRegisterMedia(const QString& media) {
+    return isLetter(media, 'R');
 }
 
-bool isTimer(const QString& media) {
+bool isFloatRegister(const QString& media, unsigned dataType) {
+    return dataType == floatDataType && isRegisterMedia(media);
+}
+
+bool isTimerMedia(const QString& media) {
     return isLetter(media, 'T');
 }
 
@@ -38,20 +39,15 @@ QByteArray bigEndian(Number number) {
 }
 
 QByteArray integerData(const QString& media, double value) {
-    if (isTimer(media))
+    if (isTimerMedia(media))
         return bigEndian(static_cast<quint32>(truncated<qint64>(value)));
     return bigEndian(truncated<qint32>(value));
 }
 
 } // namespace
 
-double readValue(const QString& media, unsigned dataType, quint32 word) {
-    if (isFloatRegister(media, dataType))
-        return decodeSaiaFloat(word);
-    if (isTimer(media))
-        return word;
-    return static_cast<qint32>(word);
-}
+WordReader::WordReader(const QString& media)
+    : isRegister(isRegisterMedia(media)), isTimer(isTimerMedia(media)) {}
 
 QByteArray singleWriteData(const QString& media, unsigned dataType, double value) {
     return isFloatRegister(media, dataType) ? bigEndian(encodeSaiaFloat(value)) : integerData(media, value);

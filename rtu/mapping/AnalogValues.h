@@ -1,5 +1,9 @@
 #pragma once
 
+#include "SaiaFloat.h"
+
+#include <HalvexDriverComponent/Halvex.h>
+
 #include <QByteArray>
 #include <QString>
 
@@ -7,8 +11,24 @@
 // point of a register whose data type is Float is a float register.
 namespace sbus {
 
-// A word as it was read: timers unsigned, float registers in the controller's own format, all else signed.
-double readValue(const QString& media, unsigned dataType, quint32 word);
+constexpr auto floatDataType = static_cast<unsigned>(Halvex::PointDataType::Float);
+
+// Words as they were read from elements of one media: timers unsigned, float registers in the controller's
+// own format, all else signed. What depends on the media alone is looked at once for all words of a telegram.
+class WordReader {
+public:
+    explicit WordReader(const QString& media);
+
+    double value(unsigned dataType, quint32 word) const {
+        if (dataType == floatDataType && isRegister)
+            return decodeSaiaFloat(word);
+        return isTimer ? static_cast<double>(word) : static_cast<double>(static_cast<qint32>(word));
+    }
+
+private:
+    const bool isRegister;
+    const bool isTimer;
+};
 
 // What a single set point writes, in four bytes: timers unsigned, float registers in the controller's own
 // format, all else signed. Cut toward zero; what a signed number cannot hold becomes 0x80000000.

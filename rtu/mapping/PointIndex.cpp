@@ -16,10 +16,6 @@ int mediaLength(const QString& key) {
 
 } // namespace
 
-PointIndex::Walk::Walk(const QVector<Entry>& entries, quint32 firstElement)
-    : all{entries.cbegin(), entries.cend()}, element(firstElement),
-      at(std::lower_bound(all.first, all.behindLast, firstElement, isBefore)) {}
-
 void PointIndex::add(const QString& key, unsigned pointNumber) {
     const int media = mediaLength(key);
     const QString number = key.mid(media);
@@ -36,10 +32,13 @@ void PointIndex::complete() {
     }
 }
 
-PointIndex::Walk PointIndex::from(const QString& media, quint32 element) const {
-    static const QVector<Entry> none;
-    const auto entries = entriesByMedia.constFind(media);
-    return {entries == entriesByMedia.cend() ? none : entries.value(), element};
+PointIndex::Entries PointIndex::entriesOf(const QString& media, quint32 element) const {
+    const auto found = entriesByMedia.constFind(media);
+    if (found == entriesByMedia.cend())
+        return {nullptr, nullptr, nullptr};
+    const QVector<Entry>& entries = found.value();
+    return {entries.cbegin(), std::lower_bound(entries.cbegin(), entries.cend(), element, isBefore),
+            entries.cend()};
 }
 
 } // namespace sbus

@@ -21,45 +21,33 @@ public:
         unsigned pointNumber;
     };
 
-    // The entries of one element, in the order in which they were added.
-    struct Entries {
-        const Entry* first;
-        const Entry* behindLast;
-
-        const Entry* begin() const { return first; }
-        const Entry* end() const { return behindLast; }
-    };
-
-    // Goes from element to element. The one behind the highest 32-bit number is 0. The index must outlive it.
-    class Walk {
-    public:
-        // The entries of the element that is next.
-        Entries next() {
-            if (element == 0)
-                at = all.first;
-            const Entry* const first = at;
-            while (at != all.behindLast && at->element == element)
-                ++at;
-            ++element;
-            return {first, at};
-        }
-
-    private:
-        friend class PointIndex;
-        Walk(const QVector<Entry>& entries, quint32 firstElement);
-
-        Entries all; // of the media
-        quint32 element;
-        const Entry* at;
-    };
-
     void add(const QString& key, unsigned pointNumber);
-    // After the last add(), before the first walk.
+    // After the last add().
     void complete();
+
+    // Calls `function` with each entry of `count` elements from `first` on: element by element, and those of
+    // one element in the order in which they were added. The element behind the highest 32-bit number is 0.
     // `media` ends in no digit.
-    Walk from(const QString& media, quint32 element) const;
+    template <typename Function>
+    void forEach(const QString& media, quint32 first, quint32 count, Function function) const {
+        const Entries entries = entriesOf(media, first);
+        const auto callWhileInRange = [&](const Entry* at, const Entry* end) {
+            for (; at != end && at->element - first < count; ++at)
+                function(*at);
+        };
+        callWhileInRange(entries.first, entries.behindHighest);
+        callWhileInRange(entries.lowest, entries.first);
+    }
 
 private:
+    // The entries of one media, and in them the first one of an element or behind it.
+    struct Entries {
+        const Entry* lowest;
+        const Entry* first;
+        const Entry* behindHighest;
+    };
+    Entries entriesOf(const QString& media, quint32 element) const;
+
     QMap<QString, QVector<Entry>> entriesByMedia;
 };
 

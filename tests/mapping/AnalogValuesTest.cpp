@@ -15,7 +15,7 @@ constexpr auto integer = static_cast<unsigned>(Halvex::PointDataType::Integer);
 constexpr auto floating = static_cast<unsigned>(Halvex::PointDataType::Float);
 
 double read(const char* media, unsigned dataType, quint32 word) {
-    return sbus::readValue(QString::fromLatin1(media), dataType, word);
+    return sbus::WordReader(QString::fromLatin1(media)).value(dataType, word);
 }
 
 QByteArray single(const char* media, unsigned dataType, double value) {

@@ -23,16 +23,21 @@ sbus::PointIndex indexOf(std::initializer_list<Keyed> points) {
     return index;
 }
 
-// What was found for each element: "1 2" for the points 1 and 2, "-" for none.
+// What was found for each element: "1 2" for the points 1 and 2, "-" for none. Fails where the elements do
+// not come in their order.
 QStringList found(const sbus::PointIndex& index, const char* media, quint32 first, int count) {
+    QVector<QStringList> numbers(count);
+    quint32 latest = 0;
+    index.forEach(QString::fromLatin1(media), first, static_cast<quint32>(count),
+                  [&](const sbus::PointIndex::Entry& entry) {
+                      const quint32 place = entry.element - first;
+                      EXPECT_GE(place, latest) << "element " << entry.element;
+                      latest = place;
+                      numbers[static_cast<int>(place)] << QString::number(entry.pointNumber);
+                  });
     QStringList texts;
-    sbus::PointIndex::Walk walk = index.from(QString::fromLatin1(media), first);
-    for (int i = 0; i < count; ++i) {
-        QStringList numbers;
-        for (const sbus::PointIndex::Entry& entry : walk.next())
-            numbers << QString::number(entry.pointNumber);
-        texts << (numbers.isEmpty() ? QStringLiteral("-") : numbers.join(QLatin1Char(' ')));
-    }
+    for (const QStringList& ofElement : numbers)
+        texts << (ofElement.isEmpty() ? QStringLiteral("-") : ofElement.join(QLatin1Char(' ')));
     return texts;
 }
 
@@ -93,6 +98,15 @@ TEST(PointIndex, FindsTheHighestNumbersAndGoesOnAtZero) {
     const auto index = indexOf({{"R4294967295", 1}, {"R0", 2}, {"R1", 3}, {"R2147483648", 4}});
     EXPECT_EQ(found(index, "R", 4'294'967'294u, 4), QStringList({"-", "1", "2", "3"}));
     EXPECT_EQ(found(index, "R", 2'147'483'647u, 3), QStringList({"-", "4", "-"}));
+}
+
+TEST(PointIndex, FindsEachEntryOnceAmongAllElements) {
+    const auto index = indexOf({{"R5", 1}, {"R7", 2}});
+    QStringList numbers;
+    index.forEach(QStringLiteral("R"), 6, 4'294'967'295u, [&](const sbus::PointIndex::Entry& entry) {
+        numbers << QString::number(entry.pointNumber);
+    });
+    EXPECT_EQ(numbers, QStringList({"2"})) << "element 5 is the one that is left out";
 }
 
 TEST(PointIndex, FindsTheSameAgain) {

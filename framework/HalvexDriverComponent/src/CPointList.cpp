@@ -1,48 +1,6 @@
 #include <HalvexDriverComponent/CPointList.h>
 
-#include "PointStore.h"
-
-namespace {
-
-struct StatusAddresses {
-    StatusAddresses() = default;
-    explicit StatusAddresses(const StatusPoint& point)
-        : first(point.firstAddress), firstNumber(point.firstAddressNumber), second(point.secondAddress),
-          secondNumber(point.secondAddressNumber) {}
-
-    void giveTo(StatusPoint& point) const {
-        point.firstAddress = first;
-        point.firstAddressNumber = firstNumber;
-        point.secondAddress = second;
-        point.secondAddressNumber = secondNumber;
-    }
-
-    QString first;
-    QString firstNumber;
-    QString second;
-    QString secondNumber;
-};
-
-struct AnalogAddresses {
-    AnalogAddresses() = default;
-    explicit AnalogAddresses(const AnalogPoint& point)
-        : address(point.address), number(point.addressNumber) {}
-
-    void giveTo(AnalogPoint& point) const {
-        point.address = address;
-        point.addressNumber = number;
-    }
-
-    QString address;
-    QString number;
-};
-
-} // namespace
-
-struct CPointList::Stores {
-    PointStore<StatusPoint, StatusAddresses> status;
-    PointStore<AnalogPoint, AnalogAddresses> analog;
-};
+#include "PointStores.h"
 
 CPointList::CPointList() : stores(std::make_unique<Stores>()) {}
 

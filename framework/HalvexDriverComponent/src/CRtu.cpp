@@ -3,6 +3,7 @@
 #include <HalvexDriverComponent/Halvex.h>
 #include <HalvexDriverLink/CLink.h>
 
+#include "PointStores.h"
 #include "RtuValues.h"
 
 namespace {
@@ -111,13 +112,13 @@ int CRtu::resetDevice(CReply*) {
 
 void CRtu::PutStatusPoint(bool simulated, unsigned number, char value, unsigned status, const CMidTime& stamp,
                           bool first) {
-    if (StatusPoint* point = points.GetStatusPoint(number))
+    if (StatusPoint* point = points.stores->status.find(number))
         PutStatusPoint(simulated, point, value, status, stamp, first);
 }
 
 void CRtu::PutAnalogPoint(bool simulated, unsigned number, double value, unsigned status,
                           const CMidTime& stamp) {
-    if (AnalogPoint* point = points.GetAnalogPoint(number))
+    if (AnalogPoint* point = points.stores->analog.find(number))
         PutAnalogPoint(simulated, point, value, status, stamp);
 }
 

@@ -4,13 +4,30 @@
 
 static_assert(sizeof(PointUpdate) == 32, "one for each point of a site, and more in a host");
 
-CRtu::Values::Entry& CRtu::Values::addEntry(Entries& entries, unsigned number) {
+void CRtu::Values::stageStatusUnready(unsigned number, double value, const CMidTime& stamp, bool first) {
+    makeReady(statusEntries, number);
+    stageStatus(number, value, stamp, first);
+}
+
+void CRtu::Values::stageAnalogUnready(unsigned number, double value, const CMidTime& stamp) {
+    makeReady(analogEntries, number);
+    stageAnalog(number, value, stamp);
+}
+
+void CRtu::Values::makeReady(Entries& entries, unsigned number) {
+    dropIfTurnedBad();
+    if (entries.table.find(number) == nullptr)
+        addEntry(entries, number);
+    if (stagedCount == stagedRoom)
+        growStaged();
+}
+
+void CRtu::Values::addEntry(Entries& entries, unsigned number) {
     const int known =
         entries.areAnalog ? points.GetAnalogPointList().size() : points.GetStatusPointList().size();
     const std::lock_guard<std::mutex> lock(mutex);
     Entry& entry = entries.objects.add();
     entries.table.enter(number, &entry, std::max(entries.objects.size(), static_cast<std::size_t>(known)));
-    return entry;
 }
 
 // By an eighth: the largest poll of all stages every point of the RTU, and the memory stays.
@@ -32,21 +49,23 @@ void CRtu::Values::useUpdates() {
 }
 
 // What was staged before the values turned bad is part of what failed.
-void CRtu::Values::dropStaged(unsigned turns) {
-    turnsBadSeen = turns;
+void CRtu::Values::dropIfTurnedBad() {
+    if (!hasTurnedBad())
+        return;
+    turnsBadSeen = turnsBad.load(std::memory_order_acquire);
     stagedCount = 0;
 }
 
 const QVector<PointUpdate>& CRtu::Values::publishStaged() {
     const std::lock_guard<std::mutex> lock(mutex);
     dropIfTurnedBad();
-    for (quint32 at = 0; at < stagedCount; ++at) {
-        Entry& entry = *stagedEntries[at];
-        const PointUpdate& update = stagedUpdates[at];
-        entry.value = update.value;
-        entry.stamp = update.stamp;
-        entry.quality = update.quality;
-    }
+    const PointUpdate* update = stagedUpdates;
+    std::for_each_n(stagedEntries.begin(), stagedCount, [&update](Entry* entry) {
+        entry->value = update->value;
+        entry->stamp = update->stamp;
+        entry->quality = update->quality;
+        ++update;
+    });
     anyGood = anyGood || stagedCount > 0;
     updates.resize(static_cast<int>(stagedCount));
     return updates;

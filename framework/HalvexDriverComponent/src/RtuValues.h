@@ -23,14 +23,19 @@ public:
     // A value that was read under a status point's second address never takes the place of one that was read
     // under its first.
     void stageStatus(unsigned number, double value, const CMidTime& stamp, bool first) {
-        Entry& entry = entryOf(statusEntries, number);
-        if (!first && entry.firstAddressSeen)
+        Entry* const entry = statusEntries.table.find(number);
+        if (!isReady(entry))
+            return stageStatusUnready(number, value, stamp, first);
+        if (!first && entry->firstAddressSeen)
             return;
-        entry.firstAddressSeen = first;
-        stage(statusEntries, entry, number, value, stamp);
+        entry->firstAddressSeen = first;
+        stage(statusEntries, *entry, number, value, stamp);
     }
     void stageAnalog(unsigned number, double value, const CMidTime& stamp) {
-        stage(analogEntries, entryOf(analogEntries, number), number, value, stamp);
+        Entry* const entry = analogEntries.table.find(number);
+        if (!isReady(entry))
+            return stageAnalogUnready(number, value, stamp);
+        stage(analogEntries, *entry, number, value, stamp);
     }
 
     // What is staged becomes the points' good state. The changes stay until endPublishing().
@@ -64,17 +69,18 @@ private:
         NumberTable<Entry> table;
     };
 
-    Entry& entryOf(Entries& entries, unsigned number) {
-        Entry* const entry = entries.table.find(number);
-        return entry != nullptr ? *entry : addEntry(entries, number);
+    // Staging a value needs no more than a few writes, unless it is the point's first, the values have turned
+    // bad since the last one, or there is no room. These seldom cases are left to functions of their own.
+    bool isReady(const Entry* entry) const {
+        return entry != nullptr && !hasTurnedBad() && stagedCount < stagedRoom;
     }
-    Entry& addEntry(Entries& entries, unsigned number);
+    void stageStatusUnready(unsigned number, double value, const CMidTime& stamp, bool first);
+    void stageAnalogUnready(unsigned number, double value, const CMidTime& stamp);
+    void makeReady(Entries& entries, unsigned number);
+    void addEntry(Entries& entries, unsigned number);
 
-    void stage(Entries& entries, Entry& entry, unsigned number, double value, const CMidTime& stamp) {
-        dropIfTurnedBad();
+    void stage(const Entries& entries, Entry& entry, unsigned number, double value, const CMidTime& stamp) {
         if (!isStaged(entry)) {
-            if (stagedCount == stagedRoom)
-                growStaged();
             stagedEntries[stagedCount] = &entry;
             entry.stagedAt = stagedCount++;
         }
@@ -90,12 +96,8 @@ private:
     }
     void growStaged();
     void useUpdates();
-    void dropIfTurnedBad() {
-        const unsigned turns = turnsBad.load(std::memory_order_acquire);
-        if (turns != turnsBadSeen)
-            dropStaged(turns);
-    }
-    void dropStaged(unsigned turns);
+    bool hasTurnedBad() const { return turnsBad.load(std::memory_order_acquire) != turnsBadSeen; }
+    void dropIfTurnedBad();
     static PointUpdate updateOf(const Entries& entries, unsigned number, const Entry& entry);
     static PointUpdate stateOf(const Entries& entries, unsigned number);
     static void collectBad(Entries& entries, QVector<PointUpdate>& changed);

@@ -35,6 +35,7 @@ public:
     void RestoreAnalogPoints();
 
 private:
+    friend class CRtu; // looks a point up for every value that is put
     struct Stores;
 
     QMap<unsigned, StatusPoint*> statusPoints;
