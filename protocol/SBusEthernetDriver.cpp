@@ -8,6 +8,8 @@
 
 #include <QElapsedTimer>
 
+#include <utility>
+
 using sbus::ethernet::AnswerCheck;
 
 namespace {
@@ -66,7 +68,7 @@ unsigned SBusEthernetDriver::transceive(const SBusRequestItem& item, const QByte
         return checkWriteAnswer(telegram, exchange);
     const unsigned code = checkReadAnswer(telegram, exchange);
     if (code == SBusSuccess)
-        response = sbus::ethernet::withoutHeader(telegram);
+        response = sbus::ethernet::withoutHeader(std::move(telegram));
     return code;
 }
 
@@ -88,7 +90,7 @@ unsigned SBusEthernetDriver::awaitTelegram(QByteArray& telegram, const QByteArra
             return code;
     }
     area.truncate(length);
-    telegram = area;
+    telegram = std::move(area);
     return SBusSuccess;
 }
 

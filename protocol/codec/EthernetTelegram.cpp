@@ -1,34 +1,36 @@
 #include "EthernetTelegram.h"
 
-#include "BigEndian.h"
 #include "CommandCode.h"
 #include "Telegram.h"
+
+#include <QtEndian>
+
+#include <array>
 
 namespace sbus::ethernet {
 namespace {
 
-constexpr quint8 version = 1;
-constexpr quint8 protocolType = 0;
-constexpr quint8 requestAttribute = 0;
+constexpr char version = 1;
 constexpr quint8 responseAttribute = 1;
 constexpr quint8 acknowledgeAttribute = 2;
 
+constexpr int versionOffset = lengthSize;
+constexpr int sequenceOffset = 6;
+constexpr int attributeOffset = 8;
+
 QByteArray framed(const QByteArray& body, quint16 sequence) {
     const qint32 length = headerSize + body.size() + checksumSize;
+    std::array<char, headerSize> header{}; // the protocol type is 0, and so is a request's attribute
+    qToBigEndian(length, header.data());
+    header[versionOffset] = version;
+    qToBigEndian(sequence, header.data() + sequenceOffset);
     QByteArray frame;
     frame.reserve(length);
-    appendBigEndian(frame, length);
-    appendBigEndian(frame, version);
-    appendBigEndian(frame, protocolType);
-    appendBigEndian(frame, sequence);
-    appendBigEndian(frame, requestAttribute);
+    frame.append(header.data(), headerSize);
     frame.append(body);
     appendChecksum(frame);
     return frame;
 }
-
-constexpr int sequenceOffset = 6; // behind length, version and protocol type
-constexpr int attributeOffset = 8;
 
 // 0 where the telegram ends before the field does.
 template <typename Number>
@@ -102,8 +104,9 @@ AnswerCheck checkWriteAnswer(const QByteArray& telegram, quint16 expectedSequenc
     return checkChecksum(telegram);
 }
 
-QByteArray withoutHeader(const QByteArray& telegram) {
-    return telegram.mid(headerSize);
+QByteArray withoutHeader(QByteArray telegram) {
+    telegram.remove(0, headerSize);
+    return telegram;
 }
 
 } // namespace sbus::ethernet

@@ -36,6 +36,6 @@ AnswerCheck checkReadAnswer(const QByteArray& telegram, quint16 expectedSequence
 AnswerCheck checkWriteAnswer(const QByteArray& telegram, quint16 expectedSequence);
 
 // Payload and checksum.
-QByteArray withoutHeader(const QByteArray& telegram);
+QByteArray withoutHeader(QByteArray telegram);
 
 } // namespace sbus::ethernet

@@ -4,6 +4,8 @@
 #include "Checksum.h"
 #include "CommandCode.h"
 
+#include <array>
+
 namespace sbus {
 namespace {
 
@@ -12,8 +14,8 @@ quint16 checksumAt(const char* bytes) {
     return qFromBigEndian<quint16>(bytes);
 }
 
-// Station and command begin every body.
-QByteArray beginBody(const SBusRequestItem& item, int station) {
+// Station and command begin the body of every write.
+QByteArray beginWriteBody(const SBusRequestItem& item, int station) {
     QByteArray body;
     appendBigEndian(body, static_cast<quint8>(station));
     appendBigEndian(body, static_cast<quint8>(item.command));
@@ -39,17 +41,17 @@ bool hasValidChecksum(const QByteArray& telegram) {
 }
 
 QByteArray readBody(const SBusRequestItem& item, int station) {
-    QByteArray body = beginBody(item, station);
-    appendBigEndian(body, static_cast<quint8>(item.count));
-    appendBigEndian(body, static_cast<quint16>(item.address));
-    return body;
+    const std::array<char, 5> body{static_cast<char>(station), static_cast<char>(item.command),
+                                   static_cast<char>(item.count), static_cast<char>(item.address >> 8),
+                                   static_cast<char>(item.address)};
+    return {body.data(), static_cast<int>(body.size())};
 }
 
 // The byte count is the number of bytes that follow it up to the checksum, minus one.
 QByteArray writeBody(const SBusRequestItem& item, int station) {
     constexpr int countedBesideBitData = 2;  // address and element count, minus one
     constexpr int countedBesideWordData = 1; // address, minus one
-    QByteArray body = beginBody(item, station);
+    QByteArray body = beginWriteBody(item, station);
     switch (classOf(item.command)) {
     case CommandClass::WriteBits:
         appendBigEndian(body, static_cast<quint8>(item.data.size() + countedBesideBitData));
