@@ -1,6 +1,11 @@
 #pragma once
 
+#include "HexLine.h"
+
 #include <QString>
+
+#include <algorithm>
+#include <cstddef>
 
 namespace sbus {
 
@@ -9,10 +14,22 @@ namespace sbus {
 class HexDump {
 public:
     // The bytes must stay until the last line is made.
-    HexDump(const char* dumpedBytes, int length);
+    HexDump(const char* dumpedBytes, int length) : at(dumpedBytes), end(dumpedBytes + length) {}
 
     // Makes the next line; false behind the last one.
-    bool next();
+    bool next() {
+        constexpr std::ptrdiff_t bytesInLine = 18;
+        if (begun && at == end)
+            return false;
+        begun = true;
+        const int bytes = static_cast<int>(std::min(bytesInLine, end - at));
+        if (text.size() != bytes * hexCharactersOfByte)
+            text.resize(bytes * hexCharactersOfByte);
+        // A string has room for one character behind its end, which data() leaves 0.
+        writeHexLine(text.data(), at, bytes);
+        at += bytes;
+        return true;
+    }
     // Good until the next one is made.
     const QString& line() const { return text; }
 
