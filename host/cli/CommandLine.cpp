@@ -31,8 +31,10 @@ std::string faultText(const std::string& what, const std::string& remedy) {
 }
 
 std::string linkFault(const std::string& text) {
-    const ParsedLink link = parseLinkUrl(text);
-    return faultText(link.what, link.remedy);
+    std::string all;
+    for (const LinkFault& fault : parseLinkUrl(text).faults)
+        all += (all.empty() ? "" : "\n") + faultText(fault.what, fault.remedy);
+    return all;
 }
 
 std::string readsFault(const std::string& text) {

@@ -1,8 +1,11 @@
 #include "LinkUrl.h"
 
+#include "BaudRate.h"
 #include "Number.h"
 
 #include <algorithm>
+#include <limits>
+#include <set>
 
 namespace host {
 
@@ -18,67 +21,104 @@ bool startsWith(const std::string& text, const std::string& start) {
     return text.compare(0, start.size(), start) == 0;
 }
 
-ParsedLink refuse(const std::string& what, const std::string& remedy) {
-    return {std::nullopt, what, remedy};
+template <typename End>
+ParsedLink result(const End& end, std::vector<LinkFault> faults) {
+    return {faults.empty() ? std::optional<LinkEnd>(end) : std::nullopt, std::move(faults)};
 }
 
 ParsedLink parseUdp(const std::string& rest) {
     UdpEnd end;
-    std::string port;
+    std::vector<LinkFault> faults;
     const bool bracketed = !rest.empty() && rest[0] == '[';
     const std::size_t hostEnd = bracketed ? rest.find(']') : rest.rfind(':');
     if (bracketed && hostEnd == std::string::npos)
-        return refuse("\"[\" without its \"]\"", udpExample);
+        return result(end, {{"\"[\" without its \"]\"", udpExample}});
     end.host = bracketed ? rest.substr(1, hostEnd - 1) : rest.substr(0, hostEnd);
-    const std::size_t portStart = bracketed ? hostEnd + 1 : hostEnd;
-    if (portStart < rest.size())
-        port = rest.substr(portStart);
-
     if (end.host.empty() || end.host.find_first_of(" /?") != std::string::npos ||
         (!bracketed && end.host.find(':') != std::string::npos))
-        return refuse("no host in \"udp://" + rest + "\"", udpExample);
-    if (!port.empty()) {
+        faults.push_back({"no host in \"udp://" + rest + "\"", udpExample});
+
+    const std::size_t portStart = bracketed ? hostEnd + 1 : hostEnd;
+    if (portStart < rest.size()) {
+        const std::string port = rest.substr(portStart);
         const std::optional<unsigned> number = parseNumber(port.substr(1), 1, 65535);
-        if (port[0] != ':' || !number)
-            return refuse("\"" + port + "\" is no port from 1 to 65535", udpExample);
-        end.port = *number;
+        if (port[0] == ':' && number)
+            end.port = *number;
+        else
+            faults.push_back({"\"" + port + "\" is no port from 1 to 65535", udpExample});
     }
-    return {end, {}, {}};
+    return result(end, std::move(faults));
 }
 
-bool applySerialSetting(SerialEnd& end, const std::string& key, const std::string& value) {
+std::optional<LinkFault> takeBaud(SerialEnd& end, const std::string& value) {
+    const std::optional<unsigned> baud = parseNumber(value, 1, std::numeric_limits<unsigned>::max());
+    if (!baud)
+        return LinkFault{"baud \"" + value + "\" is no whole number above 0", "write baud=9600, or another"};
+    if (!isKnownBaudRate(*baud))
+        return LinkFault{value + " is no baud rate that this system knows",
+                         "the nearest that it knows: " + nearestBaudRates(*baud)};
+    end.baud = *baud;
+    return std::nullopt;
+}
+
+std::optional<LinkFault> takeParity(SerialEnd& end, const std::string& value) {
     using Parity = SerialEnd::Parity;
-    std::optional<unsigned> number;
-    if (key == "baud" && (number = parseNumber(value, 110, 4'000'000)))
-        end.baud = *number;
-    else if (key == "stop" && (number = parseNumber(value, 1, 2)))
-        end.stopBits = *number;
-    else if (key == "data" && (number = parseNumber(value, 8, 8)))
-        end.dataBits = *number;
-    else if (key == "parity" && (value == "none" || value == "even" || value == "odd"))
-        end.parity = value == "none" ? Parity::None : value == "even" ? Parity::Even : Parity::Odd;
-    else
-        return false;
-    return true;
+    if (value != "none" && value != "even" && value != "odd")
+        return LinkFault{"parity \"" + value + "\" is not known", "write parity=none, even or odd"};
+    end.parity = value == "none" ? Parity::None : value == "even" ? Parity::Even : Parity::Odd;
+    return std::nullopt;
+}
+
+std::optional<LinkFault> takeStopBits(SerialEnd& end, const std::string& value) {
+    const std::optional<unsigned> number = parseNumber(value, 1, 2);
+    if (!number)
+        return LinkFault{"stop \"" + value + "\" is no number of stop bits", "write stop=1 or stop=2"};
+    end.stopBits = *number;
+    return std::nullopt;
+}
+
+std::optional<LinkFault> takeDataBits(SerialEnd&, const std::string& value) {
+    return value == "8" ? std::nullopt
+                        : std::optional(LinkFault{"data \"" + value + "\" will not do",
+                                                  "telegrams are made of bytes: write data=8, or nothing"});
+}
+
+struct SerialSetting {
+    const char* key;
+    std::optional<LinkFault> (*take)(SerialEnd&, const std::string& value);
+};
+constexpr SerialSetting serialSettings[] = {
+    {"baud", takeBaud}, {"parity", takeParity}, {"stop", takeStopBits}, {"data", takeDataBits}};
+
+std::optional<LinkFault> takeSetting(SerialEnd& end, const std::string& setting,
+                                     std::set<std::string>& takenKeys) {
+    const std::size_t equals = setting.find('=');
+    const std::string key = setting.substr(0, equals);
+    const auto* const known = std::find_if(std::begin(serialSettings), std::end(serialSettings),
+                                           [&key](const SerialSetting& one) { return one.key == key; });
+    if (equals == std::string::npos || known == std::end(serialSettings))
+        return LinkFault{"serial setting \"" + setting + "\" is not known", serialExample};
+    if (!takenKeys.insert(key).second)
+        return LinkFault{key + " is given twice", "keep one of the two"};
+    return known->take(end, setting.substr(equals + 1));
 }
 
 ParsedLink parseSerial(const std::string& rest) {
     SerialEnd end;
+    std::vector<LinkFault> faults;
+    std::set<std::string> takenKeys;
     const std::size_t question = rest.find('?');
     end.device = rest.substr(0, question);
     if (end.device.empty())
-        return refuse("no device in \"serial:" + rest + "\"", serialExample);
+        faults.push_back({"no device in \"serial:" + rest + "\"", serialExample});
     std::size_t start = question == std::string::npos ? rest.size() : question + 1;
     while (start < rest.size()) {
         const std::size_t stop = std::min(rest.find('&', start), rest.size());
-        const std::string setting = rest.substr(start, stop - start);
-        const std::size_t equals = std::min(setting.find('='), setting.size());
-        const std::string value = equals < setting.size() ? setting.substr(equals + 1) : "";
-        if (!applySerialSetting(end, setting.substr(0, equals), value))
-            return refuse("serial setting \"" + setting + "\" is not known", serialExample);
+        if (std::optional<LinkFault> fault = takeSetting(end, rest.substr(start, stop - start), takenKeys))
+            faults.push_back(std::move(*fault));
         start = stop + 1;
     }
-    return {end, {}, {}};
+    return result(end, std::move(faults));
 }
 
 std::string toText(const SerialEnd& end) {
@@ -99,7 +139,7 @@ ParsedLink parseLinkUrl(const std::string& url) {
         return parseUdp(url.substr(udpScheme.size()));
     if (startsWith(url, serialScheme))
         return parseSerial(url.substr(serialScheme.size()));
-    return refuse("\"" + url + "\" is no line", udpExample + ", or serial:DEVICE?baud=N");
+    return {std::nullopt, {{"\"" + url + "\" is no line", udpExample + ", or serial:DEVICE?baud=N"}}};
 }
 
 std::string toText(const LinkEnd& end) {

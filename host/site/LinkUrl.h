@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace host {
 
@@ -22,10 +23,14 @@ struct SerialEnd {
 
 using LinkEnd = std::variant<UdpEnd, SerialEnd>;
 
-struct ParsedLink {
-    std::optional<LinkEnd> end;
-    std::string what; // why there is no end
+struct LinkFault {
+    std::string what;
     std::string remedy;
+};
+
+struct ParsedLink {
+    std::optional<LinkEnd> end;    // none when there is a fault
+    std::vector<LinkFault> faults; // all of them
 };
 // "udp://host:port", "udp://[2001:db8::5]:5050", "serial:/dev/ttyUSB0?baud=19200&parity=none&stop=1&data=8"
 ParsedLink parseLinkUrl(const std::string& url);

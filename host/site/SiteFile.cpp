@@ -109,10 +109,10 @@ private:
         if (!url)
             return std::nullopt;
         const ParsedLink link = parseLinkUrl(url->text);
-        if (!link.end) {
-            loaded.findings.error(url->place, link.what, link.remedy);
-        } else if (typeIsKnown &&
-                   (channel.type == LineType::Serial) != std::holds_alternative<SerialEnd>(*link.end)) {
+        for (const LinkFault& fault : link.faults)
+            loaded.findings.error(url->place, fault.what, fault.remedy);
+        if (link.end && typeIsKnown &&
+            (channel.type == LineType::Serial) != std::holds_alternative<SerialEnd>(*link.end)) {
             const bool serial = channel.type == LineType::Serial;
             loaded.findings.error(url->place,
                                   key + " \"" + url->text + "\" does not fit type " + toText(channel.type),

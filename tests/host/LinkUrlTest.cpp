@@ -1,10 +1,12 @@
 #include "site/LinkUrl.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using host::parseLinkUrl;
 using host::SerialEnd;
 using host::UdpEnd;
+using testing::ElementsAre;
 
 namespace {
 
@@ -14,6 +16,13 @@ UdpEnd udp(const std::string& url) {
 
 SerialEnd serial(const std::string& url) {
     return std::get<SerialEnd>(parseLinkUrl(url).end.value());
+}
+
+std::vector<std::string> faultsOf(const std::string& url) {
+    std::vector<std::string> texts;
+    for (const host::LinkFault& fault : parseLinkUrl(url).faults)
+        texts.push_back(fault.what);
+    return texts;
 }
 
 } // namespace
@@ -44,13 +53,31 @@ TEST(LinkUrl, IsRefusedWithWhatWouldBeRight) {
           "serial:/dev/x?stop=3", "serial:/dev/x?data=7", "serial:/dev/x?baud"}) {
         const host::ParsedLink link = parseLinkUrl(url);
         EXPECT_FALSE(link.end) << url;
-        EXPECT_FALSE(link.what.empty()) << url;
-        EXPECT_FALSE(link.remedy.empty()) << url;
+        ASSERT_EQ(link.faults.size(), 1U) << url;
+        EXPECT_FALSE(link.faults[0].what.empty()) << url;
+        EXPECT_FALSE(link.faults[0].remedy.empty()) << url;
     }
 }
 
 TEST(LinkUrl, TellsTheRangeOfPorts) {
-    EXPECT_EQ(parseLinkUrl("udp://1.2.3.4:99999").what, "\":99999\" is no port from 1 to 65535");
+    EXPECT_THAT(faultsOf("udp://1.2.3.4:99999"), ElementsAre("\":99999\" is no port from 1 to 65535"));
+}
+
+TEST(LinkUrl, TellsAllFaultsInOneGo) {
+    EXPECT_THAT(faultsOf("serial:?baud=12345&parity=mark&stop=3&data=7&speed=1&stop=1"),
+                ElementsAre("no device in \"serial:?baud=12345&parity=mark&stop=3&data=7&speed=1&stop=1\"",
+                            "12345 is no baud rate that this system knows", "parity \"mark\" is not known",
+                            "stop \"3\" is no number of stop bits", "data \"7\" will not do",
+                            "serial setting \"speed=1\" is not known", "stop is given twice"));
+    EXPECT_THAT(faultsOf("udp://a b:0"),
+                ElementsAre("no host in \"udp://a b:0\"", "\":0\" is no port from 1 to 65535"));
+}
+
+TEST(LinkUrl, NamesTheBaudRatesThatTheSystemKnowsInstead) {
+    const auto remedyOf = [](const char* url) { return parseLinkUrl(url).faults.at(0).remedy; };
+    EXPECT_EQ(remedyOf("serial:/dev/x?baud=9601"), "the nearest that it knows: 9600 and 19200");
+    EXPECT_EQ(remedyOf("serial:/dev/x?baud=49"), "the nearest that it knows: 50");
+    EXPECT_EQ(remedyOf("serial:/dev/x?baud=4294967295"), "the nearest that it knows: 4000000");
 }
 
 TEST(LinkUrl, SurvivesTheWayThroughItsText) {

@@ -108,6 +108,16 @@ format = "float"
     EXPECT_EQ(channel.rtus[1].breakDelayMs, 12U);
 }
 
+TEST(SiteFile, TellsAllFaultsOfALinkInOneGo) {
+    EXPECT_THAT(findings("[[channel]]\nid = 1\ntype = \"SBus-Serial\"\n"
+                         "primary = \"serial:/dev/x?baud=12345&stop=3\"\n" +
+                         rtu(1, csvPoints)),
+                ElementsAre("sites/site.toml:4:11: error: 12345 is no baud rate that this system knows; the "
+                            "nearest that it knows: 9600 and 19200",
+                            "sites/site.toml:4:11: error: stop \"3\" is no number of stop bits; write stop=1 "
+                            "or stop=2"));
+}
+
 TEST(SiteFile, TellsAllFaultsInOneGo) {
     EXPECT_THAT(
         findings(R"([[channel]]
