@@ -1,14 +1,14 @@
 #include "CheckCommand.h"
 
 #include "plan/Forecast.h"
-#include "site/SiteFile.h"
+#include "plan/LineChecks.h"
 
 #include <iostream>
 
 namespace host {
 
 ExitStatus checkSiteFile(const std::string& path) {
-    const LoadedSite loaded = loadSite(path);
+    const LoadedSite loaded = loadCheckedSite(path);
     for (const Finding& finding : loaded.findings.all())
         std::cerr << toText(finding) << '\n';
     if (loaded.findings.hasErrors())

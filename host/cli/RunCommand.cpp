@@ -2,6 +2,7 @@
 
 #include "RunServices.h"
 #include "commands/CommandDispatcher.h"
+#include "plan/LineChecks.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/LineMessages.h"
 #include "services/console/ConsoleService.h"
@@ -9,7 +10,6 @@
 #include "services/console/StreamWriter.h"
 #include "services/console/Summary.h"
 #include "services/console/Terminal.h"
-#include "site/SiteFile.h"
 
 #include <HalvexDriverComponent/CLogger.h>
 
@@ -132,7 +132,7 @@ ExitStatus runSite(const RunOptions& options) {
         return failed(
             "--frames would run through the table; choose --format lines, or send the frames to a file "
             "with 2>FILE");
-    const LoadedSite loaded = loadSite(options.sitePath);
+    const LoadedSite loaded = loadCheckedSite(options.sitePath);
     for (const Finding& finding : loaded.findings.all())
         std::cerr << toText(finding) << '\n';
     if (loaded.findings.hasErrors())

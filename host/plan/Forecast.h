@@ -4,12 +4,14 @@
 
 namespace host {
 
-// What a poll costs: requests and answers, both directions. An answer's own delay in the controller is not in
-// the time: nobody knows it beforehand.
+// What a poll costs: requests and answers, both directions.
 struct PollForecast {
     std::size_t telegrams = 0; // requests; each is answered by one
     std::size_t bytes = 0;     // on the serial line, or in the datagrams
     double milliseconds = 0;   // on the serial line; an Ethernet line has only the driver's pause here
+    double answersMs = 0;      // for which the answers are expected to be on their way beside
+
+    double total() const { return milliseconds + answersMs; }
 };
 
 struct RtuForecast {
@@ -29,9 +31,6 @@ struct LineForecast {
 
 // The site must outlive the forecast.
 LineForecast forecastLine(const Channel& channel);
-
-// Start bit, data bits, parity bit and stop bits of one character.
-unsigned bitsPerCharacter(const SerialEnd& end);
 
 // What is told of a good site: where hidden points were added, which addresses were rewritten, and the
 // forecast of each line.

@@ -86,10 +86,7 @@ Site makeReadSite(const ControllerLine& line, const std::vector<ElementRead>& el
 
 std::string elementsText(const Rtu& rtu) {
     std::string text;
-    const RtuReadPlan plan = planReads(rtu);
-    std::vector<ReadTelegram> telegrams = plan.status;
-    telegrams.insert(telegrams.end(), plan.analog.begin(), plan.analog.end());
-    for (const ReadTelegram& telegram : telegrams) {
+    for (const ReadTelegram& telegram : allTelegrams(planReads(rtu))) {
         text += text.empty() ? "" : ", ";
         text += toText(ElementAddress{telegram.media, telegram.first});
         if (telegram.count > 1)

@@ -91,4 +91,10 @@ RtuReadPlan planReads(const Rtu& rtu) {
     return plan;
 }
 
+std::vector<ReadTelegram> allTelegrams(const RtuReadPlan& plan) {
+    std::vector<ReadTelegram> all = plan.status;
+    all.insert(all.end(), plan.analog.begin(), plan.analog.end());
+    return all;
+}
+
 } // namespace host

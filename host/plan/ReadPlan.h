@@ -42,5 +42,7 @@ struct RtuReadPlan {
     std::vector<ElementAddress> hidden;
 };
 RtuReadPlan planReads(const Rtu& rtu);
+// Those of an integrity poll.
+std::vector<ReadTelegram> allTelegrams(const RtuReadPlan& plan);
 
 } // namespace host

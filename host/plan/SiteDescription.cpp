@@ -1,4 +1,6 @@
 #include "Forecast.h"
+#include "SharedElements.h"
+#include "TelegramTime.h"
 
 #include <cmath>
 #include <iomanip>
@@ -26,16 +28,14 @@ std::string percentText(double share) {
     return std::to_string(std::lround(share * 100)) + " %";
 }
 
-void describePoll(std::ostream& out, const LineForecast& line, const char* name, const PollForecast& poll,
+void describePoll(std::ostream& out, const char* name, const PollForecast& poll,
                   std::chrono::milliseconds period) {
     if (poll.telegrams == 0)
         return;
     out << "    " << std::left << std::setw(15) << name << std::right << "every " << std::setw(6)
         << durationText(period) << ": " << std::setw(4) << poll.telegrams
-        << (poll.telegrams == 1 ? " telegram,  " : " telegrams, ") << std::setw(6) << poll.bytes << " bytes";
-    if (line.channel->type == LineType::Serial)
-        out << ", " << std::setw(6) << std::lround(poll.milliseconds) << " ms";
-    out << '\n';
+        << (poll.telegrams == 1 ? " telegram,  " : " telegrams, ") << std::setw(6) << poll.bytes << " bytes, "
+        << std::setw(6) << std::lround(poll.total()) << " ms\n";
 }
 
 void describeShielding(std::ostream& out, const RtuForecast& forecast) {
@@ -48,33 +48,55 @@ void describeShielding(std::ostream& out, const RtuForecast& forecast) {
             << " added: the run of consecutive elements beside it would not be read in full without it\n";
 }
 
-void describeRtu(std::ostream& out, const LineForecast& line, const RtuForecast& forecast) {
+// Both are right, or one of them is a slip of the pen: somebody who knows the controller has to look.
+void describeSharedElements(std::ostream& out, const Rtu& rtu) {
+    for (const SharedElement& shared : elementsInTwoFormats(rtu))
+        out << "    " << toText(shared.integer->address) << " is read once and shown twice: by \""
+            << shared.integer->name << "\" as an integer, by \"" << shared.floating->name
+            << "\" as a float; a command to either changes both\n";
+}
+
+void describeRtu(std::ostream& out, const RtuForecast& forecast) {
     const Rtu& rtu = *forecast.rtu;
     out << "  RTU " << rtu.id << " \"" << rtu.name << "\", station " << rtu.station << ": "
         << countPoints(rtu, PointKind::Status) << " status points, " << countPoints(rtu, PointKind::Analog)
         << " analog points\n";
     describeShielding(out, forecast);
-    describePoll(out, line, "integrity poll", forecast.integrity, rtu.scan.integrity);
-    describePoll(out, line, "status poll", forecast.status, rtu.scan.status);
-    describePoll(out, line, "analog poll", forecast.analog, rtu.scan.analog);
+    describeSharedElements(out, rtu);
+    describePoll(out, "integrity poll", forecast.integrity, rtu.scan.integrity);
+    describePoll(out, "status poll", forecast.status, rtu.scan.status);
+    describePoll(out, "analog poll", forecast.analog, rtu.scan.analog);
     if (rtu.timeSync)
         out << "    clock set      every " << std::setw(6) << durationText(*rtu.timeSync) << '\n';
 }
 
-// The share counts the way of the bytes and the driver's rests, but not the controllers' own delays.
+void describeSettings(std::ostream& out, const LineForecast& line) {
+    const auto expected = expectedAnswerOf(*line.channel);
+    if (const SerialEnd* const serial = std::get_if<SerialEnd>(&line.channel->primary)) {
+        const Rtu& first = *line.rtus.front().rtu;
+        out << " at " << serial->baud << " baud, " << bitsPerCharacter(*serial)
+            << " bits a character, transmit type " << toText(first.transmitType);
+        if (first.transmitType == TransmitType::Break)
+            out << " with " << first.breakDelayMs << " ms of break";
+    }
+    if (expected.count() == 0)
+        out << ", before the controllers' own delays";
+    else
+        out << ", with " << expected.count() << " ms for each answer to come";
+}
+
+// The share counts the way of the bytes, the driver's rests and the time for which answers are expected to
+// be on their way.
 void describeShare(std::ostream& out, const LineForecast& line) {
-    const SerialEnd* const serial = std::get_if<SerialEnd>(&line.channel->primary);
-    if (serial == nullptr || line.rtus.empty())
+    if (line.rtus.empty())
         return;
-    const Rtu& first = *line.rtus.front().rtu;
-    out << "  " << percentText(line.share) << " of the line's time at " << serial->baud << " baud, "
-        << bitsPerCharacter(*serial) << " bits a character, transmit type " << toText(first.transmitType);
-    if (first.transmitType == TransmitType::Break)
-        out << " with " << first.breakDelayMs << " ms of break";
-    out << ", before the controllers' own delays: ";
+    out << "  " << percentText(line.share) << " of the line's time";
+    describeSettings(out, line);
+    out << ": ";
     if (line.share > fullShare)
         out << "the scan periods do not fit; make them " << std::setprecision(2) << std::fixed << line.share
-            << " times as long at least, or raise the baud rate\n";
+            << " times as long at least"
+            << (line.channel->type == LineType::Serial ? ", or raise the baud rate\n" : "\n");
     else if (line.share > tightShare)
         out << "the scan periods fit, with little to spare\n";
     else
@@ -93,7 +115,7 @@ std::string describeSite(const Site& site) {
             out << ", secondary " << toText(*channel.secondary);
         out << '\n';
         for (const RtuForecast& rtu : line.rtus)
-            describeRtu(out, line, rtu);
+            describeRtu(out, rtu);
         for (const Rtu& rtu : channel.rtus)
             if (!rtu.enabled)
                 out << "  RTU " << rtu.id << " \"" << rtu.name << "\" is disabled\n";

@@ -1,5 +1,6 @@
 #include "FailureText.h"
 
+#include "plan/TelegramTime.h"
 #include "telegram/AnswerTelegram.h"
 #include "telegram/TelegramText.h"
 
@@ -7,12 +8,41 @@ namespace host {
 
 namespace {
 
-std::string noAnswer(const RequestEnd& end, const char* what) {
+const LinkEnd& usedEnd(const RequestEnd& end) {
     const Channel& channel = *end.channel;
-    const LinkEnd& used = end.onSecondary && channel.secondary ? *channel.secondary : channel.primary;
-    std::string text = what + std::string(" within ") + std::to_string(end.rtu->timeout.count()) +
-                       " ms; check that the controller is on and has station number " +
-                       std::to_string(end.rtu->station);
+    return end.onSecondary && channel.secondary ? *channel.secondary : channel.primary;
+}
+
+std::size_t writeAnswerBytes(Framing framing) {
+    return framing == Framing::BreakMode ? 1 : 6; // an acknowledge
+}
+
+// Why the telegram could not be answered in time, even by the quickest controller; nothing when it could.
+std::optional<Obstacle> obstacleTo(const RequestEnd& end) {
+    if (!end.exchange)
+        return std::nullopt;
+    const Exchange& exchange = *end.exchange;
+    const std::optional<RequestTelegram> request = readRequest(exchange.framing, exchange.sent);
+    if (!request)
+        return std::nullopt;
+    TelegramCost cost{exchange.sent.size(), writeAnswerBytes(exchange.framing), 0};
+    if (request->purpose == RequestTelegram::Purpose::Read)
+        cost = costOf(*end.channel, *end.rtu,
+                      {request->media, request->first, static_cast<unsigned>(request->count)});
+    return obstacleTo(cost, usedEnd(end), end.rtu->timeout);
+}
+
+std::string withObstacle(const std::string& text, const Obstacle& obstacle) {
+    return text + ": " + obstacle.what + "; " + obstacle.remedy;
+}
+
+std::string noAnswer(const RequestEnd& end) {
+    std::string text = "no answer within " + std::to_string(end.rtu->timeout.count()) + " ms";
+    // Besides, nobody may be there: not a byte came.
+    if (const std::optional<Obstacle> obstacle = obstacleTo(end))
+        text = withObstacle(text, *obstacle);
+    text += "; check that the controller is on and has station number " + std::to_string(end.rtu->station);
+    const LinkEnd& used = usedEnd(end);
     const SerialEnd* const serial = std::get_if<SerialEnd>(&used);
     if (serial == nullptr)
         return text + ", and that " + toText(used) + " is its address";
@@ -27,9 +57,12 @@ std::string badAnswer(const RequestEnd& end) {
             ? " (" + answerText(end.exchange->framing, end.exchange->sent, end.exchange->received, false) +
                   ")"
             : "";
-    if (end.exchange && end.exchange->answer == Answer::Damaged)
+    if (end.exchange && end.exchange->answer == Answer::Damaged) {
+        if (const std::optional<Obstacle> obstacle = obstacleTo(end))
+            return withObstacle("an answer arrived damaged" + answer, *obstacle);
         return "an answer arrived damaged" + answer + "; check " +
                (isSerial ? "cable, termination and baud rate" : "the network");
+    }
     return "an answer was not the one to the request" + answer +
            (isSerial ? "; check the transmit type, and for another master on the line"
                      : "; check for answers later than the time-out");
@@ -45,7 +78,7 @@ std::string failureReason(const RequestEnd& end) {
         return "the controller refused a request (" + refusalText(end) +
                "); check that every element of its points exists in it";
     case RequestEnd::Kind::NoAnswer:
-        return noAnswer(end, "no answer");
+        return noAnswer(end);
     case RequestEnd::Kind::BadAnswer:
         return badAnswer(end);
     case RequestEnd::Kind::LineFailed:

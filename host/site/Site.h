@@ -68,6 +68,8 @@ struct Channel {
     LineType type = LineType::Ethernet;
     LinkEnd primary;
     std::optional<LinkEnd> secondary;
+    // How long an answer is expected to be on its way, beside the time of its bytes.
+    std::optional<std::chrono::milliseconds> expectedAnswer;
     std::vector<Rtu> rtus;
     Place place;
 };

@@ -73,6 +73,7 @@ private:
         if (const std::optional<LinkEnd> end = readLink(table, "primary", channel, typeIsKnown))
             channel.primary = *end;
         channel.secondary = readLink(table, "secondary", channel, typeIsKnown);
+        channel.expectedAnswer = table.duration("expected_answer");
 
         LineSettings lineSettings;
         for (const toml::table* const one : table.tables("rtu"))

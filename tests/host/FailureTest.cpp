@@ -51,6 +51,45 @@ TEST(FailureText, TellsWhatToCheckWhenNobodyAnswers) {
                       HasSubstr("9600 baud and transmit type data")));
 }
 
+TEST(FailureText, NamesTheBaudRateWhenTheAnswerCannotComeInTime) {
+    host::Site site = serialSite();
+    site.channels[0].primary = host::SerialEnd{"/dev/x", 4800};
+    site.channels[0].rtus[0].timeout = 1s;
+    const QByteArray readRegisters = withChecksum(hex("B5 00 05 06 7E 00 00"));
+    const std::string reason = "request and answer take 1085 ms at 4800 baud, and the time-out is 1000 ms; "
+                               "raise the baud rate, raise the time-out to 2200ms";
+    // Besides, the station may not be there.
+    EXPECT_THAT(reasonBehind(site, readRegisters, {}),
+                AllOf(HasSubstr("no answer within 1000 ms: " + reason), HasSubstr("station number 5")));
+    EXPECT_THAT(reasonBehind(site, readRegisters, hex("B5 01 00 00")),
+                AllOf(HasSubstr("an answer arrived damaged"), HasSubstr(reason), Not(HasSubstr("check"))));
+    site.channels[0].rtus[0].timeout = 1'086ms;
+    EXPECT_THAT(reasonBehind(site, readRegisters, {}), HasSubstr("no answer within 1086 ms; check that"));
+}
+
+TEST(FailureText, NamesTheBaudRateWhenAWriteCannotBeAcknowledgedInTime) {
+    host::Site site = serialSite();
+    site.channels[0].primary = host::SerialEnd{"/dev/x", 600};
+    // 11 bytes out and 6 back, 10 bits each.
+    site.channels[0].rtus[0].timeout = 283ms;
+    EXPECT_THAT(reasonBehind(site, switchOn, {}), HasSubstr("request and answer take 283 ms at 600 baud"));
+    site.channels[0].rtus[0].timeout = 284ms;
+    EXPECT_THAT(reasonBehind(site, switchOn, {}), HasSubstr("no answer within 284 ms; check that"));
+}
+
+TEST(FailureText, NamesTheBaudRateOfTheEndInUse) {
+    host::Site site = serialSite();
+    site.channels[0].secondary = host::SerialEnd{"/dev/y", 300};
+    ObservedLine line(site);
+    const QByteArray read = withChecksum(hex("B5 00 05 06 00 00 00"));
+    line.wire().secondaryEnd().linkOpened(0);
+    line.wire().secondaryEnd().telegramSent(read.constData(), read.size(), LinkObserver::Clock::now());
+    line.reportFailure();
+    EXPECT_THAT(failureReason(line.ended.at(0)),
+                HasSubstr("at 300 baud a byte takes 33.3 ms, and the driver takes a silence of 20 ms for the "
+                          "end of an answer; raise the baud rate"));
+}
+
 TEST(FailureText, NamesTheEndInUseWhenNobodyAnswers) {
     host::Site site = smallSite();
     site.channels[0].secondary = host::UdpEnd{"127.0.0.2", 9};

@@ -1,4 +1,5 @@
 #include "plan/Forecast.h"
+#include "plan/TelegramTime.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@ using host::LineType;
 using host::Point;
 using host::PointKind;
 using host::SerialEnd;
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -102,6 +104,45 @@ TEST(Forecast, TellsWhetherThePeriodsFit) {
     EXPECT_THAT(describeSite(site), HasSubstr("the scan periods do not fit"));
     site.channels[0].rtus[0].scan.analog = std::chrono::seconds(60);
     EXPECT_THAT(describeSite(site), HasSubstr("the scan periods fit\n"));
+}
+
+// Two telegrams of 10 ms each and the driver's rest, once a minute; one of each kind and the rest, 1 s and 2
+// s.
+TEST(Forecast, CountsTheTimeInWhichEthernetAnswersAreExpected) {
+    Channel channel = lineWith(rtuWithNineFlagsAndTwoRegisters(), LineType::Ethernet);
+    EXPECT_NEAR(host::forecastLine(channel).share, 30.0 / 60'000 + 20.0 / 1'000 + 20.0 / 2'000, 0.0001);
+    EXPECT_THAT(
+        host::describeSite({{channel}}),
+        HasSubstr("3 % of the line's time, with 10 ms for each answer to come: the scan periods fit"));
+    channel.expectedAnswer = std::chrono::milliseconds(600);
+    EXPECT_THAT(host::describeSite({{channel}}),
+                HasSubstr("with 600 ms for each answer to come: the scan periods "
+                          "fit, with little to spare"));
+    channel.expectedAnswer = std::chrono::milliseconds(1'000);
+    EXPECT_THAT(host::describeSite({{channel}}),
+                HasSubstr("do not fit; make them 1.55 times as long at least\n"));
+}
+
+TEST(Forecast, CountsTheTimeInWhichSerialAnswersAreExpectedWhenItIsTold) {
+    Channel channel = lineWith(rtuWithNineFlagsAndTwoRegisters(), LineType::Serial);
+    EXPECT_THAT(host::describeSite({{channel}}), HasSubstr("before the controllers' own delays: "));
+    const double before = host::forecastLine(channel).share;
+    channel.expectedAnswer = std::chrono::milliseconds(20);
+    EXPECT_NEAR(host::forecastLine(channel).share - before, 40.0 / 60'000 + 20.0 / 1'000 + 20.0 / 2'000,
+                0.0001);
+    EXPECT_THAT(host::describeSite({{channel}}), HasSubstr("with 20 ms for each answer to come: "));
+}
+
+TEST(Forecast, TellsPointsThatShareAnElementInTwoFormats) {
+    host::Rtu rtu;
+    addPoints(rtu, 'R', 30, 2);
+    addPoints(rtu, 'R', 30, 2); // P2 and P3
+    rtu.points[3].isFloat = true;
+    EXPECT_THAT(
+        host::describeSite({{lineWith(rtu, LineType::Ethernet)}}),
+        AllOf(HasSubstr("    R31 is read once and shown twice: by \"P1\" as an integer, by \"P3\" as a "
+                        "float; a command to either changes both\n"),
+              Not(HasSubstr("R30 is read once"))));
 }
 
 TEST(Forecast, TellsHowOftenAClockIsSet) {

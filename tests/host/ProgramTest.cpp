@@ -75,6 +75,26 @@ TEST_F(Program, StartsNothingOfABadSite) {
     }
 }
 
+TEST_F(Program, StartsNothingOfALineThatIsTooSlowForItsTelegrams) {
+    std::string points = "id,name,kind,address\n";
+    for (int i = 0; i < 127; ++i)
+        points += std::to_string(i) + ",P,analog,R" + std::to_string(i) + "\n";
+    QFile table(directory.filePath(QStringLiteral("points.csv")));
+    ASSERT_TRUE(table.open(QIODevice::WriteOnly));
+    table.write(points.data(), static_cast<qint64>(points.size()));
+    table.close();
+    const QString site =
+        writeSite("[[channel]]\nid = 1\ntype = \"SBus-Serial\"\nprimary = \"serial:/dev/none?baud=4800\"\n"
+                  "[[channel.rtu]]\nid = 1\nstation = 1\npoints = \"points.csv\"\n");
+    for (const char* const command : {"check", "run"}) {
+        const Ending ending = run({QString::fromLatin1(command), site});
+        EXPECT_EQ(ending.status, 2) << command;
+        EXPECT_THAT(ending.errors, HasSubstr("site.toml:6:6: error: RTU 1 \"rtu-1\" on serial:/dev/none?"));
+        EXPECT_THAT(ending.errors, HasSubstr("request and answer take 1085 ms at 4800 baud"));
+        EXPECT_EQ(ending.output, "");
+    }
+}
+
 TEST_F(Program, EndsWithTwoOnWrongUsage) {
     const QString site = silentSite();
     EXPECT_EQ(run({}).status, 2);

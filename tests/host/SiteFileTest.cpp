@@ -108,6 +108,16 @@ format = "float"
     EXPECT_EQ(channel.rtus[1].breakDelayMs, 12U);
 }
 
+TEST(SiteFile, TakesTheTimeInWhichAnAnswerIsExpected) {
+    const LoadedSite loaded = read(ethernet + "expected_answer = \"25ms\"\n" + rtu(1, csvPoints));
+    EXPECT_THAT(findings(loaded), IsEmpty());
+    EXPECT_EQ(loaded.site.channels.at(0).expectedAnswer, 25ms);
+    EXPECT_EQ(read(ethernet + rtu(1, csvPoints)).site.channels.at(0).expectedAnswer, std::nullopt);
+    EXPECT_THAT(
+        findings(ethernet + "expected_answer = 25\n" + rtu(1, csvPoints)),
+        ElementsAre(HasSubstr("site.toml:5:19: error: expected_answer is a duration without a unit")));
+}
+
 TEST(SiteFile, TellsAllFaultsOfALinkInOneGo) {
     EXPECT_THAT(findings("[[channel]]\nid = 1\ntype = \"SBus-Serial\"\n"
                          "primary = \"serial:/dev/x?baud=12345&stop=3\"\n" +
