@@ -1,8 +1,10 @@
 #include "CommandLine.h"
 
+#include "ArgumentFaults.h"
 #include "CaptureArguments.h"
 #include "site/Duration.h"
 #include "site/Number.h"
+#include "site/StationRanges.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,8 +14,6 @@ namespace {
 
 const std::vector<std::string> modeNames = {"data", "break"};
 const std::vector<std::string> formatNames = {"text", "json", "csv"};
-constexpr unsigned highestStation = 254; // 255 is the broadcast
-constexpr unsigned longestBreakMs = 1'000;
 
 // The texts behind the options that all three take.
 struct GivenController {
@@ -26,17 +26,6 @@ struct GivenController {
     std::shared_ptr<GivenCapture> capture;
 };
 
-std::string faultText(const std::string& what, const std::string& remedy) {
-    return what.empty() ? "" : what + "; " + remedy;
-}
-
-std::string linkFault(const std::string& text) {
-    std::string all;
-    for (const LinkFault& fault : parseLinkUrl(text).faults)
-        all += (all.empty() ? "" : "\n") + faultText(fault.what, fault.remedy);
-    return all;
-}
-
 std::string readsFault(const std::string& text) {
     const ParsedReads parsed = parseElementReads(text);
     return faultText(parsed.what, parsed.remedy);
@@ -48,15 +37,9 @@ std::string writeFault(const std::string& text) {
 }
 
 std::string stationFault(const std::string& text) {
-    return parseNumber(text, 0, highestStation)
+    return parseNumber(text, 0, highestAnsweringStation)
                ? ""
                : "\"" + text + "\" is no station from 0 to 254 (255 is the broadcast, which nobody answers)";
-}
-
-std::string breakDelayFault(const std::string& text) {
-    return parseNumber(text, 0, longestBreakMs)
-               ? ""
-               : "\"" + text + "\" is no number of milliseconds from 0 to 1000";
 }
 
 std::string countFault(const std::string& text) {

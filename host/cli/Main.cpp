@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "CtlArguments.h"
 #include "RunCommand.h"
+#include "ScanArguments.h"
 #include "site/Duration.h"
 
 #include <CLI/CLI.hpp>
@@ -85,6 +86,7 @@ int runProgram(int argc, char** argv) {
     addRunCommand(program, status);
     addCheckCommand(program, status);
     host::addOneShotCommands(program, status);
+    host::addScanCommand(program, status);
     addCtlCommand(program, status);
     try {
         program.parse(argc, argv);

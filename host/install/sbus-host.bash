@@ -71,7 +71,7 @@ _sbus_host_offer_sites() {
 _sbus_host_offer_value() {
     case $1 in
     --log-dir) _sbus_host_offer_files -d ;;
-    --plugin | --control | --capture) _sbus_host_offer_files -f ;;
+    --plugin | --control | --capture | --output) _sbus_host_offer_files -f ;;
     *) _sbus_host_offer_words "$(_sbus_host_options "$2" "$1")" ;;
     esac
 }
@@ -85,7 +85,7 @@ _sbus_host_offer_argument() {
         actions=$(_sbus_host_commands "$4")
         _sbus_host_offer_words "${actions:-write poll time-sync status watch trace}"
         ;;
-    read:0 | write:0 | time-sync:0)
+    read:0 | write:0 | time-sync:0 | scan:0)
         if [[ $3 == serial:* ]]; then
             _sbus_host_offer_files -f
         elif [[ $3 != *:* ]]; then

@@ -6,7 +6,8 @@
 
 #include <optional>
 
-// Conversations with one controller, without a site file: the sub-commands read, write and time-sync.
+// Conversations with controllers of one line, without a site file: the sub-commands read, write, time-sync
+// and scan.
 namespace host {
 
 struct Controller {
@@ -36,6 +37,19 @@ ExitStatus writeElements(const WriteOptions& options);
 ExitStatus tellWrites(const WriteOptions& options);
 
 ExitStatus synchroniseClock(const Controller& controller);
+
+struct ScanOptions {
+    // The line, in each of the ways in which it is to be talked over: baud rates and transmit types. Their
+    // stations do not count.
+    std::vector<ControllerLine> ways;
+    std::vector<unsigned> stations;
+    std::string pluginPath;                // empty: searched for
+    std::optional<CaptureOptions> capture; // none: telegrams are not captured
+    bool asJson = false;
+    std::string sitePath; // empty: no site file is written
+    bool overwrites = false;
+};
+ExitStatus scanStations(const ScanOptions& options);
 
 // On standard error, behind the program's name.
 void tellError(const std::string& text);

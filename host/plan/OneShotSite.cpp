@@ -95,6 +95,17 @@ std::string elementsText(const Rtu& rtu) {
     return text;
 }
 
+Site makeScanSite(const ControllerLine& line, const std::vector<unsigned>& stations) {
+    Channel channel = channelOf(line);
+    for (const unsigned station : stations) {
+        ControllerLine controller = line;
+        controller.station = station;
+        channel.rtus.push_back(rtuOf(controller, static_cast<int>(channel.rtus.size()) + 1));
+        channel.rtus.back().points.push_back(pointOf(0, scannedElement, false));
+    }
+    return {{channel}};
+}
+
 Site makeWriteSite(const ControllerLine& line, const std::vector<ElementWrite>& writes) {
     Channel channel = channelOf(line);
     Rtu rtu = rtuOf(line, writeRtuId);

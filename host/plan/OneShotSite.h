@@ -31,6 +31,13 @@ Site makeReadSite(const ControllerLine& line, const std::vector<ElementRead>& el
 // "R10..20", what an RTU of such a site reads.
 std::string elementsText(const Rtu& rtu);
 
+// What a scan asks every station for. A controller that does not have it refuses, which is an answer as well.
+constexpr ElementAddress scannedElement{'R', 0};
+
+// One RTU for each of `stations`, in their order; that of the line does not count. RTU ids from 1 on without
+// gaps.
+Site makeScanSite(const ControllerLine& line, const std::vector<unsigned>& stations);
+
 constexpr int writeRtuId = 1;
 
 // One RTU with a point for each of `writes`, by its place there. Outputs and flags are not read; of
