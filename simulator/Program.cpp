@@ -4,9 +4,12 @@
 #include "Summary.h"
 #include "Units.h"
 
+#include <ControlCharacters.h>
+
 #include <csignal>
 #include <optional>
 #include <ostream>
+#include <sstream>
 
 #include <asio/io_context.hpp>
 #include <asio/signal_set.hpp>
@@ -105,7 +108,7 @@ void waitForEnd(asio::io_context& context, asio::signal_set& signals,
 
 int report(const std::vector<std::string>& errors, std::ostream& err) {
     for (const std::string& error : errors)
-        err << error << "\n";
+        err << text::printable(error) << "\n";
     err.flush();
     return exitUsage;
 }
@@ -144,7 +147,10 @@ int runProgram(int argc, const char* const* argv, std::ostream& out, std::ostrea
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error, out, err) == 0 ? exitGood : exitUsage;
+        std::ostringstream told; // with words of the command line in it
+        const int status = app.exit(error, out, told);
+        err << text::printableLines(told.str());
+        return status == 0 ? exitGood : exitUsage;
     }
     std::vector<std::string> errors;
     std::optional<std::chrono::milliseconds> duration;

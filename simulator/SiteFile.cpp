@@ -5,6 +5,10 @@
 #include <limits>
 #include <set>
 
+#include <ControlCharacters.h>
+#include <TextFile.h>
+#include <TomlShape.h>
+
 #include <toml++/toml.h>
 
 namespace sim {
@@ -27,6 +31,9 @@ private:
     void readRtus(const toml::table& channel, LineSite& line);
     std::optional<Framing> readTransmitType(const toml::table& rtu);
 
+    // Whether a text holds what a terminal would obey instead of showing it.
+    bool refuseControls(const toml::table& table, const char* key, const std::string& value);
+
     // The value of a key that must be there. A mistake is noted and gives no value.
     template <typename Value>
     std::optional<Value> require(const toml::table& table, const char* key, const char* rule);
@@ -44,6 +51,15 @@ private:
     std::vector<std::string>& errors;
     std::set<std::int64_t> channelIds;
 };
+
+bool Loader::refuseControls(const toml::table& table, const char* key, const std::string& value) {
+    const std::size_t control = text::findControl(value);
+    if (control == std::string::npos)
+        return false;
+    note(*table.get(key), key,
+         "holds control character " + text::controlName(value, control) + "; take it out");
+    return true;
+}
 
 template <typename Value>
 std::optional<Value> Loader::require(const toml::table& table, const char* key, const char* rule) {
@@ -87,6 +103,7 @@ void Loader::readChannel(const toml::table& channel, Site& site) {
         note(*channel.get("id"), "id", "channel " + std::to_string(*id) + " is there already");
     line.id = static_cast<int>(id.value_or(0));
     line.name = channel["name"].value_or(std::string());
+    refuseControls(channel, "name", line.name);
 
     const char* typeRule = "must be \"SBus-Ethernet\" or \"SBus-Serial\"";
     const auto type = require<std::string>(channel, "type", typeRule);
@@ -104,6 +121,8 @@ void Loader::readChannel(const toml::table& channel, Site& site) {
 void Loader::readEnd(const toml::table& channel, const char* key, EndPoint& end) {
     const auto text = require<std::string>(channel, key, "must be a text, as in \"udp://192.168.10.5:5050\"");
     if (!text)
+        return;
+    if (refuseControls(channel, key, *text))
         return;
     const toml::node& node = *channel.get(key);
     end.place = place(node, key);
@@ -158,12 +177,22 @@ std::optional<Framing> Loader::readTransmitType(const toml::table& rtu) {
 } // namespace
 
 Site loadSite(const std::string& file, std::vector<std::string>& errors) {
+    constexpr std::uintmax_t largestFile = 67'108'864; // 64 MB, as the host takes
+    const text::FileText read = text::readTextFile(file, largestFile);
+    if (!read.contents) {
+        errors.push_back(file + ": " + read.fault);
+        return {};
+    }
+    if (const std::optional<text::ShapeFault> fault = text::findTomlShapeFault(*read.contents)) {
+        errors.push_back(file + ":" + std::to_string(fault->line) + ": " + fault->what + "; " +
+                         fault->remedy);
+        return {};
+    }
     try {
-        const toml::table root = toml::parse_file(file);
+        const toml::table root = toml::parse(*read.contents, file);
         return Loader(file, errors).load(root);
     } catch (const toml::parse_error& error) {
-        const auto line = error.source().begin.line; // 0: the file could not be read
-        errors.push_back(file + (line == 0 ? "" : ":" + std::to_string(line)) + ": " +
+        errors.push_back(file + ":" + std::to_string(error.source().begin.line) + ": " +
                          std::string(error.description()));
         return {};
     }

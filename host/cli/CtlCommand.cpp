@@ -7,6 +7,7 @@
 #include "services/console/Terminal.h"
 #include "services/control/SocketPath.h"
 
+#include <ControlCharacters.h>
 #include <QFileInfo>
 #include <QJsonDocument>
 
@@ -25,7 +26,7 @@ std::string noHostText(const CtlOptions& options) {
 }
 
 ExitStatus tellFault(const std::string& fault, ExitStatus status) {
-    std::cerr << "sbus-host: " << fault << '\n';
+    std::cerr << "sbus-host: " << text::printable(fault) << '\n';
     return status;
 }
 
@@ -39,20 +40,27 @@ ExitStatus tellInterruption() {
                      ExitStatus::CommunicationFailed);
 }
 
+ExitStatus tellStranger(const QByteArray& line) {
+    constexpr std::size_t longest = 80; // bytes that show what it is
+    return tellFault("what answers is no sbus-host of this kind; it says: " +
+                         line.toStdString().substr(0, longest),
+                     ExitStatus::CommunicationFailed);
+}
+
 QJsonObject parse(const QByteArray& line) {
     return QJsonDocument::fromJson(line).object();
 }
 
 void showReply(const CtlOptions& options, const QByteArray& line, const QJsonObject& reply) {
     if (options.json)
-        std::cout << line.toStdString() << '\n';
+        std::cout << text::printableJson(line.toStdString()) << '\n';
     else if (reply.contains(QStringLiteral("results")))
         std::cout << resultsText(reply);
     else if (reply.contains(QStringLiteral("channels")))
         std::cout << statusText(reply);
     const QString fault = reply.value(QStringLiteral("error")).toString();
     if (!options.json && !fault.isEmpty())
-        std::cerr << "sbus-host: " << fault.toStdString() << '\n';
+        std::cerr << "sbus-host: " << text::printable(fault.toStdString()) << '\n';
     std::cout << std::flush;
 }
 
@@ -65,7 +73,7 @@ std::string eventText(const QJsonObject& message) {
     std::string text;
     if (exchange.isObject())
         for (const std::string& line : exchangeLines(exchange.toObject()))
-            text += line + '\n';
+            text += text::printable(line) + '\n';
     const QJsonValue lost = message.value(QStringLiteral("lost"));
     if (lost.isDouble())
         text = QString::number(lost.toDouble(), 'f', 0).toStdString() +
@@ -82,10 +90,12 @@ ExitStatus showEvents(const CtlOptions& options, ControlClient& client) {
         const QJsonObject message = parse(*line);
         const std::string text = eventText(message);
         if (text.empty()) { // why the host will tell no more
+            if (message.isEmpty())
+                return tellStranger(*line);
             showReply(options, *line, message);
             return judgeReply(message);
         }
-        std::cout << (options.json ? line->toStdString() + '\n' : text) << std::flush;
+        std::cout << (options.json ? text::printableJson(line->toStdString()) + '\n' : text) << std::flush;
     }
     return ExitStatus::Good; // nobody reads any more
 }
@@ -109,6 +119,8 @@ ExitStatus askRunningHost(const CtlOptions& options) {
     if (!line)
         return stopsignal::isRequested() ? tellInterruption() : tellEnd();
     const QJsonObject reply = parse(*line);
+    if (reply.isEmpty())
+        return tellStranger(*line);
     const bool wantsEvents = std::holds_alternative<WatchRequest>(options.request) ||
                              std::holds_alternative<TraceRequest>(options.request);
     if (wantsEvents && reply.value(QStringLiteral("ok")).toBool())

@@ -2,13 +2,16 @@
 #include "CheckCommand.h"
 #include "CommandLine.h"
 #include "CtlArguments.h"
+#include "ImportCommand.h"
 #include "RunCommand.h"
 #include "ScanArguments.h"
 #include "site/Duration.h"
 
 #include <CLI/CLI.hpp>
+#include <ControlCharacters.h>
 #include <QCoreApplication>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -35,6 +38,33 @@ void addCheckCommand(CLI::App& program, ExitStatus& status) {
     const auto path = std::make_shared<std::string>();
     command->add_option("SITE", *path, "Site file")->required();
     command->callback([path, &status] { status = host::checkSiteFile(*path); });
+}
+
+std::string columnsFault(const std::string& text) {
+    return host::parseColumns(text).fault;
+}
+
+void addImportCommand(CLI::App& program, ExitStatus& status) {
+    struct Given {
+        host::ImportOptions options;
+        std::string columns;
+    };
+    CLI::App* const command = program.add_subcommand(
+        "import", "Make a point table of the symbol lists that programming tools export");
+    const auto given = std::make_shared<Given>();
+    command->add_option("FILE", given->options.lists, "Symbol lists: text with separators")->required();
+    command->add_option("-o,--output", given->options.output, "Point table to write, such as points.csv")
+        ->required();
+    command
+        ->add_option(
+            "--columns", given->columns,
+            "Where to find what, such as symbol=1,type=2,address=3,comment=4; without it by the heads")
+        ->check(columnsFault);
+    command->add_flag("--force", given->options.overwrites, "Write over a file that is there already");
+    command->callback([given, &status] {
+        given->options.columns = host::parseColumns(given->columns).columns;
+        status = host::importSymbols(given->options);
+    });
 }
 
 void addRunCommand(CLI::App& program, ExitStatus& status) {
@@ -85,13 +115,17 @@ int runProgram(int argc, char** argv) {
     ExitStatus status = ExitStatus::Good;
     addRunCommand(program, status);
     addCheckCommand(program, status);
+    addImportCommand(program, status);
     host::addOneShotCommands(program, status);
     host::addScanCommand(program, status);
     addCtlCommand(program, status);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& ending) { // also the end of --help, whose number is 0
-        return program.exit(ending) == 0 ? 0 : static_cast<int>(ExitStatus::Configuration);
+        std::ostringstream told;              // with words of the command line in it
+        const int number = program.exit(ending, std::cout, told);
+        std::cerr << text::printableLines(told.str());
+        return number == 0 ? 0 : static_cast<int>(ExitStatus::Configuration);
     }
     return static_cast<int>(status);
 }
@@ -102,7 +136,7 @@ int main(int argc, char** argv) {
     try {
         return runProgram(argc, argv);
     } catch (const std::exception& failure) {
-        std::cerr << "sbus-host: " << failure.what() << '\n';
+        std::cerr << "sbus-host: " << text::printable(failure.what()) << '\n';
         return static_cast<int>(ExitStatus::Configuration);
     }
 }

@@ -8,6 +8,8 @@
 #include "services/console/Terminal.h"
 #include "values/ReadingText.h"
 
+#include <ControlCharacters.h>
+
 #include <iostream>
 #include <thread>
 
@@ -96,7 +98,7 @@ ElementTally readRounds(const ReadOptions& options, ElementReader& reader) {
 } // namespace
 
 void tellError(const std::string& text) {
-    std::cerr << "sbus-host: " << text << std::endl;
+    std::cerr << "sbus-host: " << text::printable(text) << std::endl;
 }
 
 ExitStatus readElements(const ReadOptions& options) {

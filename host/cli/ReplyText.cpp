@@ -3,6 +3,7 @@
 #include "services/console/TableLayout.h"
 #include "values/ValueText.h"
 
+#include <ControlCharacters.h>
 #include <HalvexDriverComponent/Halvex.h>
 
 #include <QDateTime>
@@ -16,8 +17,9 @@ namespace {
 
 using Row = std::vector<std::string>;
 
+// For a terminal: a reply may come from whoever has the socket.
 std::string text(const QJsonObject& object, const char* key) {
-    return object.value(QLatin1String(key)).toString().toStdString();
+    return text::printable(object.value(QLatin1String(key)).toString().toStdString());
 }
 
 std::string numberText(const QJsonObject& object, const char* key) {

@@ -11,6 +11,7 @@
 #include "services/console/Summary.h"
 #include "services/console/Terminal.h"
 
+#include <ControlCharacters.h>
 #include <HalvexDriverComponent/CLogger.h>
 
 #include <cstdlib>
@@ -76,7 +77,7 @@ bool isReadToTheEnd(const Console& console) {
 }
 
 ExitStatus failed(const std::string& fault) {
-    std::cerr << "sbus-host: " << fault << '\n';
+    std::cerr << "sbus-host: " << text::printable(fault) << '\n';
     return ExitStatus::Configuration;
 }
 

@@ -8,6 +8,8 @@
 #include "services/control/ControlSocket.h"
 #include "services/pulses/PulseSupervisor.h"
 
+#include <ControlCharacters.h>
+
 namespace host {
 
 namespace {
@@ -36,8 +38,8 @@ RunServices::RunServices(const RunOptions& options, OutputFormat format, const H
     runningSite = std::make_unique<RunningSite>(runningSiteOf(host, *pulses));
     services.push_back(std::move(pulses));
     services.push_back(std::make_unique<ClockSchedule>(host.site, host.dispatcher, tell));
-    auto shown = std::make_unique<ConsoleService>(host.console, format, "sbus-host  " + options.sitePath,
-                                                  options.frames);
+    auto shown = std::make_unique<ConsoleService>(
+        host.console, format, "sbus-host  " + text::printable(options.sitePath), options.frames);
     consoleService = shown.get();
     services.push_back(std::move(shown));
     if (options.capture)

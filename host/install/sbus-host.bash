@@ -80,6 +80,7 @@ _sbus_host_offer_value() {
 _sbus_host_offer_argument() {
     local actions
     case $1:$2 in
+    import:*) _sbus_host_offer_files -f ;;
     run:0 | check:0 | ctl:0) _sbus_host_offer_sites ;;
     ctl:1)
         actions=$(_sbus_host_commands "$4")

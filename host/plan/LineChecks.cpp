@@ -87,7 +87,7 @@ LoadedSite loadCheckedSite(const std::string& path) {
     LoadedSite loaded = loadSite(path);
     if (!loaded.findings.hasErrors()) {
         checkLines(loaded.site, loaded.findings);
-        loaded.findings.sort();
+        loaded.findings.finish();
     }
     return loaded;
 }

@@ -1,10 +1,10 @@
 #include "CsvReader.h"
 
+#include <algorithm>
+
 namespace host {
 
 namespace {
-
-const std::string byteOrderMark = "\xEF\xBB\xBF";
 
 // Makes room for a cell; one of an earlier row keeps its memory.
 Cell& addCell(CsvRow& row, std::size_t place) {
@@ -13,19 +13,26 @@ Cell& addCell(CsvRow& row, std::size_t place) {
     return row.cells[place];
 }
 
+bool isBlank(char byte) {
+    return byte == ' ' || byte == '\t';
+}
+
+// Those of a character take no column of their own.
+bool isLaterByte(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
 } // namespace
 
-CsvReader::CsvReader(const std::string& csvText, const std::string& csvFile, Findings& foundSoFar)
-    : text(csvText), file(csvFile), findings(foundSoFar) {
-    if (text.compare(0, byteOrderMark.size(), byteOrderMark) == 0)
-        position = byteOrderMark.size();
-}
+CsvReader::CsvReader(const std::string& csvText, char cellSeparator, const std::string& csvFile,
+                     Findings& foundSoFar)
+    : text(csvText), separator(cellSeparator), file(csvFile), findings(foundSoFar) {}
 
 bool CsvReader::next(CsvRow& row) {
     while (!atEnd()) {
         readRow(row);
-        const bool isEmpty = row.cells.size() == 1 && row.cells[0].text.empty();
-        if (!isEmpty)
+        if (std::any_of(row.cells.begin(), row.cells.end(),
+                        [](const Cell& cell) { return !cell.text.empty(); }))
             return true;
     }
     return false;
@@ -36,18 +43,20 @@ void CsvReader::advance() {
     if (passed == '\n') {
         ++spot.line;
         spot.column = 1;
-    } else if ((static_cast<unsigned char>(passed) & 0xC0) != 0x80) {
-        ++spot.column; // the later bytes of a character take no column of their own
+    } else if (!isLaterByte(passed)) {
+        ++spot.column;
     }
 }
 
 void CsvReader::readRow(CsvRow& row) {
+    skipBlanks();
     row.start = spot;
     std::size_t count = 0;
-    readCell(addCell(row, count++));
-    while (!atRowEnd()) { // at a comma
+    const bool isComment = !atEnd() && current() == '#';
+    readCell(addCell(row, count++), !isComment);
+    while (!atRowEnd()) { // at a separator
         advance();
-        readCell(addCell(row, count++));
+        readCell(addCell(row, count++), !isComment);
     }
     row.cells.resize(count);
     row.end = spot;
@@ -58,21 +67,38 @@ void CsvReader::readRow(CsvRow& row) {
 }
 
 void CsvReader::skipBlanks() {
-    while (!atEnd() && (current() == ' ' || current() == '\t'))
+    while (!atEnd() && isBlank(current()) && current() != separator)
         advance();
 }
 
-void CsvReader::readCell(Cell& cell) {
+void CsvReader::readCell(Cell& cell, bool mayBeQuoted) {
     skipBlanks();
-    cell.text.clear();
-    cell.spot = spot;
-    if (!atEnd() && current() == '"') {
-        readQuoted(cell);
+    if (atEnd() || current() != '"' || !mayBeQuoted) {
+        readPlainCell(cell);
         return;
     }
-    while (!atRowEnd() && current() != ',')
-        append(cell);
-    cell.text.erase(cell.text.find_last_not_of(" \t") + 1);
+    cell.text.clear();
+    cell.spot = spot;
+    readQuoted(cell);
+}
+
+void CsvReader::readPlainCell(Cell& cell) {
+    cell.spot = spot;
+    const char* const start = text.data() + position;
+    const char* const textEnd = text.data() + text.size();
+    const char* end = start;
+    unsigned laterBytes = 0;
+    for (; end != textEnd && *end != separator && *end != '\n' && *end != '\r'; ++end)
+        laterBytes += isLaterByte(*end) ? 1 : 0;
+    const auto size = static_cast<std::size_t>(end - start);
+    position += size;
+    spot.column += static_cast<unsigned>(size) - laterBytes;
+    while (end != start && isBlank(end[-1]))
+        --end;
+    if (end == start)
+        cell.text.clear();
+    else
+        cell.text.assign(start, static_cast<std::size_t>(end - start));
 }
 
 void CsvReader::append(Cell& cell) {
@@ -94,16 +120,17 @@ void CsvReader::readQuoted(Cell& cell) {
             break;
     }
     skipBlanks();
-    if (atRowEnd() || current() == ',')
+    if (atCellEnd())
         return;
     refuse(spot, "text behind a closing quote");
-    while (!atRowEnd() && current() != ',')
+    while (!atCellEnd())
         advance();
 }
 
 void CsvReader::refuse(const Spot& at, const std::string& what) {
-    findings.error({file, at.line, at.column}, what,
-                   "a cell in quotes ends with a quote and a comma; a quote inside is written twice");
+    findings.error(
+        {file, at.line, at.column}, what,
+        "a cell in quotes ends with a quote and what separates cells; a quote inside is written twice");
 }
 
 } // namespace host

@@ -1,16 +1,48 @@
 #include "Finding.h"
 
+#include <ControlCharacters.h>
+
 #include <algorithm>
+#include <limits>
 #include <tuple>
 
 namespace host {
+
+namespace {
+
+// A fault of a whole column comes once for each row; whoever sees twenty of them knows what it is.
+constexpr std::size_t mostOfAFile = 20;
+// Of what counts the findings that are left out.
+constexpr unsigned behindAllColumns = std::numeric_limits<unsigned>::max();
+
+const char* severityText(Severity severity) {
+    switch (severity) {
+    case Severity::Error:
+        return " error: ";
+    case Severity::Warning:
+        return " warning: ";
+    case Severity::Note:
+        break;
+    }
+    return " note: ";
+}
+
+const char* nameOfMore(Severity severity) {
+    return severity == Severity::Error     ? " more errors"
+           : severity == Severity::Warning ? " more warnings"
+                                           : " more notes";
+}
+
+} // namespace
 
 std::string toText(const Finding& finding) {
     std::string text = finding.place.file + ':';
     if (finding.place.line > 0)
         text += std::to_string(finding.place.line) + ':' + std::to_string(finding.place.column) + ':';
-    text += finding.severity == Severity::Error ? " error: " : " warning: ";
-    return text + finding.what + "; " + finding.remedy;
+    text += severityText(finding.severity) + finding.what;
+    if (!finding.remedy.empty())
+        text += "; " + finding.remedy;
+    return text::printable(text);
 }
 
 void Findings::error(const Place& place, const std::string& what, const std::string& remedy) {
@@ -21,9 +53,16 @@ void Findings::warning(const Place& place, const std::string& what, const std::s
     add({Severity::Warning, place, what, remedy});
 }
 
-void Findings::add(const Finding& finding) {
-    if (texts.insert(toText(finding)).second)
-        list.push_back(finding);
+void Findings::note(const Place& place, const std::string& what) {
+    add({Severity::Note, place, what, {}});
+}
+
+void Findings::add(Finding finding) {
+    if (!seen.insert(std::hash<std::string>()(toText(finding))).second)
+        return;
+    FileCount& file = files.try_emplace(finding.place.file, FileCount{files.size(), {}}).first->second;
+    if (++file.found[static_cast<std::size_t>(finding.severity)] <= mostOfAFile)
+        list.push_back(std::move(finding));
 }
 
 bool Findings::hasErrors() const {
@@ -31,13 +70,20 @@ bool Findings::hasErrors() const {
                        [](const Finding& finding) { return finding.severity == Severity::Error; });
 }
 
-void Findings::sort() {
-    std::vector<std::string> files;
-    for (const Finding& finding : list)
-        if (std::find(files.begin(), files.end(), finding.place.file) == files.end())
-            files.push_back(finding.place.file);
-    const auto key = [&files](const Finding& finding) {
-        return std::make_tuple(std::find(files.begin(), files.end(), finding.place.file), finding.place.line,
+void Findings::finish() {
+    const auto isCount = [](const Finding& finding) { return finding.place.column == behindAllColumns; };
+    list.erase(std::remove_if(list.begin(), list.end(), isCount), list.end()); // of an earlier call
+    for (const auto& [file, counts] : files)
+        for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
+            const std::size_t found = counts.found[static_cast<std::size_t>(severity)];
+            if (found > mostOfAFile)
+                list.push_back({severity,
+                                {file, 0, behindAllColumns},
+                                std::to_string(found - mostOfAFile) + nameOfMore(severity) + " in this file",
+                                "correct those above first"});
+        }
+    const auto key = [&](const Finding& finding) {
+        return std::make_tuple(files.at(finding.place.file).order, isCount(finding), finding.place.line,
                                finding.place.column);
     };
     std::stable_sort(list.begin(), list.end(),

@@ -3,6 +3,8 @@
 #include "BaudRate.h"
 #include "Number.h"
 
+#include <ControlCharacters.h>
+
 #include <algorithm>
 #include <limits>
 #include <set>
@@ -135,6 +137,8 @@ std::string toText(const UdpEnd& end) {
 } // namespace
 
 ParsedLink parseLinkUrl(const std::string& url) {
+    if (text::findControl(url) != std::string::npos)
+        return {std::nullopt, {{"\"" + url + "\" holds a control character", "take it out"}}};
     if (startsWith(url, udpScheme))
         return parseUdp(url.substr(udpScheme.size()));
     if (startsWith(url, serialScheme))

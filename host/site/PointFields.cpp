@@ -1,11 +1,21 @@
 #include "PointFields.h"
 
+#include "AnyCase.h"
 #include "Number.h"
+
+#include <ControlCharacters.h>
 
 namespace host {
 
-const std::vector<std::string> pointFieldNames = {
-    "id", "name", "kind", "address", "format", "value", "second_address", "second_value", "pulse_ms"};
+const std::array<PointColumn, pointFieldCount> pointColumns = {{{"id", true},
+                                                                {"name", false},
+                                                                {"kind", false},
+                                                                {"address", false},
+                                                                {"format", false},
+                                                                {"value", true},
+                                                                {"second_address", false},
+                                                                {"second_value", true},
+                                                                {"pulse_ms", true}}};
 
 namespace {
 
@@ -13,7 +23,7 @@ constexpr unsigned highestPointId = firstHiddenNumber - 1;
 constexpr unsigned longestPulseMs = 24 * 3'600'000;
 
 const std::string& nameOf(PointField field) {
-    return pointFieldNames[static_cast<std::size_t>(field)];
+    return pointColumns[static_cast<std::size_t>(field)].name;
 }
 
 bool isPlain(const std::string& written, const ElementAddress& address) {
@@ -90,16 +100,27 @@ private:
         if (need(PointField::Id, "give a whole number, unique within the RTU") != nullptr)
             point.id = number(PointField::Id, 0, highestPointId).value_or(0);
         if (const Cell* const name = need(PointField::Name, "give the point a name"))
-            point.name = name->text;
+            readName(*name);
+    }
+
+    void readName(const Cell& name) {
+        const std::size_t control = text::findControl(name.text);
+        if (control == std::string::npos)
+            point.name = name.text;
+        else
+            refuse(name.spot,
+                   "name with control character " + text::controlName(name.text, control) + ": \"" +
+                       name.text + "\"",
+                   "take it out; a name is one line of what can be shown");
     }
 
     void readKindAndAddress() {
         const char* const kindRemedy = "write status (I, O, F) or analog (R, T, C)";
         const Cell* const kind = need(PointField::Kind, kindRemedy);
-        const bool kindIsKnown = kind != nullptr && (kind->text == "status" || kind->text == "analog");
+        const bool analog = kind != nullptr && isSameInAnyCase(kind->text, "analog");
+        const bool kindIsKnown = analog || (kind != nullptr && isSameInAnyCase(kind->text, "status"));
         if (kind != nullptr && !kindIsKnown)
             refuse(kind->spot, "kind \"" + kind->text + "\" is not known", kindRemedy);
-        const bool analog = kindIsKnown && kind->text == "analog";
         point.kind = analog ? PointKind::Analog : PointKind::Status;
 
         const Cell* const written = need(PointField::Address, "give the element's address, such as R200");
@@ -111,16 +132,16 @@ private:
         if (!isPlain(written->text, *parsed))
             point.writtenAddress = std::make_shared<const std::string>(written->text);
         if (kindIsKnown && analog == isBitMedia(parsed->media))
-            refuse(written->spot, "address " + toText(*parsed) + " does not fit kind " + kind->text,
+            refuse(written->spot, "address " + toText(*parsed) + " does not fit kind " + lowered(kind->text),
                    analog ? "an analog point is a register, timer or counter (R, T, C); or write kind status"
                           : "a status point is an input, output or flag (I, O, F); or write kind analog");
     }
 
     void readFormat() {
         const Cell* const format = find(PointField::Format);
-        if (format == nullptr || format->text == "integer")
+        if (format == nullptr || isSameInAnyCase(format->text, "integer"))
             return;
-        point.isFloat = format->text == "float";
+        point.isFloat = isSameInAnyCase(format->text, "float");
         if (!point.isFloat)
             refuse(format->spot, "format \"" + format->text + "\" is not known",
                    "write float, or leave it empty for an integer");
@@ -173,23 +194,37 @@ std::optional<Point> readPoint(const PointFields& fields, const PointPlace& plac
     return PointReader(fields, place, findings).read();
 }
 
+void PointIds::reserve(std::size_t expected) {
+    takers.reserve(expected);
+    index.reserve(expected);
+}
+
 void PointIds::take(const PointFields& fields, const PointPlace& place, Findings& findings) {
     const Cell* const cell = cellOf(fields, PointField::Id);
     const std::optional<unsigned> id =
         cell == nullptr ? std::nullopt : parseNumber(cell->text, 0, highestPointId);
     if (!id)
         return;
-    const Cell* const name = cellOf(fields, PointField::Name);
-    const auto [first, isNew] =
-        takers.try_emplace(*id, Taker{name == nullptr ? "" : name->text, place.spot.line});
-    if (isNew)
+    const auto number = static_cast<std::uint32_t>(takers.size());
+    const std::optional<std::uint32_t> first =
+        index.findOrTake(*id, number, [&](std::uint32_t taker) { return takers[taker].id == *id; });
+    if (!first) {
+        if (const Cell* const name = cellOf(fields, PointField::Name))
+            names += name->text;
+        takers.push_back({*id, place.spot.line, names.size()});
         return;
-    const Taker& taker = first->second;
+    }
+    const std::string name = nameOf(*first);
     findings.error({place.file, place.spot.line, place.spot.column},
                    "point id " + std::to_string(*id) + " is already taken " +
-                       (taker.name.empty() ? "" : "by \"" + taker.name + "\" ") + "in line " +
-                       std::to_string(taker.line),
+                       (name.empty() ? "" : "by \"" + name + "\" ") + "in line " +
+                       std::to_string(takers[*first].line),
                    "give each point of an RTU an id of its own");
+}
+
+std::string PointIds::nameOf(std::uint32_t taker) const {
+    const std::size_t start = taker == 0 ? 0 : takers[taker - 1].nameEnd;
+    return names.substr(start, takers[taker].nameEnd - start);
 }
 
 } // namespace host

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "CsvReader.h"
+#include "HashIndex.h"
 #include "Site.h"
 
 #include <array>
-#include <unordered_map>
 
 namespace host {
 
@@ -21,9 +21,15 @@ enum class PointField : std::size_t {
     SecondValue,
     PulseMs
 };
-extern const std::vector<std::string> pointFieldNames; // in this order
-constexpr std::size_t pointFieldCount = 9;
+constexpr std::size_t pointFieldCount = static_cast<std::size_t>(PointField::PulseMs) + 1;
 constexpr std::size_t neededPointFields = 4;
+
+// What a field is called at the head of a column and as a key, and what stands in it.
+struct PointColumn {
+    std::string name;
+    bool isNumber = false; // a spreadsheet may write it with decimals
+};
+extern const std::array<PointColumn, pointFieldCount> pointColumns; // by PointField
 
 // What is said of one point, by PointField; null where nothing is. The cells outlive it.
 using PointFields = std::array<const Cell*, pointFieldCount>;
@@ -42,16 +48,23 @@ std::optional<Point> readPoint(const PointFields& fields, const PointPlace& plac
 // point with other faults takes part too.
 class PointIds {
 public:
+    // Makes room for as many points.
+    void reserve(std::size_t expected);
     // Tells when a point before has the id.
     void take(const PointFields& fields, const PointPlace& place, Findings& findings);
 
 private:
     struct Taker {
-        std::string name; // empty when it has none
+        unsigned id = 0;
         unsigned line = 0;
+        std::size_t nameEnd = 0; // its name's, in `names`; it begins where that of the one before ends
     };
 
-    std::unordered_map<unsigned, Taker> takers;
+    std::string nameOf(std::uint32_t taker) const;
+
+    std::vector<Taker> takers;
+    std::string names; // one behind the other, empty for a point without one
+    HashIndex index;
 };
 
 } // namespace host

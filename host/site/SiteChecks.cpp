@@ -1,5 +1,7 @@
 #include "SiteChecks.h"
 
+#include "HashIndex.h"
+
 #include <map>
 
 namespace host {
@@ -42,18 +44,45 @@ void findDuplicateIds(const Items& items, const std::string& kind, Findings& fin
     }
 }
 
-void findAmbiguousNames(const Site& site, Findings& findings) {
-    std::map<std::string, unsigned> lineOfName;
-    for (const Channel& channel : site.channels) {
+// Commands and messages know an RTU by the names of its channel and its own.
+void findAmbiguousRtus(const Site& site, Findings& findings) {
+    std::map<std::string, unsigned> lineOfFullName;
+    std::map<std::string, std::pair<const Channel*, unsigned>> firstOfName;
+    for (const Channel& channel : site.channels)
         for (const Rtu& rtu : channel.rtus) {
-            const auto [first, isNew] =
-                lineOfName.try_emplace(channel.name + '\n' + rtu.name, rtu.place.line);
-            if (!isNew)
+            const std::string fullName = channel.name + '/' + rtu.name;
+            const auto [full, isNewInFull] = lineOfFullName.try_emplace(fullName, rtu.place.line);
+            const auto [other, isNew] =
+                firstOfName.try_emplace(rtu.name, std::make_pair(&channel, rtu.place.line));
+            if (!isNewInFull)
+                findings.error(rtu.place,
+                               "RTU name \"" + rtu.name + "\" is already that of line " +
+                                   std::to_string(full->second),
+                               "commands know RTUs by their names: give each its own");
+            else if (!isNew)
                 findings.warning(rtu.place,
-                                 "RTU name \"" + rtu.name + "\" is already that of line " +
-                                     std::to_string(first->second),
-                                 "output tells RTUs by their names: give each its own");
+                                 "RTU name \"" + rtu.name + "\" is that of line " +
+                                     std::to_string(other->second.second) + " too, in channel \"" +
+                                     other->second.first->name + "\"",
+                                 "commands need \"" + fullName +
+                                     "\", and lines of values do not tell which one it is: give each RTU a "
+                                     "name of its own");
         }
+}
+
+void findAmbiguousPoints(const Rtu& rtu, Findings& findings) {
+    HashIndex names;
+    names.reserve(rtu.points.size());
+    for (std::uint32_t i = 0; i < rtu.points.size(); ++i) {
+        const Point& point = rtu.points[i];
+        const auto first =
+            names.findOrTake(std::hash<std::string>()(point.name), i,
+                             [&](std::uint32_t number) { return rtu.points[number].name == point.name; });
+        if (first)
+            findings.error({rtu.pointFile, point.spot.line, point.spot.column},
+                           "point name \"" + point.name + "\" is already that of line " +
+                               std::to_string(rtu.points[*first].spot.line),
+                           "commands know points by their names: give each of an RTU its own");
     }
 }
 
@@ -131,7 +160,10 @@ void checkSite(const Site& site, Findings& findings) {
     findDuplicateIds(site.channels, "channel", findings);
     for (const Channel& channel : site.channels)
         findDuplicateIds(channel.rtus, "RTU", findings);
-    findAmbiguousNames(site, findings);
+    findAmbiguousRtus(site, findings);
+    for (const Channel& channel : site.channels)
+        for (const Rtu& rtu : channel.rtus)
+            findAmbiguousPoints(rtu, findings);
     findSharedDevices(site, findings);
     if (!findings.hasErrors())
         findIdleParts(site, findings);

@@ -5,9 +5,10 @@
 #include "SiteChecks.h"
 #include "TomlTable.h"
 
+#include <TomlShape.h>
+
 #include <array>
 #include <filesystem>
-#include <fstream>
 
 namespace host {
 
@@ -18,17 +19,12 @@ const std::string nameRemedy = "write a name in quotes";
 const std::string typeRemedy = "write \"SBus-Ethernet\" or \"SBus-Serial\"";
 constexpr int highestId = 0x7FFF'FFFF;
 
-std::optional<std::string> readWholeFile(const std::string& path) {
-    std::ifstream stream(std::filesystem::u8path(path), std::ios::binary);
-    if (!stream)
-        return std::nullopt;
-    std::string contents;
-    std::array<char, 65'536> block;
-    while (stream.read(block.data(), block.size()) || stream.gcount() > 0)
-        contents.append(block.data(), static_cast<std::size_t>(stream.gcount()));
-    if (stream.bad()) // a directory opens like a file; its first read fails
-        return std::nullopt;
-    return contents;
+constexpr std::uintmax_t megabyte = 1'048'576;
+constexpr std::uintmax_t largestSiteFile = 64 * megabyte;
+constexpr std::uintmax_t largestPointTable = 512 * megabyte; // ten million points
+
+text::FileText readTableFile(const std::string& path) {
+    return text::readTextFile(path, largestPointTable);
 }
 
 class SiteReader {
@@ -37,6 +33,16 @@ public:
         : file(siteFile), readFile(fileReader) {}
 
     LoadedSite read(const std::string& text) {
+        if (const std::optional<text::ShapeFault> fault = text::findTomlShapeFault(text))
+            loaded.findings.error({file, fault->line, fault->column}, fault->what, fault->remedy);
+        else
+            parse(text);
+        loaded.findings.finish();
+        return std::move(loaded);
+    }
+
+private:
+    void parse(const std::string& text) {
         try {
             const toml::table root = toml::parse(text, file);
             readRoot(root);
@@ -45,11 +51,8 @@ public:
             loaded.findings.error({file, at.line, at.column}, std::string(failure.description()),
                                   "correct the line; what follows it was not looked at");
         }
-        loaded.findings.sort();
-        return std::move(loaded);
     }
 
-private:
     void readRoot(const toml::table& root) {
         TomlTable table(root, file, loaded.findings);
         table.need("channel", "describe each line in a [[channel]] table");
@@ -181,8 +184,13 @@ private:
         if (csv && table.has("point"))
             loaded.findings.error(csv->place, "points and [[channel.rtu.point]] tables in one RTU",
                                   "keep one of the two");
+        const IgnoredColumns ignored =
+            table.texts("ignore", "list the columns' names: ignore = [\"comment\", \"unit\"]");
+        if (table.has("ignore") && !table.has("points"))
+            loaded.findings.error(table.placeOf("ignore"), "ignore without a point table",
+                                  "name the table's file with points, or leave ignore out");
         if (csv)
-            readCsvPoints(*csv, rtu);
+            readCsvPoints(*csv, ignored, rtu);
         if (!csv)
             rtu.pointFile = file;
         PointIds ids;
@@ -190,15 +198,16 @@ private:
             readInlinePoint(*one, rtu, ids);
     }
 
-    void readCsvPoints(const Field& csv, Rtu& rtu) {
+    void readCsvPoints(const Field& csv, const IgnoredColumns& ignored, Rtu& rtu) {
         const std::filesystem::path directory = std::filesystem::u8path(file).parent_path();
         const std::string path = (directory / std::filesystem::u8path(csv.text)).generic_u8string();
         rtu.pointFile = path;
-        if (const std::optional<std::string> text = readFile(path))
-            rtu.points = readPointTable(*text, path, loaded.findings);
+        text::FileText table = readFile(path);
+        if (table.contents)
+            rtu.points = readPointTable(std::move(*table.contents), path, ignored, loaded.findings);
         else
-            loaded.findings.error(csv.place, "point table \"" + path + "\" cannot be read",
-                                  "name a file that is there and readable, relative to the site file");
+            loaded.findings.error(csv.place, "point table \"" + path + "\" " + table.fault,
+                                  "name a file that can be read, relative to the site file");
     }
 
     void readInlinePoint(const toml::table& source, Rtu& rtu, PointIds& ids) {
@@ -206,7 +215,7 @@ private:
         std::array<Cell, pointFieldCount> cells;
         PointFields fields{};
         for (std::size_t i = 0; i < pointFieldCount; ++i)
-            if (const std::optional<Field> field = table.textOrInteger(pointFieldNames[i])) {
+            if (const std::optional<Field> field = table.textOrInteger(pointColumns[i].name)) {
                 cells[i] = {field->text, {field->place.line, field->place.column}};
                 fields[i] = &cells[i];
             }
@@ -229,10 +238,11 @@ LoadedSite readSite(const std::string& text, const std::string& file, const File
 }
 
 LoadedSite loadSite(const std::string& path) {
-    if (const std::optional<std::string> text = readWholeFile(path))
-        return readSite(*text, path, readWholeFile);
+    const text::FileText site = text::readTextFile(path, largestSiteFile);
+    if (site.contents)
+        return readSite(*site.contents, path, readTableFile);
     LoadedSite loaded;
-    loaded.findings.error({path}, "cannot be read", "name a site file that is there and readable");
+    loaded.findings.error({path}, site.fault, "name a site file that can be read");
     return loaded;
 }
 

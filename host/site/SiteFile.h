@@ -2,6 +2,8 @@
 
 #include "Site.h"
 
+#include <TextFile.h>
+
 #include <functional>
 
 namespace host {
@@ -11,8 +13,8 @@ struct LoadedSite {
     Findings findings;
 };
 
-// The contents of a file, or nothing when it cannot be read.
-using FileReader = std::function<std::optional<std::string>(const std::string& path)>;
+// Reads a point table.
+using FileReader = std::function<text::FileText(const std::string& path)>;
 
 // Reads the site file at `path` and the point tables that it names; those stand beside it unless they are
 // named with a full path. Everything that is wrong is found in one go.

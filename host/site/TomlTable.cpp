@@ -2,6 +2,8 @@
 
 #include "Duration.h"
 
+#include <ControlCharacters.h>
+
 namespace host {
 
 namespace {
@@ -45,7 +47,38 @@ std::optional<Field> TomlTable::text(const std::string& key, const std::string& 
         refuse(*node, key + " is " + (value == nullptr ? "no text" : "empty"), remedy);
         return std::nullopt;
     }
+    if (!isShowable(key, *value))
+        return std::nullopt;
     return Field{value->get(), placeOf(*node)};
+}
+
+bool TomlTable::isShowable(const std::string& key, const toml::value<std::string>& value) {
+    const std::size_t control = text::findControl(value.get());
+    if (control == std::string::npos)
+        return true;
+    refuse(value, key + " holds control character " + text::controlName(value.get(), control),
+           "take it out; texts are one line of what can be shown");
+    return false;
+}
+
+std::vector<std::string> TomlTable::texts(const std::string& key, const std::string& remedy) {
+    std::vector<std::string> result;
+    const toml::node* const node = find(key);
+    if (node == nullptr)
+        return result;
+    const toml::array* const array = node->as_array();
+    if (array == nullptr) {
+        refuse(*node, key + " is no list", remedy);
+        return result;
+    }
+    for (const toml::node& element : *array) {
+        const toml::value<std::string>* const value = element.as_string();
+        if (value == nullptr)
+            refuse(element, "an element of " + key + " is no text", remedy);
+        else if (isShowable(key, *value))
+            result.push_back(value->get());
+    }
+    return result;
 }
 
 std::optional<long long> TomlTable::integer(const std::string& key, long long lowest, long long highest) {
@@ -98,7 +131,7 @@ std::optional<Field> TomlTable::textOrInteger(const std::string& key) {
     if (node == nullptr)
         return std::nullopt;
     if (const toml::value<std::string>* const text = node->as_string())
-        return Field{text->get(), placeOf(*node)};
+        return isShowable(key, *text) ? std::optional(Field{text->get(), placeOf(*node)}) : std::nullopt;
     if (const toml::value<std::int64_t>* const number = node->as_integer())
         return Field{std::to_string(number->get()), placeOf(*node)};
     refuse(*node, key + " is neither a text nor a whole number", "write it as in a point table");

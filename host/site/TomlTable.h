@@ -35,6 +35,8 @@ public:
     std::optional<std::chrono::milliseconds> duration(const std::string& key);
     // A whole number or a text, as text.
     std::optional<Field> textOrInteger(const std::string& key);
+    // A list of texts.
+    std::vector<std::string> texts(const std::string& key, const std::string& remedy);
     // Null for a key that is left out.
     const toml::table* subTable(const std::string& key);
     std::vector<const toml::table*> tables(const std::string& key);
@@ -48,6 +50,8 @@ private:
     Place placeOf(const toml::node& node) const;
     const toml::node* find(const std::string& key);
     void refuse(const toml::node& node, const std::string& what, const std::string& remedy);
+    // Whether the text can be shown. One that cannot is told.
+    bool isShowable(const std::string& key, const toml::value<std::string>& value);
 
     const toml::table& table;
     const std::string& file;

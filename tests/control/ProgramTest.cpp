@@ -313,3 +313,27 @@ TEST_F(ControlledProgram, PollsAtItsPeriodWhileAThousandClientsAreConnected) {
     EXPECT_GT(inCrowd, alone / 2);
     EXPECT_EQ(ctl("write pump-house/LEVEL=3").status, 0);
 }
+
+// Whoever has the socket says what it likes.
+TEST_F(ControlledProgram, ShowsWhatAStrangerSaysWithoutObeyingIt) {
+    const std::pair<QByteArray, std::string> sayings[] = {
+        {"hello \x1B[2J\n", "what answers is no sbus-host of this kind; it says: hello \\x1B[2J\n"},
+        {R"({"ok":false,"code":"unknown","error":"no \u001b[2J\u009b"})"
+         "\n",
+         "sbus-host: no \\x1B[2J\\x9B\n"}};
+    for (const auto& [said, shown] : sayings) {
+        const QString path = folder.filePath(QStringLiteral("stranger"));
+        QLocalServer stranger;
+        ASSERT_TRUE(stranger.listen(path));
+        QProcess& client =
+            start({QStringLiteral("ctl"), site, QStringLiteral("watch"), QStringLiteral("--control"), path});
+        ASSERT_TRUE(stranger.waitForNewConnection(patienceMs));
+        QLocalSocket& connection = *stranger.nextPendingConnection();
+        connection.write(said);
+        ASSERT_TRUE(connection.waitForBytesWritten(patienceMs));
+        const Ending ending = endOf(client);
+        EXPECT_NE(ending.status, 0);
+        EXPECT_THAT(ending.errors, HasSubstr(shown));
+        EXPECT_EQ(ending.output, "");
+    }
+}

@@ -47,6 +47,16 @@ TEST(ControlReplyText, TellsALineForEachResult) {
         "a/X = 1  success\na/Y = 2.5  time-out (10003)\na/Z = 3  refused: too many wait\nb  asked for\n");
 }
 
+TEST(ControlReplyText, ObeysNoControlCharacterOfAReply) {
+    EXPECT_EQ(resultsText(json(R"({"results":[{"point":"a\u001b[2J","result":"refused","number":null,)"
+                               R"("why":"x\ny\u009b"}]})")),
+              "a\\x1B[2J  refused: x\\x0Ay\\x9B\n");
+    EXPECT_EQ(changeText(json(R"({"rtu":"a","name":"b\u0007","address":"R1","quality":"good","value":1})"))
+                  .substr(0, 100)
+                  .find('\x07'),
+              std::string::npos);
+}
+
 TEST(ControlReplyText, TellsTheStatusAsATable) {
     const Site site = controlSite();
     const FakeHost fake(site);

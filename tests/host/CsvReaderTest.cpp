@@ -16,8 +16,8 @@ std::vector<std::string> texts(const CsvRow& row) {
     return result;
 }
 
-std::vector<CsvRow> read(const std::string& text, Findings& findings) {
-    host::CsvReader reader(text, "points.csv", findings);
+std::vector<CsvRow> read(const std::string& text, Findings& findings, char separator = ',') {
+    host::CsvReader reader(text, separator, "points.csv", findings);
     std::vector<CsvRow> rows;
     for (CsvRow row; reader.next(row);)
         rows.push_back(row);
@@ -43,9 +43,9 @@ TEST(CsvReader, CutsRowsAndCells) {
 
 // A row is read into the one before.
 TEST(CsvReader, LeavesNothingOfALongerRowInAShorterOne) {
-    const auto rows = read("a,b,ccc\nd,\n,,,\n");
+    const auto rows = read("a,b,ccc\nd,\n,,,e\n");
     EXPECT_THAT(texts(rows[1]), ElementsAre("d", ""));
-    EXPECT_THAT(texts(rows[2]), ElementsAre("", "", "", ""));
+    EXPECT_THAT(texts(rows[2]), ElementsAre("", "", "", "e"));
 }
 
 TEST(CsvReader, TakesCommasQuotesAndLineEndsInsideQuotes) {
@@ -54,8 +54,27 @@ TEST(CsvReader, TakesCommasQuotesAndLineEndsInsideQuotes) {
     EXPECT_THAT(texts(rows[0]), ElementsAre("a,b", "say \"on\"", "two\nlines", " kept "));
 }
 
-TEST(CsvReader, PassesOverAByteOrderMark) {
-    EXPECT_THAT(texts(read("\xEF\xBB\xBFid,name")[0]), ElementsAre("id", "name"));
+TEST(CsvReader, CutsAtItsSeparatorAlone) {
+    Findings findings;
+    EXPECT_THAT(texts(read("a;\"b;c\";1,5\n", findings, ';')[0]), ElementsAre("a", "b;c", "1,5"));
+    EXPECT_THAT(texts(read("a\t \t\"b\tc\"\t\t d \n", findings, '\t')[0]),
+                ElementsAre("a", "", "b\tc", "", "d"));
+    EXPECT_TRUE(findings.all().empty());
+}
+
+TEST(CsvReader, PassesOverRowsWithoutAnything) {
+    const auto rows = read(",,,\n \n\"\",\na,b\n,,");
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows[0].start.line, 4U);
+}
+
+TEST(CsvReader, KnowsCommentsAndLeavesTheirQuotesAlone) {
+    const auto rows = read("# a, \"b\n\"# c, d\",\n1,#2\n");
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_TRUE(rows[0].isComment());
+    EXPECT_THAT(texts(rows[0]), ElementsAre("# a", "\"b"));
+    EXPECT_TRUE(rows[1].isComment());
+    EXPECT_FALSE(rows[2].isComment());
 }
 
 TEST(CsvReader, PlacesCellsByLineAndCharacter) {

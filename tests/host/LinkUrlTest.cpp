@@ -85,3 +85,8 @@ TEST(LinkUrl, SurvivesTheWayThroughItsText) {
          {"udp://10.0.0.1:5050", "udp://[::1]:5050", "serial:/dev/x?baud=1200&parity=odd&stop=2"})
         EXPECT_EQ(toText(*parseLinkUrl(url).end), url);
 }
+
+TEST(LinkUrl, HoldsNoControlCharacter) {
+    for (const char* const url : {"udp://a\x1B[2J:5050", "serial:/dev/\xC2\x9Bx", "serial:/dev/x\n"})
+        EXPECT_FALSE(host::parseLinkUrl(url).end) << url;
+}

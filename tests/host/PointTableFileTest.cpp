@@ -3,11 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using host::Findings;
 using host::Point;
 using host::PointKind;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 
 namespace {
 
@@ -18,7 +22,8 @@ struct Table {
 
 Table read(const std::string& text) {
     Findings findings;
-    Table table{host::readPointTable(text, "p.csv", findings), {}};
+    Table table{host::readPointTable(text, "p.csv", {}, findings), {}};
+    findings.finish();
     for (const host::Finding& finding : findings.all())
         table.findings.push_back(toText(finding));
     return table;
@@ -62,10 +67,9 @@ TEST(PointTableFile, TellsARowWithAColumnTooFewAtItsEnd) {
 
 TEST(PointTableFile, NeedsItsFourColumns) {
     const Table table = read("id,name,colour,id\n1,A,red,1\n");
-    EXPECT_THAT(table.findings, ElementsAre(HasSubstr("p.csv:1:9: error: unknown column \"colour\""),
-                                            HasSubstr("p.csv:1:16: error: column \"id\" stands twice"),
-                                            HasSubstr("p.csv:1:1: error: no column \"kind\""),
-                                            HasSubstr("p.csv:1:1: error: no column \"address\"")));
+    EXPECT_THAT(table.findings, ElementsAre(HasSubstr("p.csv:1:1: error: no column \"kind\", \"address\"; "),
+                                            HasSubstr("p.csv:1:9: error: unknown column \"colour\""),
+                                            HasSubstr("p.csv:1:16: error: column \"id\" stands twice")));
     EXPECT_THAT(read("").findings, ElementsAre(HasSubstr("p.csv:1:1: error: empty point table")));
 }
 
@@ -122,4 +126,107 @@ TEST(PointTableFile, TellsAnIdTakenTwiceWhateverElseIsWrongWithItsRows) {
 TEST(PointTableFile, LeavesTheNumbersOfHiddenPointsFree) {
     EXPECT_TRUE(read("id,name,kind,address\n2147483647,A,status,I1\n").findings.empty());
     EXPECT_EQ(read("id,name,kind,address\n2147483648,A,status,I1\n").findings.size(), 1U);
+}
+
+TEST(PointTableFile, TakesAnySeparatorAndAnyCase) {
+    for (const char separator : {',', ';', '\t'}) {
+        std::string text = "ID|Name|KIND|Address|Format|Pulse_MS\n1|A|Status|O1||500\n2|B|ANALOG|R1|Float|\n";
+        std::replace(text.begin(), text.end(), '|', separator);
+        for (const char* const mark : {"", "\xEF\xBB\xBF", "sep=;\n"}) {
+            if (*mark == 's' && separator != ';')
+                continue;
+            const Table table = read(mark + text);
+            EXPECT_THAT(table.findings, IsEmpty()) << separator;
+            ASSERT_EQ(table.points.size(), 2U);
+            EXPECT_EQ(table.points[0].pulseMs, 500U);
+            EXPECT_TRUE(table.points[1].isFloat);
+        }
+    }
+}
+
+// A comma may be part of a name, and more frequent than what separates the cells.
+TEST(PointTableFile, FindsTheSeparatorByTheHeadsOfTheColumns) {
+    const Table table =
+        read("#a,b,c,d,e,f;id;name;kind;address\n;1;Pump, old, red, left, big, loud;status;O1\n");
+    EXPECT_THAT(table.findings, IsEmpty());
+    EXPECT_EQ(table.points.at(0).name, "Pump, old, red, left, big, loud");
+}
+
+TEST(PointTableFile, TakesDecimalCommasWhereCommasSeparateNothing) {
+    const Table table =
+        read("id;name;kind;address;value\n1,0;A;status;O1;2,00\n2.0;B;status;O2;\n3;C;status;O3;1,5\n");
+    EXPECT_THAT(table.findings,
+                ElementsAre(HasSubstr("p.csv:4:15: error: value \"1.5\" is out of range or no")));
+    ASSERT_EQ(table.points.size(), 2U);
+    EXPECT_EQ(table.points[0].id, 1U);
+    EXPECT_EQ(table.points[0].value, 2U);
+}
+
+// It may stand for a thousand.
+TEST(PointTableFile, RefusesANumberWithThreeDecimals) {
+    EXPECT_THAT(read("id;name;kind;address;pulse_ms\n1;A;status;O1;1.000\n").findings,
+                ElementsAre(HasSubstr("p.csv:2:15: error: pulse_ms \"1.000\" is out of range or no number")));
+}
+
+TEST(PointTableFile, PassesOverCommentsAndEmptyRowsAndNamelessColumns) {
+    const Table table = read("# made by hand, \"today\n,,,,,\n#,id,name,kind,address,\n,,,,,\n"
+                             "\"# first floor, pumps\",,,,,\n1,7,A,status,I1,\n");
+    EXPECT_THAT(table.findings, IsEmpty());
+    ASSERT_EQ(table.points.size(), 1U);
+    EXPECT_EQ(table.points[0].id, 7U);
+    EXPECT_EQ(table.points[0].spot.line, 6U);
+    EXPECT_THAT(read("id,name,kind,address,\n1,A,status,I1,x\n").findings,
+                ElementsAre(HasSubstr("p.csv:2:15: error: cell in a column without a name")));
+}
+
+TEST(PointTableFile, SaysThatItReadWindows1252) {
+    const Table table = read("id;name;kind;address\n1;Br\xFC"
+                             "cke;status;I1\n");
+    EXPECT_THAT(table.findings,
+                ElementsAre("p.csv:2:5: note: read as Windows-1252, because it is not UTF-8"));
+    EXPECT_EQ(table.points.at(0).name, "Brücke");
+}
+
+TEST(PointTableFile, ReadsUtf16) {
+    std::string bytes = "\xFF\xFE";
+    for (const char letter : std::string("id\tname\tkind\taddress\r\n1\tA\tstatus\tI1\r\n")) {
+        bytes += letter;
+        bytes += '\0';
+    }
+    const Table table = read(bytes);
+    EXPECT_THAT(table.findings, IsEmpty());
+    EXPECT_EQ(table.points.at(0).name, "A");
+}
+
+TEST(PointTableFile, RefusesControlCharacters) {
+    EXPECT_THAT(read("id,name,kind,address\n1,A\x1B[2J,status,I1\n").findings,
+                ElementsAre(HasSubstr("p.csv:2:3: error: name with control character U+001B: \"A\\x1B[2J\""),
+                            HasSubstr("p.csv:2:4: error: control character U+001B")));
+    EXPECT_THAT(read("id,name,kind,address\n1,\"A\nB\",status,I1\n").findings,
+                ElementsAre(HasSubstr("p.csv:2:3: error: name with control character U+000A: \"A\\x0AB\"")));
+}
+
+TEST(PointTableFile, TellsAFileThatIsNoTableInOneLine) {
+    std::string prose;
+    for (int i = 0; i < 1'000; ++i)
+        prose += "Dear colleagues, here are the points; all of them\n";
+    EXPECT_THAT(
+        read(prose).findings,
+        ElementsAre(AllOf(HasSubstr("p.csv:1:1: error: no column of a point table in the first row: \"Dear"),
+                          HasSubstr("id, name, kind and address are needed"))));
+    EXPECT_THAT(
+        read("PK\x03\x04 and more").findings,
+        ElementsAre(HasSubstr("p.csv: error: is a workbook or another packed file, not text; save the "
+                              "table as comma-separated values (CSV)")));
+}
+
+TEST(PointTableFile, ShowsTwentyErrorsAndCountsTheOthers) {
+    std::string rows = "id,name,kind,address\n";
+    for (int i = 0; i < 100'000; ++i)
+        rows += std::to_string(i) + ",P" + std::to_string(i) + ",digital,I1\n";
+    const Table table = read(rows);
+    ASSERT_EQ(table.findings.size(), 21U);
+    EXPECT_THAT(table.findings.front(), HasSubstr("p.csv:2:6: error: kind \"digital\""));
+    EXPECT_EQ(table.findings.back(),
+              "p.csv: error: 99980 more errors in this file; correct those above first");
 }

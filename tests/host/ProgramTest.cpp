@@ -78,7 +78,7 @@ TEST_F(Program, StartsNothingOfABadSite) {
 TEST_F(Program, StartsNothingOfALineThatIsTooSlowForItsTelegrams) {
     std::string points = "id,name,kind,address\n";
     for (int i = 0; i < 127; ++i)
-        points += std::to_string(i) + ",P,analog,R" + std::to_string(i) + "\n";
+        points += QStringLiteral("%1,P%1,analog,R%1\n").arg(i).toStdString();
     QFile table(directory.filePath(QStringLiteral("points.csv")));
     ASSERT_TRUE(table.open(QIODevice::WriteOnly));
     table.write(points.data(), static_cast<qint64>(points.size()));

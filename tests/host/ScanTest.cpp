@@ -43,7 +43,7 @@ ScanReply reply(unsigned station, Kind kind, const std::string& fault = {}) {
 }
 
 host::LoadedSite loaded(const std::string& text) {
-    return host::readSite(text, "site.toml", [](const std::string&) { return std::nullopt; });
+    return host::readSite(text, "site.toml", [](const std::string&) { return text::FileText(); });
 }
 
 } // namespace

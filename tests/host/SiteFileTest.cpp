@@ -19,9 +19,11 @@ namespace {
 std::map<std::string, std::string> pointTables = {
     {"sites/pump.csv", "id,name,kind,address\n1,RUN,status,O32\n"}};
 
-std::optional<std::string> openTable(const std::string& path) {
+text::FileText openTable(const std::string& path) {
     const auto found = pointTables.find(path);
-    return found == pointTables.end() ? std::nullopt : std::optional<std::string>(found->second);
+    if (found == pointTables.end())
+        return {{}, "is not there"};
+    return {found->second, {}};
 }
 
 LoadedSite read(const std::string& text) {
@@ -142,14 +144,15 @@ timeout = "1000"
 scan = { status = "0s", analog = 2 }
 points = "absent.csv"
 )"),
-        ElementsAre(HasSubstr("sites/site.toml:3:8: error: type \"SBus-Token\" is not known; write"),
-                    HasSubstr("sites/site.toml:4:11: error: \"udp:h\" is no line; write"),
-                    HasSubstr("sites/site.toml:5:1: error: unknown key \"colour\"; the keys here are"),
-                    HasSubstr("sites/site.toml:8:11: error: station 256 is out of range; give"),
-                    HasSubstr("sites/site.toml:9:11: error: timeout \"1000\" is no duration; write"),
-                    HasSubstr("sites/site.toml:10:19: error: status is 0; give"),
-                    HasSubstr("sites/site.toml:10:34: error: analog is a duration without a unit; write"),
-                    HasSubstr("sites/site.toml:11:10: error: point table \"sites/absent.csv\" cannot be")));
+        ElementsAre(
+            HasSubstr("sites/site.toml:3:8: error: type \"SBus-Token\" is not known; write"),
+            HasSubstr("sites/site.toml:4:11: error: \"udp:h\" is no line; write"),
+            HasSubstr("sites/site.toml:5:1: error: unknown key \"colour\"; the keys here are"),
+            HasSubstr("sites/site.toml:8:11: error: station 256 is out of range; give"),
+            HasSubstr("sites/site.toml:9:11: error: timeout \"1000\" is no duration; write"),
+            HasSubstr("sites/site.toml:10:19: error: status is 0; give"),
+            HasSubstr("sites/site.toml:10:34: error: analog is a duration without a unit; write"),
+            HasSubstr("sites/site.toml:11:10: error: point table \"sites/absent.csv\" is not there")));
 }
 
 TEST(SiteFile, TellsUnknownKeysAtEveryLevel) {
@@ -181,8 +184,79 @@ TEST(SiteFile, TellsIdsTakenTwice) {
                 testing::UnorderedElementsAre(
                     HasSubstr(":13:1: error: point id 3 is already taken by \"A\" in line 8"),
                     HasSubstr(":19:6: error: RTU id 1 is already taken in line 6"),
-                    HasSubstr(":19:6: warning: RTU name \"rtu-1\" is already that of line 6"),
+                    HasSubstr(":19:6: error: RTU name \"rtu-1\" is already that of line 6"),
                     HasSubstr(":23:6: error: channel id 1 is already taken in line 2")));
+}
+
+TEST(SiteFile, TellsTwoRtusOfOneName) {
+    EXPECT_THAT(findings(ethernet + rtu(1, "name = \"tank\"\n" + csvPoints) +
+                         rtu(2, "name = \"tank\"\n" + csvPoints)),
+                ElementsAre(HasSubstr(":11:6: error: RTU name \"tank\" is already that of line 6")));
+}
+
+// Commands tell them apart by their channels; lines of values do not.
+TEST(SiteFile, WarnsOfRtusOfOneNameInTwoChannels) {
+    const std::string second =
+        "[[channel]]\nid = 2\nname = \"b\"\ntype = \"SBus-Ethernet\"\nprimary = \"udp://i:5050\"\n";
+    const LoadedSite loaded = read(ethernet + rtu(1, csvPoints) + second + rtu(1, csvPoints));
+    EXPECT_FALSE(loaded.findings.hasErrors());
+    EXPECT_THAT(findings(loaded),
+                ElementsAre(HasSubstr(":15:6: warning: RTU name \"rtu-1\" is that of line 6 too, in channel "
+                                      "\"channel-1\"; commands need \"b/rtu-1\"")));
+}
+
+TEST(SiteFile, TellsTwoPointsOfOneName) {
+    pointTables["sites/twice.csv"] =
+        "id,name,kind,address\n1,RUN,status,I1\n2,run,status,I2\n3,RUN,analog,R1\n";
+    EXPECT_THAT(findings(ethernet + rtu(1, "points = \"twice.csv\"\n") + rtu(2, csvPoints)),
+                ElementsAre(HasSubstr("twice.csv:4:1: error: point name \"RUN\" is already that of line 2")));
+    const std::string inlinePoint =
+        "[[channel.rtu.point]]\nname = \"A\"\nkind = \"status\"\naddress = \"I1\"\nid = ";
+    EXPECT_THAT(findings(ethernet + rtu(1, inlinePoint + "1\n" + inlinePoint + "2\n")),
+                ElementsAre(HasSubstr(":13:1: error: point name \"A\" is already that of line 8")));
+}
+
+TEST(SiteFile, RefusesControlCharactersInEveryText) {
+    EXPECT_THAT(findings("[[channel]]\nid = 1\nname = \"a\\u001b[2J\"\ntype = \"SBus-Ethernet\"\n"
+                         "primary = \"udp://h\\u009b:5050\"\n\"k\\u0007\" = 1\n" +
+                         rtu(1, "name = \"b\\nc\"\n[[channel.rtu.point]]\nid = 1\nname = \"d\\u007f\"\n"
+                                "kind = \"status\"\naddress = \"I1\"\n")),
+                ElementsAre(HasSubstr(":3:8: error: name holds control character U+001B"),
+                            HasSubstr(":5:11: error: primary holds control character U+009B"),
+                            HasSubstr(":6:1: error: unknown key \"k\\x07\""),
+                            HasSubstr(":10:8: error: name holds control character U+000A"),
+                            HasSubstr(":11:1: error: point without name"),
+                            HasSubstr(":13:8: error: name holds control character U+007F")));
+}
+
+TEST(SiteFile, TellsANameThatIsNotUtf8) {
+    EXPECT_THAT(
+        findings("[[channel]]\nname = \"caf\xE9\"\n"),
+        ElementsAre(HasSubstr("site.toml:2:12: error: text that is not UTF-8; save the file as UTF-8")));
+}
+
+TEST(SiteFile, SurvivesAKeyOfDotsAndDeepBrackets) {
+    for (const char* const part : {"a.", "[", "{a="}) {
+        std::string text = "x = ";
+        for (int i = 0; i < 300'000; ++i)
+            text += part;
+        EXPECT_THAT(findings(text), ElementsAre(HasSubstr("error: "))) << part;
+    }
+}
+
+TEST(SiteFile, PassesOverColumnsThatItIsToldToIgnore) {
+    pointTables["sites/wide.csv"] = "id,name,kind,address,Unit,Ort\n1,RUN,status,O32,m,Halle\n";
+    EXPECT_THAT(findings(ethernet + rtu(1, "points = \"wide.csv\"\nignore = [\"unit\", \"Ort\"]\n")),
+                IsEmpty());
+    EXPECT_THAT(findings(ethernet + rtu(1, "points = \"wide.csv\"\nignore = [\"unit\"]\n")),
+                ElementsAre(HasSubstr("wide.csv:1:27: error: unknown column \"Ort\"")));
+    EXPECT_THAT(findings(ethernet + rtu(1, "points = \"pump.csv\"\nignore = [1]\n") +
+                         rtu(2, "points = \"pump.csv\"\nignore = \"a\"\n")),
+                ElementsAre(HasSubstr(":9:11: error: an element of ignore is no text"),
+                            HasSubstr(":14:10: error: ignore is no list")));
+    EXPECT_THAT(findings(ethernet + rtu(1, "ignore = [\"a\"]\n[[channel.rtu.point]]\nid = 1\nname = \"A\"\n"
+                                           "kind = \"status\"\naddress = \"I1\"\n")),
+                ElementsAre(HasSubstr(":8:10: error: ignore without a point table")));
 }
 
 TEST(SiteFile, TellsALineThatDoesNotFitItsType) {
@@ -212,7 +286,7 @@ TEST(SiteFile, TakesTransmitTypeOnEthernetWithoutEffect) {
 TEST(SiteFile, TellsADeviceThatTwoLinesWant) {
     const std::string second =
         "[[channel]]\nid = 2\ntype = \"SBus-Serial\"\nprimary = \"serial:/dev/x?baud=1200\"\n";
-    EXPECT_THAT(findings(serial + rtu(1, csvPoints) + second + rtu(1, csvPoints)),
+    EXPECT_THAT(findings(serial + rtu(1, csvPoints) + second + rtu(1, "name = \"b\"\n" + csvPoints)),
                 ElementsAre(HasSubstr(":10:6: error: device /dev/x is already the line of channel 1")));
 }
 
@@ -292,13 +366,13 @@ TEST(SiteFile, TellsAnEmptyPointTableAsEmpty) {
                 ElementsAre(HasSubstr("empty.csv:1:1: error: empty point table")));
 }
 
-TEST(SiteFile, TellsADirectoryAsUnreadable) {
+TEST(SiteFile, TellsADirectory) {
     const QTemporaryDir directory;
     EXPECT_THAT(findings(host::loadSite(directory.path().toStdString())),
-                ElementsAre(HasSubstr("error: cannot be read")));
+                ElementsAre(HasSubstr("error: is a directory")));
 }
 
 TEST(SiteFile, TellsAFileThatIsNotThere) {
     const LoadedSite loaded = host::loadSite("no/such/site.toml");
-    EXPECT_THAT(findings(loaded), ElementsAre(HasSubstr("no/such/site.toml: error: cannot be read")));
+    EXPECT_THAT(findings(loaded), ElementsAre(HasSubstr("no/such/site.toml: error: is not there")));
 }

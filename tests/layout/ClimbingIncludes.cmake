@@ -1,6 +1,6 @@
 # An include path that climbs ("../host/Site.h") would pass by the targets' include directories.
 set(count 0)
-foreach(folder driver channel protocol rtu ui framework host simulator)
+foreach(folder driver channel protocol rtu ui framework host simulator text)
     file(GLOB_RECURSE files ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.cpp)
     foreach(file IN LISTS files)
         math(EXPR count "${count} + 1")

@@ -159,6 +159,11 @@ TEST_F(Completion, OffersFilesForACaptureAndNothingForItsSize) {
     EXPECT_THAT(offersFor("run --capture-size "), IsEmpty());
 }
 
+TEST_F(Completion, OffersFilesToImportFromAndTo) {
+    for (const char* const words : {"import n", "import site.toml n", "import site.toml --output n"})
+        EXPECT_THAT(offersFor(words), UnorderedElementsAre("notes.txt")) << words;
+}
+
 TEST_F(Completion, OffersNothingForATime) {
     EXPECT_THAT(offersFor("run --for "), IsEmpty());
 }

@@ -147,5 +147,28 @@ TEST_F(SiteFile, AnEmptyOneIsAMistake) {
 
 TEST_F(SiteFile, AMissingOneIsAMistake) {
     loadSite(folder.path("none.toml"), errors);
-    EXPECT_THAT(errors, ElementsAre(folder.path("none.toml") + ": File could not be opened for reading"));
+    EXPECT_THAT(errors, ElementsAre(folder.path("none.toml") + ": is not there"));
+}
+
+TEST_F(SiteFile, OfDotsOrBracketsAloneIsAMistake) {
+    for (const char* const part : {"a.", "[", "{a="}) {
+        std::string text = "x = ";
+        for (int i = 0; i < 300'000; ++i)
+            text += part;
+        errors.clear();
+        load(text);
+        ASSERT_EQ(errors.size(), 1U) << part;
+        EXPECT_EQ(errors[0].find(file + ":1: "), 0U) << errors[0];
+    }
+}
+
+TEST_F(SiteFile, RefusesControlCharactersInNamesAndEnds) {
+    load(R"([[channel]]
+id = 1
+name = "a\u001b[2J"
+type = "SBus-Ethernet"
+primary = "udp://127.0.0.1\u009b:5050"
+)");
+    EXPECT_THAT(errors, ElementsAre(file + ":3: name: holds control character U+001B; take it out",
+                                    file + ":5: primary: holds control character U+009B; take it out"));
 }

@@ -3,6 +3,8 @@
 #include "StreamWriter.h"
 #include "runtime/ExchangeText.h"
 
+#include <ControlCharacters.h>
+
 #include <utility>
 
 namespace host {
@@ -41,7 +43,10 @@ void ConsoleService::show() {
 
 void ConsoleService::tellNews() {
     output->tell(takeFrames());
-    output->tell(site->messages.take());
+    std::vector<std::string> messages = site->messages.take();
+    for (std::string& message : messages) // they quote what systems and controllers say
+        message = text::printable(message);
+    output->tell(messages);
 }
 
 std::vector<std::string> ConsoleService::takeFrames() {
