@@ -11,7 +11,6 @@ function(framework_library name)
         $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
         $<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}/generated>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-    set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN")
     install(TARGETS ${name} EXPORT HalvexTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT framework
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT framework

@@ -18,6 +18,7 @@ set(SBUS_PRECOMPILED_FROM 5 CACHE STRING "The files of a target that are worth p
 set(SBUS_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize: address,undefined or thread")
 
 find_package(Threads REQUIRED)
+include(Hardening)
 
 if((SBUS_SANITIZE OR SBUS_BUILD_FUZZERS OR SBUS_COVERAGE) AND NOT CMAKE_CXX_COMPILER_ID MATCHES "^(GNU|Clang|AppleClang)$")
     message(FATAL_ERROR "Sanitizers, fuzz targets and coverage need GCC or Clang.")
