@@ -94,6 +94,16 @@ std::vector<Setting> readArguments(Arguments& arguments, std::optional<std::chro
     return settings;
 }
 
+// A terminal that is closed ends the program, too, unless it was started with nohup.
+void endAtHangUp(asio::signal_set& signals) {
+#ifdef SIGHUP
+    if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN)
+        signals.add(SIGHUP);
+#else
+    static_cast<void>(signals); // elsewhere there is no such signal
+#endif
+}
+
 // Returns at a signal, or after `duration` where there is one.
 void waitForEnd(asio::io_context& context, asio::signal_set& signals,
                 const std::optional<std::chrono::milliseconds>& duration) {
@@ -118,6 +128,7 @@ int play(const Site& site, const Arguments& arguments, const std::vector<Setting
     // Before the lines come up, so that no signal finds the program with lines and without a handler.
     asio::io_context context;
     asio::signal_set signals(context, SIGINT, SIGTERM);
+    endAtHangUp(signals);
     Simulator simulator(site, arguments.options);
     std::vector<std::string> errors;
     for (std::size_t i = 0; i < settings.size(); ++i) {

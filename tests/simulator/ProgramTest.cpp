@@ -2,6 +2,7 @@
 #include "Client.h"
 #include "TemporaryFolder.h"
 
+#include <array>
 #include <csignal>
 #include <sstream>
 #include <thread>
@@ -15,6 +16,12 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
+
+#ifdef SIGHUP
+constexpr std::array stopSignals{SIGINT, SIGTERM, SIGHUP};
+#else
+constexpr std::array stopSignals{SIGINT, SIGTERM};
+#endif
 
 class Program : public testing::Test {
 protected:
@@ -62,7 +69,7 @@ TEST_F(Program, SaysWhereItsLinesAreAndWhatItCounted) {
 
 TEST_F(Program, EndsCleanlyAtASignal) {
     const std::string site = serialSite();
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : stopSignals) {
         std::thread user([&] {
             waitForDevice();
             SerialClient(device()).ask("B5 00 05 06 00 00 0A 2E 57", 8);
@@ -73,6 +80,23 @@ TEST_F(Program, EndsCleanlyAtASignal) {
     }
     EXPECT_THAT(out.str(), HasSubstr("    read registers 1\n"));
 }
+
+#ifdef SIGHUP
+TEST_F(Program, GoesOnAtAHangUpThatItWasToldToIgnore) {
+    const auto before = std::signal(SIGHUP, SIG_IGN); // as nohup does
+    const std::string site = serialSite();
+    std::thread user([&] {
+        waitForDevice();
+        std::raise(SIGHUP);
+        SerialClient(device()).ask("B5 00 05 06 00 00 0A 2E 57", 8);
+        std::raise(SIGTERM);
+    });
+    EXPECT_EQ(run({site}), exitGood);
+    user.join();
+    std::signal(SIGHUP, before);
+    EXPECT_THAT(out.str(), HasSubstr("    read registers 1\n"));
+}
+#endif
 
 TEST_F(Program, PlaysWhatItsOptionsSay) {
     const std::string site = serialSite();
