@@ -2,13 +2,15 @@
 
 #include "plan/Forecast.h"
 #include "plan/LineChecks.h"
+#include "services/control/ControlGroup.h"
 
 #include <iostream>
 
 namespace host {
 
 ExitStatus checkSiteFile(const std::string& path) {
-    const LoadedSite loaded = loadCheckedSite(path);
+    LoadedSite loaded = loadCheckedSite(path);
+    checkControlGroup(loaded.site, loaded.findings);
     for (const Finding& finding : loaded.findings.all())
         std::cerr << toText(finding) << '\n';
     if (loaded.findings.hasErrors())

@@ -6,11 +6,13 @@
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
 #include "services/control/SocketPath.h"
+#include "site/SiteFile.h"
 
 #include <ControlCharacters.h>
 #include <QFileInfo>
 #include <QJsonDocument>
 
+#include <chrono>
 #include <cmath>
 #include <iostream>
 
@@ -18,11 +20,48 @@ namespace host {
 
 namespace {
 
-std::string noHostText(const CtlOptions& options) {
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds replyPatience{10}; // for what a host answers at once, when it works
+
+// Where the host may listen, and who it may be.
+struct Host {
+    SocketPaths sockets;
+    std::string given; // the path that was named, if one was
+    std::optional<GroupId> group;
+};
+
+Host findHost(const CtlOptions& options) {
+    const ControlSettings settings = loadControlSettings(options.sitePath);
+    Host host;
+    if (!settings.group.empty())
+        host.group = findGroup(settings.group);
+    host.given = options.socketPath.empty() ? settings.socket : fullSocketPath(options.socketPath);
+    if (host.given.empty())
+        host.sockets = findControlSockets(options.sitePath, host.group);
+    else
+        host.sockets.paths = {host.given};
+    return host;
+}
+
+// They may run the site: what is in their directories, nobody else sees.
+std::string otherUsersText(const SocketPaths& sockets) {
+    std::string text;
+    for (const std::string& user : sockets.otherUsers)
+        text += (text.empty() ? "; hosts of other users take no commands without permission, here of user id "
+                              : ", ") +
+                user;
+    return text;
+}
+
+std::string noHostText(const CtlOptions& options, const Host& host) {
     if (!options.socketPath.empty())
-        return "no sbus-host listens at " + options.socketPath + "; start one with: sbus-host run " +
+        return "no sbus-host listens at " + host.given + "; start one with: sbus-host run " +
                options.sitePath + " --control " + options.socketPath;
-    return "no sbus-host runs " + options.sitePath + "; start one with: sbus-host run " + options.sitePath;
+    const std::string start = "; start one with: sbus-host run " + options.sitePath;
+    if (!host.given.empty())
+        return "no sbus-host listens at " + host.given + ", which the site file names" + start;
+    return "no sbus-host of this user runs " + options.sitePath + start + otherUsersText(host.sockets);
 }
 
 ExitStatus tellFault(const std::string& fault, ExitStatus status) {
@@ -30,7 +69,11 @@ ExitStatus tellFault(const std::string& fault, ExitStatus status) {
     return status;
 }
 
-ExitStatus tellEnd() {
+ExitStatus tellEnd(const ControlClient& client) {
+    if (client.wasLineTooLong())
+        return tellFault("the reply is longer than " + std::to_string(ControlClient::longestReplyLine) +
+                             " bytes, which no sbus-host sends",
+                         ExitStatus::CommunicationFailed);
     return tellFault("the host has ended the connection; see what it says on its own terminal or in its log",
                      ExitStatus::CommunicationFailed);
 }
@@ -86,7 +129,7 @@ ExitStatus showEvents(const CtlOptions& options, ControlClient& client) {
     while (std::cout) {
         const std::optional<QByteArray> line = client.nextLine(stopsignal::isRequested);
         if (!line)
-            return stopsignal::isRequested() ? ExitStatus::Good : tellEnd();
+            return stopsignal::isRequested() ? ExitStatus::Good : tellEnd(client);
         const QJsonObject message = parse(*line);
         const std::string text = eventText(message);
         if (text.empty()) { // why the host will tell no more
@@ -100,24 +143,30 @@ ExitStatus showEvents(const CtlOptions& options, ControlClient& client) {
     return ExitStatus::Good; // nobody reads any more
 }
 
-} // namespace
+// Commands take as long as their controllers.
+bool isAnsweredAtOnce(const RequestAction& action) {
+    return !std::holds_alternative<WriteRequest>(action) &&
+           !std::holds_alternative<TimeSyncRequest>(action) && !std::holds_alternative<WatchRequest>(action);
+}
 
-ExitStatus askRunningHost(const CtlOptions& options) {
-    if (!QFileInfo::exists(QString::fromStdString(options.sitePath)))
-        return tellFault("there is no site file " + options.sitePath, ExitStatus::Configuration);
-    terminal::survivePipeEnd();
-    stopsignal::install();
-    ControlClient client;
-    const bool isConnected =
-        client.connectTo(options.socketPath.empty() ? controlSocketPaths(options.sitePath)
-                                                    : std::vector<std::string>{options.socketPath});
-    if (!isConnected)
-        return tellFault(noHostText(options), ExitStatus::CommunicationFailed);
+ExitStatus tellSilence() {
+    return tellFault("the host does not reply within " + std::to_string(replyPatience.count()) +
+                         " s: it is stopped or overloaded; look at its own terminal or its log",
+                     ExitStatus::CommunicationFailed);
+}
+
+ExitStatus ask(const CtlOptions& options, ControlClient& client) {
     if (!client.send(requestLine({QJsonValue::Undefined, options.request})))
-        return tellEnd();
-    const std::optional<QByteArray> line = client.nextLine(stopsignal::isRequested);
+        return tellEnd(client);
+    const auto deadline = Clock::now() + replyPatience;
+    const bool hasDeadline = isAnsweredAtOnce(options.request);
+    const auto isTooLate = [&] { return hasDeadline && Clock::now() > deadline; };
+    const std::optional<QByteArray> line =
+        client.nextLine([&] { return stopsignal::isRequested() || isTooLate(); });
+    if (!line && stopsignal::isRequested())
+        return tellInterruption();
     if (!line)
-        return stopsignal::isRequested() ? tellInterruption() : tellEnd();
+        return isTooLate() && !client.wasLineTooLong() ? tellSilence() : tellEnd(client);
     const QJsonObject reply = parse(*line);
     if (reply.isEmpty())
         return tellStranger(*line);
@@ -127,6 +176,29 @@ ExitStatus askRunningHost(const CtlOptions& options) {
         return showEvents(options, client);
     showReply(options, *line, reply);
     return judgeReply(reply);
+}
+
+} // namespace
+
+ExitStatus askRunningHost(const CtlOptions& options) {
+    if (!QFileInfo::exists(QString::fromStdString(options.sitePath)))
+        return tellFault("there is no site file " + options.sitePath, ExitStatus::Configuration);
+    terminal::survivePipeEnd();
+    stopsignal::install();
+    const Host host = findHost(options);
+    ControlClient client([group = host.group](const Peer& peer) {
+        return ControlClient::isOwnUserOrRoot(peer) || (group && isMember(peer, *group));
+    });
+    const bool isConnected = client.connectTo(host.sockets.paths);
+    for (const std::string& fault : host.sockets.passedOver)
+        tellFault(fault + "; it is passed over", ExitStatus::Good);
+    for (const std::string& fault : client.faults())
+        tellFault(fault, ExitStatus::Good);
+    if (isConnected)
+        return ask(options, client);
+    if (!client.faults().empty())
+        return ExitStatus::CommunicationFailed;
+    return tellFault(noHostText(options, host), ExitStatus::CommunicationFailed);
 }
 
 std::optional<PointValue> parsePointValue(const std::string& text) {

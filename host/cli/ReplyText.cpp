@@ -151,10 +151,10 @@ std::string changeText(const QJsonObject& change) {
 ExitStatus judgeReply(const QJsonObject& reply) {
     if (!reply.contains(QStringLiteral("results"))) {
         const std::string code = text(reply, "code");
-        return flag(reply, "ok")  ? ExitStatus::Good
-               : code == "busy"   ? ExitStatus::Refused
-               : code == "ending" ? ExitStatus::CommunicationFailed
-                                  : ExitStatus::Configuration;
+        return flag(reply, "ok")                        ? ExitStatus::Good
+               : code == "busy" || code == "permission" ? ExitStatus::Refused
+               : code == "ending"                       ? ExitStatus::CommunicationFailed
+                                                        : ExitStatus::Configuration;
     }
     const QJsonArray results = reply.value(QStringLiteral("results")).toArray();
     const auto good = std::count_if(results.begin(), results.end(),

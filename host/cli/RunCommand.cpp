@@ -10,6 +10,7 @@
 #include "services/console/StreamWriter.h"
 #include "services/console/Summary.h"
 #include "services/console/Terminal.h"
+#include "services/control/ControlGroup.h"
 
 #include <ControlCharacters.h>
 #include <HalvexDriverComponent/CLogger.h>
@@ -133,7 +134,9 @@ ExitStatus runSite(const RunOptions& options) {
         return failed(
             "--frames would run through the table; choose --format lines, or send the frames to a file "
             "with 2>FILE");
-    const LoadedSite loaded = loadCheckedSite(options.sitePath);
+    LoadedSite loaded = loadCheckedSite(options.sitePath);
+    if (options.takesControl)
+        checkControlGroup(loaded.site, loaded.findings);
     for (const Finding& finding : loaded.findings.all())
         std::cerr << toText(finding) << '\n';
     if (loaded.findings.hasErrors())

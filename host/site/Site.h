@@ -74,8 +74,20 @@ struct Channel {
     Place place;
 };
 
+// What members of a group may do over the control socket.
+enum class ControlAccess { Read, Commands };
+
+// The control socket, where it is not the user's alone at its usual place.
+struct ControlSettings {
+    std::string socket; // empty: the site file's own
+    std::string group;  // empty: none
+    ControlAccess access = ControlAccess::Read;
+    Place groupPlace;
+};
+
 struct Site {
     std::vector<Channel> channels;
+    ControlSettings control = {};
 };
 
 bool hasPoints(const Rtu& rtu, PointKind kind);

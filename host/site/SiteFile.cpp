@@ -1,5 +1,6 @@
 #include "SiteFile.h"
 
+#include "ControlTable.h"
 #include "PointFields.h"
 #include "PointTableFile.h"
 #include "SiteChecks.h"
@@ -58,6 +59,7 @@ private:
         table.need("channel", "describe each line in a [[channel]] table");
         for (const toml::table* const one : table.tables("channel"))
             readChannel(*one);
+        loaded.site.control = readControlTable(table, file, loaded.findings);
         table.rejectUnknownKeys();
         checkSite(loaded.site, loaded.findings);
     }
@@ -235,6 +237,20 @@ private:
 
 LoadedSite readSite(const std::string& text, const std::string& file, const FileReader& readFile) {
     return SiteReader(file, readFile).read(text);
+}
+
+ControlSettings loadControlSettings(const std::string& path) {
+    Findings findings;
+    const std::string contents = text::readTextFile(path, largestSiteFile).contents.value_or(std::string());
+    if (text::findTomlShapeFault(contents))
+        return {};
+    try {
+        const toml::table root = toml::parse(contents, path);
+        TomlTable table(root, path, findings);
+        return readControlTable(table, path, findings);
+    } catch (const toml::parse_error&) {
+        return {};
+    }
 }
 
 LoadedSite loadSite(const std::string& path) {

@@ -18,7 +18,7 @@ TEST(Crowd, OfAThousandIsServedThoughHalfOfItIsSilentOrSendsRubbish) {
     const host::Site site = controlSite();
     FakeHost fake(site);
     host::ControlServer server(fake, fake.store);
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
 
     Crowd crowd(path, 1'000);
     ASSERT_TRUE(crowd.connectAll());

@@ -45,6 +45,13 @@ host::Site controlSite() {
     return {{waterworks, reservoirs}};
 }
 
+host::ControlDoor doorAt(const std::string& path, std::size_t clients) {
+    host::ControlDoor door;
+    door.path = path;
+    door.clients = clients;
+    return door;
+}
+
 FakeHost::FakeHost(const host::Site& hostSite) : store(hostSite), fakeSite(hostSite) {}
 
 std::string FakeHost::submit(const host::Command& command, host::CommandDone done) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "services/control/ControlDoor.h"
 #include "services/control/ControlledHost.h"
 #include "values/ValueStore.h"
 
@@ -10,6 +11,9 @@
 // the analog points FLOW (2, a float) and LEVEL (3), on "reservoirs" (5) "hill" (1) with RUN (1), "tank" (2)
 // with LEVEL (1), disabled, and one more "pump-house" (3) with VALVE (1).
 host::Site controlSite();
+
+// A control socket at `path`, for this user alone and for so many clients.
+host::ControlDoor doorAt(const std::string& path, std::size_t clients = 0);
 
 // A running host that remembers what is asked of it. Commands succeed at once, unless they are held. Any
 // thread.

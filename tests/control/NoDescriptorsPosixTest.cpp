@@ -2,8 +2,9 @@
 #include "cli/ControlClient.h"
 #include "services/control/ControlServer.h"
 #include "services/control/DescriptorLimit.h"
+#include "services/control/ListeningSocket.h"
 
-#include <QElapsedTimer>
+#include <QLocalSocket>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
@@ -13,8 +14,8 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
-#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -75,7 +76,7 @@ TEST(ServerWithoutDescriptors, ListensAgainOnceThereAreSome) {
     const host::Site site = controlSite();
     FakeHost fake(site);
     host::ControlServer server(fake, fake.store);
-    ASSERT_EQ(server.start(path, 100), "");
+    ASSERT_EQ(server.start(doorAt(path, 100)), "");
 
     const LowDescriptorLimit low(256);
     const int client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -83,20 +84,32 @@ TEST(ServerWithoutDescriptors, ListensAgainOnceThereAreSome) {
     const std::vector<int> used = useUpDescriptors();
     ASSERT_FALSE(used.empty());
     ASSERT_EQ(connectTo(client, path), 0); // the system accepts it, the server cannot
-    QElapsedTimer elapsed;
-    elapsed.start();
+    constexpr char request[] = "{\"do\":\"status\"}\n";
+    ASSERT_EQ(write(client, request, sizeof request - 1), static_cast<ssize_t>(sizeof request - 1));
+    const timeval shortWhile{0, 200'000};
+    setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &shortWhile, sizeof shortWhile);
     char byte = 0;
-    EXPECT_LE(read(client, &byte, 1), 0); // its end tells that the server has failed to accept
+    EXPECT_LT(read(client, &byte, 1), 0);
     for (const int one : used)
         close(one);
+    const timeval patience{patienceMs / 1'000, 0};
+    setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    EXPECT_EQ(read(client, &byte, 1), 1); // who has waited is served
     close(client);
+}
 
-    bool isServed = false;
-    while (!isServed && elapsed.elapsed() < patienceMs) {
-        host::ControlClient later;
-        isServed = later.connectTo({path}) && later.send(R"({"do":"status"})") &&
-                   later.nextLine([&elapsed] { return elapsed.elapsed() > patienceMs; }).has_value();
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    EXPECT_TRUE(isServed);
+TEST(ServerWithoutDescriptors, SaysSo) {
+    const QTemporaryDir folder;
+    host::ListeningSocket socket([](QLocalSocket*) {}, [] { return false; }, nullptr);
+    const LowDescriptorLimit low(256);
+    const std::vector<int> used = useUpDescriptors();
+    const std::string path = folder.filePath(QStringLiteral("control.sock")).toStdString();
+    const std::string told = socket.listen(path, std::nullopt);
+    host::ControlClient client;
+    const bool isConnected = client.connectTo({path});
+    for (const int one : used)
+        close(one);
+    EXPECT_EQ(told, "Too many open files");
+    EXPECT_FALSE(isConnected);
+    EXPECT_THAT(client.faults(), testing::ElementsAre(testing::HasSubstr("Too many open files")));
 }

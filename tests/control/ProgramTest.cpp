@@ -230,6 +230,97 @@ TEST_F(ControlledProgram, IsReachedAtTheSocketThatItWasGiven) {
     EXPECT_THAT(second.errors, HasSubstr("belongs to another sbus-host"));
 }
 
+TEST_F(ControlledProgram, MeetsItsClientAtAPathSeenFromTheCurrentFolder) {
+    const QStringList control{QStringLiteral("--control"), QStringLiteral("near.sock")};
+    const auto inFolder = [this](QStringList arguments) -> QProcess& {
+        started.push_back(std::make_unique<QProcess>());
+        started.back()->setWorkingDirectory(folder.path());
+        started.back()->start(QStringLiteral(HOST_PROGRAM), arguments);
+        EXPECT_TRUE(started.back()->waitForStarted(patienceMs));
+        return *started.back();
+    };
+    inFolder(QStringList{QStringLiteral("run"), site} + control);
+    EXPECT_TRUE(eventually([&] {
+        return endOf(inFolder(QStringList{QStringLiteral("ctl"), site, QStringLiteral("status")} + control))
+                   .status == 0;
+    }));
+    EXPECT_TRUE(QFile::exists(folder.filePath(QStringLiteral("near.sock"))));
+    EXPECT_TRUE(QFile::exists(folder.filePath(QStringLiteral("near.sock.lock"))));
+}
+
+TEST_F(ControlledProgram, IsReachedAtTheSocketThatTheSiteFileNames) {
+    const QString path = folder.filePath(QStringLiteral("named.sock"));
+    QFile file(site);
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    file.write("[control]\nsocket = \"" + path.toUtf8() + "\"\n");
+    file.close();
+    EXPECT_THAT(ctl("status").errors, HasSubstr("named.sock, which the site file names"));
+    startHost();
+    EXPECT_TRUE(QFile::exists(path));
+    EXPECT_EQ(ctl("write pump-house/LEVEL=5").status, 0);
+}
+
+TEST_F(ControlledProgram, StartsNotWithAGroupThatThereIsNot) {
+    QFile file(site);
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    file.write("[control]\ngroup = \"no-such-group\"\n");
+    file.close();
+    for (const char* const command : {"run", "check"}) {
+        const Ending ending = endOf(start({QString::fromLatin1(command), site}));
+        EXPECT_EQ(ending.status, 2);
+        EXPECT_THAT(ending.errors, HasSubstr("there is no group \"no-such-group\" on this system"));
+    }
+}
+
+TEST_F(ControlledProgram, TellsThatAPathIsTooLongForASocket) {
+    const QString path = folder.filePath(QString(200, QLatin1Char('x')));
+    const Ending host = endOf(start({QStringLiteral("run"), site, QStringLiteral("--control"), path}));
+    EXPECT_EQ(host.status, 2);
+    EXPECT_THAT(host.errors, HasSubstr("a socket's may have 107"));
+    const Ending client = ctl({QStringLiteral("status"), QStringLiteral("--control"), path});
+    EXPECT_EQ(client.status, 1);
+    EXPECT_THAT(client.errors, HasSubstr("a socket's may have 107"));
+}
+
+TEST_F(ControlledProgram, GivesUpAHostThatDoesNotReply) {
+    const QString path = folder.filePath(QStringLiteral("stopped.sock"));
+    QLocalServer stoppedHost; // the system accepts for it
+    ASSERT_TRUE(stoppedHost.listen(path));
+    std::vector<QProcess*> clients;
+    for (const char* const request : {"status", "poll", "trace"})
+        clients.push_back(&start(
+            {QStringLiteral("ctl"), site, QString::fromLatin1(request), QStringLiteral("--control"), path}));
+    QProcess& writer = start({QStringLiteral("ctl"), site, QStringLiteral("write"),
+                              QStringLiteral("tank/LEVEL=1"), QStringLiteral("--control"), path});
+    for (QProcess* const client : clients) {
+        const Ending ending = endOf(*client);
+        EXPECT_EQ(ending.status, 1);
+        EXPECT_THAT(ending.errors, HasSubstr("it is stopped or overloaded"));
+    }
+    EXPECT_FALSE(writer.waitForFinished(0)); // how long a controller takes, nobody knows
+}
+
+TEST_F(ControlledProgram, GivesUpALineWithoutEnd) {
+    const QString path = folder.filePath(QStringLiteral("endless.sock"));
+    QLocalServer endlessHost;
+    ASSERT_TRUE(endlessHost.listen(path));
+    QProcess& client =
+        start({QStringLiteral("ctl"), site, QStringLiteral("watch"), QStringLiteral("--control"), path});
+    ASSERT_TRUE(endlessHost.waitForNewConnection(patienceMs));
+    QLocalSocket& connection = *endlessHost.nextPendingConnection();
+    const QByteArray piece(1024 * 1024, 'x');
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (connection.state() == QLocalSocket::ConnectedState && elapsed.elapsed() < patienceMs) {
+        if (connection.bytesToWrite() < piece.size())
+            connection.write(piece);
+        connection.waitForBytesWritten(100);
+    }
+    const Ending ending = endOf(client);
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_THAT(ending.errors, HasSubstr("which no sbus-host sends"));
+}
+
 TEST_F(ControlledProgram, RunsASiteTwiceAndTellsThatOnlyTheFirstTakesCommands) {
     startHost();
     const Ending second =

@@ -3,9 +3,12 @@
 #include "services/control/ControlConnection.h"
 #include "services/control/ControlServer.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLocalServer>
+#include <QSysInfo>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
@@ -65,14 +68,14 @@ const QByteArray writeRun = R"({"id":1,"do":"write","values":[{"point":"hill/RUN
 } // namespace
 
 TEST_F(Server, IsOpenToItsUserAlone) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     EXPECT_EQ(QFile::permissions(QString::fromStdString(path)) &
                   ~(QFile::ExeOwner | QFile::ExeUser | QFile::ReadOwner | QFile::WriteOwner),
               QFile::ReadUser | QFile::WriteUser);
 }
 
 TEST_F(Server, AnswersEachLineOfAConversation) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     ControlClient client;
     connect(client);
     ASSERT_TRUE(client.send(writeRun + "\nrubbish\n" + R"({"id":2,"do":"poll"})"));
@@ -82,7 +85,7 @@ TEST_F(Server, AnswersEachLineOfAConversation) {
 }
 
 TEST_F(Server, AnswersALineThatIsTooLongAndTheOneBehindIt) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     ControlClient client;
     connect(client);
     ASSERT_TRUE(client.send(QByteArray(5'000'000, 'x') + "\n{\"do\":\"poll\"}"));
@@ -91,7 +94,7 @@ TEST_F(Server, AnswersALineThatIsTooLongAndTheOneBehindIt) {
 }
 
 TEST_F(Server, RepliesWhenTheCommandEndsOnAnotherThread) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     fake.hold();
     std::thread ender([this] {
         fake.waitForCommands(1);
@@ -103,7 +106,7 @@ TEST_F(Server, RepliesWhenTheCommandEndsOnAnotherThread) {
 }
 
 TEST_F(Server, TellsWatchersWhatChanges) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     ControlClient client;
     connect(client);
     ASSERT_TRUE(client.send(R"({"do":"watch","rtus":["waterworks/pump-house"]})"));
@@ -115,7 +118,7 @@ TEST_F(Server, TellsWatchersWhatChanges) {
 }
 
 TEST_F(Server, DropsAWatcherThatDoesNotReadAndSparesTheOthers) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     ControlClient lazy;
     ControlClient eager;
     for (ControlClient* const client : {&lazy, &eager}) {
@@ -142,7 +145,7 @@ TEST_F(Server, DropsAWatcherThatDoesNotReadAndSparesTheOthers) {
 }
 
 TEST_F(Server, DoesNotWorkForAClientThatDoesNotReadItsReplies) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     QLocalSocket lazy;
     lazy.setReadBufferSize(1); // reads no more than that by itself
     lazy.connectToServer(QString::fromStdString(path));
@@ -168,14 +171,14 @@ TEST_F(Server, ReplacesTheSocketOfAKilledHost) {
             QFile::rename(QString::fromStdString(path) + QStringLiteral("x"), QString::fromStdString(path)));
     }
     ASSERT_TRUE(QFile::exists(QString::fromStdString(path)));
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     EXPECT_THAT(ask(R"({"do":"status"})"), HasSubstr("channels"));
 }
 
 TEST_F(Server, LeavesTheSocketOfALivingHostAlone) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     ControlServer second(fake, fake.store);
-    EXPECT_THAT(second.start(path), HasSubstr("belongs to another sbus-host"));
+    EXPECT_THAT(second.start(doorAt(path)), HasSubstr("belongs to another sbus-host"));
     EXPECT_THAT(ask(R"({"do":"status"})"), HasSubstr("channels"));
 }
 
@@ -184,46 +187,98 @@ TEST_F(Server, LeavesWhatIsNoSocketAlone) {
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("mine");
     file.close();
-    EXPECT_THAT(server.start(path), HasSubstr("something else of that name"));
+    EXPECT_THAT(server.start(doorAt(path)), HasSubstr("something else of that name"));
     EXPECT_EQ(file.size(), 4);
 }
 
 TEST_F(Server, LeavesTheSocketOfAnotherProgramAlone) {
     QLocalServer other;
     ASSERT_TRUE(other.listen(QString::fromStdString(path)));
-    EXPECT_THAT(server.start(path), HasSubstr("belongs to another program"));
+    EXPECT_THAT(server.start(doorAt(path)), HasSubstr("belongs to another program"));
     EXPECT_TRUE(QFile::exists(QString::fromStdString(path)));
 }
 
 TEST_F(Server, TellsThatThereIsNoDirectoryForItsSocket) {
-    EXPECT_THAT(server.start(folder.filePath(QStringLiteral("none/control.sock")).toStdString()),
-                HasSubstr("directory is not there"));
+    EXPECT_THAT(server.start(doorAt(folder.filePath(QStringLiteral("none/control.sock")).toStdString())),
+                HasSubstr("No such file or directory"));
+}
+
+// In a container the next host often has the number of the one before.
+TEST_F(Server, TakesTheLockOfAKilledHostWithItsOwnProcessNumber) {
+    QFile lock(QString::fromStdString(path + ".lock"));
+    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+    lock.write(QByteArray::number(QCoreApplication::applicationPid()) + "\nhost_control_test\n" +
+               QSysInfo::machineHostName().toUtf8() + '\n');
+    lock.close();
+    EXPECT_EQ(server.start(doorAt(path)), "");
+}
+
+TEST_F(Server, ListensAnewWhenItsFolderWasWiped) {
+    const QString run = folder.filePath(QStringLiteral("run"));
+    ControlDoor door = doorAt((run + QStringLiteral("/control.sock")).toStdString());
+    door.isDirectoryOwn = true;
+    ASSERT_TRUE(QDir().mkpath(run));
+    ASSERT_EQ(server.start(door), "");
+    ControlClient before;
+    ASSERT_TRUE(before.connectTo({door.path}));
+    ASSERT_TRUE(QDir(run).removeRecursively());
+
+    QElapsedTimer elapsed;
+    elapsed.start();
+    ControlClient after;
+    while (!after.connectTo({door.path}) && elapsed.elapsed() < patienceMs)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    ASSERT_TRUE(after.send(R"({"do":"poll"})"));
+    EXPECT_THAT(next(after), HasSubstr("asked for"));
+    ASSERT_TRUE(before.send(R"({"do":"poll"})")); // who was connected stays so
+    EXPECT_THAT(next(before), HasSubstr("asked for"));
+}
+
+TEST_F(Server, RemovesAtItsEndNoSocketButItsOwn) {
+    ASSERT_EQ(server.start(doorAt(path)), "");
+    const QString mine = QString::fromStdString(path);
+    const QString aside = mine + QStringLiteral(".aside");
+    ASSERT_TRUE(QFile::rename(mine, aside));
+    QLocalServer other;
+    ASSERT_TRUE(other.listen(mine));
+    server.stop();
+    EXPECT_TRUE(QFile::exists(mine));
+    EXPECT_TRUE(QFile::exists(aside)); // nor what it no longer finds at its place
+}
+
+TEST_F(Server, TellsThatItsPathIsTooLong) {
+    const std::string deep = path + std::string(100, 'x');
+    EXPECT_THAT(server.start(doorAt(deep)), AllOf(HasSubstr(std::to_string(deep.size()) + " bytes"),
+                                                  HasSubstr("a socket's may have 107")));
 }
 
 TEST_F(Server, LeavesNoSocketBehind) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     server.stop();
     EXPECT_FALSE(QFile::exists(QString::fromStdString(path)));
     EXPECT_FALSE(QFile::exists(QString::fromStdString(path + ".lock")));
     ControlServer next(fake, fake.store);
-    EXPECT_EQ(next.start(path), "");
+    EXPECT_EQ(next.start(doorAt(path)), "");
 }
 
-TEST_F(Server, TurnsAwayMoreClientsThanItsLimitAndTellsThem) {
-    ASSERT_EQ(server.start(path, 2), "");
-    ControlClient first;
-    connect(first);
-    ASSERT_TRUE(first.send(R"({"do":"poll"})"));
-    next(first);
+TEST_F(Server, TurnsAwayMoreClientsThanItsLimitAndTellsThemWhileNoneIsIdle) {
+    ASSERT_EQ(server.start(doorAt(path, 2)), "");
+    fake.hold();
+    ControlClient watcher;
+    connect(watcher);
+    ASSERT_TRUE(watcher.send(R"({"do":"watch","rtus":["hill"]})"));
+    next(watcher);
     {
-        ControlClient second;
-        connect(second);
-        ASSERT_TRUE(second.send(R"({"do":"poll"})"));
-        next(second);
+        ControlClient writer;
+        connect(writer);
+        ASSERT_TRUE(writer.send(writeRun));
+        fake.waitForCommands(1);
         ControlClient third;
         connect(third);
         EXPECT_THAT(next(third), AllOf(HasSubstr("\"code\":\"busy\""), HasSubstr("2 clients")));
         EXPECT_EQ(next(third), "end");
+        fake.release();
+        EXPECT_THAT(next(writer), HasSubstr("success"));
     }
     // The second has left: there is room again, as soon as the server has seen it.
     QElapsedTimer elapsed;
@@ -234,8 +289,25 @@ TEST_F(Server, TurnsAwayMoreClientsThanItsLimitAndTellsThem) {
     EXPECT_THAT(reply, HasSubstr("asked for"));
 }
 
+TEST_F(Server, EndsTheOldestIdleClientForOneThatComes) {
+    ASSERT_EQ(server.start(doorAt(path, 2)), "");
+    ControlClient oldest;
+    connect(oldest);
+    ASSERT_TRUE(oldest.send(R"({"do":"poll"})"));
+    next(oldest);
+    ControlClient later;
+    connect(later);
+    ASSERT_TRUE(later.send(R"({"do":"poll"})"));
+    next(later);
+    EXPECT_THAT(ask(R"({"do":"poll"})"), HasSubstr("asked for"));
+    EXPECT_THAT(next(oldest), AllOf(HasSubstr("\"code\":\"busy\""), HasSubstr("idle")));
+    EXPECT_EQ(next(oldest), "end");
+    ASSERT_TRUE(later.send(R"({"do":"poll"})"));
+    EXPECT_THAT(next(later), HasSubstr("asked for"));
+}
+
 TEST_F(Server, EndsWhileClientsWaitAndTellsEachOfThem) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     fake.hold();
     std::vector<std::unique_ptr<ControlClient>> clients;
     for (int i = 0; i < 50; ++i) {
@@ -256,7 +328,7 @@ TEST_F(Server, EndsWhileClientsWaitAndTellsEachOfThem) {
 }
 
 TEST_F(Server, EndsWhileAWatcherDoesNotRead) {
-    ASSERT_EQ(server.start(path), "");
+    ASSERT_EQ(server.start(doorAt(path)), "");
     ControlClient lazy;
     connect(lazy);
     ASSERT_TRUE(lazy.send(R"({"do":"watch"})"));

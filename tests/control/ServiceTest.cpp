@@ -151,6 +151,38 @@ TEST_F(Service, AnswersSomeClientsWhileOthersWait) {
     EXPECT_THAT(ask(R"({"do":"status"})", 1), SizeIs(1));
 }
 
+TEST_F(Service, TakesNoMoreThanItsLimitOfOpenCommandsOfAllClients) {
+    fake.hold();
+    QByteArray values = R"({"point":"hill/RUN","value":1})";
+    for (int i = 1; i < 500; ++i)
+        values += R"(,{"point":"hill/RUN","value":1})";
+    const QByteArray request = R"({"do":"write","values":[)" + values + "]}";
+    ClientId client = 0;
+    for (std::size_t open = 0; open < ControlService::mostOpenCommands; open += 500)
+        EXPECT_THAT(ask(request, ++client), IsEmpty());
+    EXPECT_THAT(askOne(writeRun, ++client), AllOf(HasSubstr("\"code\":\"busy\""), HasSubstr("10000")));
+    service.forget(1); // what it had open counts no longer
+    EXPECT_THAT(ask(writeRun, client), IsEmpty());
+    fake.release();
+    service.answerFinished();
+    fake.hold();
+    for (std::size_t open = 0; open < ControlService::mostOpenCommands; open += 500)
+        EXPECT_THAT(ask(request, ++client), IsEmpty()); // all have ended: there is room for as many again
+    fake.release();
+}
+
+TEST_F(Service, LetsAReaderAskButNotCommand) {
+    service.allowReadingAlone(1);
+    for (const char* const request : {R"({"id":7,"do":"poll"})", R"({"id":7,"do":"time-sync"})",
+                                      R"({"id":7,"do":"write","values":[{"point":"hill/RUN","value":1}]})"})
+        EXPECT_THAT(askOne(request), AllOf(HasSubstr("\"code\":\"permission\""), HasSubstr("\"id\":7")));
+    EXPECT_THAT(fake.commands(), IsEmpty());
+    EXPECT_THAT(fake.polls(), IsEmpty());
+    EXPECT_THAT(askOne(R"({"do":"status"})"), HasSubstr("channels"));
+    EXPECT_THAT(askOne(R"({"do":"trace"})"), HasSubstr("\"ok\":true"));
+    EXPECT_THAT(askOne(writeRun, 2), HasSubstr("success")); // another client
+}
+
 TEST_F(Service, TakesNoMoreThanItsLimitOfOpenRequestsOfAClient) {
     fake.hold();
     for (std::size_t i = 0; i < ControlService::mostOpenRequests; ++i)

@@ -33,6 +33,7 @@ ControlConnection::~ControlConnection() {
 }
 
 void ControlConnection::arrived() {
+    lastBytes = std::chrono::steady_clock::now();
     if (isEnding) {
         socket->readAll(); // so that the end of the connection can be seen behind it
         return;
@@ -77,6 +78,11 @@ bool ControlConnection::hasRoom() const {
     return unsentBytes + socket->bytesToWrite() <= roomBytes;
 }
 
+bool ControlConnection::isQuiet() {
+    return !isEnding && !hasLine() && unsent.empty() && socket->bytesToWrite() == 0 &&
+           socket->bytesAvailable() == 0;
+}
+
 void ControlConnection::feedSocket() {
     while (!unsent.empty() && socket->bytesToWrite() < roomBytes) {
         socket->write(unsent.front() + '\n');
@@ -88,6 +94,7 @@ void ControlConnection::feedSocket() {
 }
 
 void ControlConnection::sent() {
+    lastBytes = std::chrono::steady_clock::now();
     feedSocket();
     if (!isEnding && hasRoom())
         owner.linesSent(id);

@@ -5,6 +5,7 @@
 
 #include <QTimer>
 
+#include <chrono>
 #include <deque>
 
 class QLocalSocket;
@@ -39,6 +40,9 @@ public:
     void send(const QByteArray& line);
     // Little enough waits to be sent for more to be made.
     bool hasRoom() const;
+    // Nothing waits in either direction, and since when.
+    bool isQuiet();
+    std::chrono::steady_clock::time_point quietSince() const { return lastBytes; }
     // Sends this instead of all that waits, then ends the connection.
     void endWith(const QByteArray& lastLine);
     // Gives away at once what the system takes, and ends.
@@ -60,6 +64,7 @@ private:
     std::deque<QByteArray> unsent;
     int unsentBytes = 0;
     bool isEnding = false;
+    std::chrono::steady_clock::time_point lastBytes = std::chrono::steady_clock::now();
     QTimer endTimer{this};
 };
 

@@ -1,7 +1,9 @@
 #include "ControlListener.h"
 
+#include "LocalConnection.h"
+#include "PrivateDirectory.h"
+
 #include <QElapsedTimer>
-#include <QLocalServer>
 #include <QLocalSocket>
 
 #include <algorithm>
@@ -15,8 +17,7 @@ namespace {
 constexpr int restMs = 4;
 constexpr int sliceMs = 2;
 constexpr int changePeriodMs = 50;        // how soon a watcher sees a change
-constexpr int listenPeriodMs = 500;       // how soon clients are accepted again after that has failed
-constexpr int probeMs = 1'000;            // for somebody else at the socket to accept
+constexpr int listenPeriodMs = 500;       // how soon a socket that was removed is put back
 constexpr std::size_t currentValues = 64; // told at a time
 // Clients above the limit that are still being told so.
 constexpr std::size_t mostTurnedAway = 32;
@@ -25,10 +26,23 @@ std::string namePath(const std::string& path) {
     return "control socket " + path;
 }
 
+// What was left of an earlier host may be replaced; nothing else.
+bool isFreeOrSocket(const std::string& path) {
+    std::error_code failure;
+    const auto kind = std::filesystem::symlink_status(std::filesystem::u8path(path), failure).type();
+    return kind == std::filesystem::file_type::not_found || kind == std::filesystem::file_type::socket ||
+           kind == std::filesystem::file_type::none; // why it cannot be seen, the next step tells
+}
+
+std::string directoryOf(const std::string& path) {
+    return std::filesystem::u8path(path).parent_path().u8string();
+}
+
 } // namespace
 
 ControlListener::ControlListener(ControlledHost& controlled, const ValueStore& store)
-    : service(controlled, store,
+    : server([this](QLocalSocket* socket) { accept(socket); }, [this] { return endOldestIdle(); }, this),
+      service(controlled, store,
               {[this](ClientId client, const QByteArray& line) { send(client, line); },
                [this](ClientId client) {
                    const ControlConnection* const connection = find(client);
@@ -50,9 +64,8 @@ ControlListener::ControlListener(ControlledHost& controlled, const ValueStore& s
 
 ControlListener::~ControlListener() = default;
 
-std::string ControlListener::listen(const std::string& path, std::size_t clients) {
-    socketPath = path;
-    mostClients = clients;
+std::string ControlListener::listen(const ControlDoor& controlDoor) {
+    door = controlDoor;
     std::string fault = open();
     if (!fault.empty())
         return fault;
@@ -61,69 +74,81 @@ std::string ControlListener::listen(const std::string& path, std::size_t clients
     return {};
 }
 
-// A host that was killed leaves its socket and its lock behind; both are replaced. The lock of a living one
-// stands.
+// A host that was killed leaves its socket and its lock's file behind; both are replaced. The lock of a
+// living one stands.
 std::string ControlListener::open() {
-    const std::filesystem::path file = std::filesystem::u8path(socketPath);
-    std::error_code failure;
-    const auto kind = std::filesystem::status(file, failure).type();
-    if (kind != std::filesystem::file_type::not_found && kind != std::filesystem::file_type::socket)
-        return namePath(socketPath) + ": there is something else of that name; choose another with --control";
-    lock = std::make_unique<QLockFile>(QString::fromStdString(socketPath + ".lock"));
-    lock->setStaleLockTime(0); // only by the end of its process
-    if (!lock->tryLock(0)) {
-        const bool isTaken = lock->error() == QLockFile::LockFailedError;
-        lock.reset();
-        return namePath(socketPath) + (isTaken
-                                           ? " belongs to another sbus-host that runs this site"
-                                           : " cannot be made: its directory is not there or not writable");
-    }
+    const std::string name = namePath(door.path);
+    if (!isFreeOrSocket(door.path))
+        return name + ": there is something else of that name; choose another with --control";
+    FileLock::Taken taken = FileLock::take(door.path + ".lock");
+    if (taken.isTakenByAnother)
+        return name + " belongs to another sbus-host that runs this site";
+    if (!taken.lock)
+        return name + " cannot be made: its lock " + door.path + ".lock: " + taken.fault;
     QLocalSocket probe;
-    probe.connectToServer(QString::fromStdString(socketPath));
-    if (probe.waitForConnected(probeMs)) {
-        lock.reset();
-        return namePath(socketPath) + " belongs to another program, which listens at it";
-    }
-    std::string fault = openServer();
+    if (connectTo(probe, door.path).end == Connecting::End::Connected)
+        return name + " belongs to another program, which listens at it";
+    const std::string fault = server.listen(door.path, door.groupId());
     if (!fault.empty())
-        lock.reset();
-    return fault;
+        return name + " cannot be made: " + fault;
+    lock = std::move(taken.lock);
+    return {};
 }
 
-std::string ControlListener::openServer() {
-    server = std::make_unique<QLocalServer>();
-    server->setSocketOptions(QLocalServer::UserAccessOption);
-    connect(server.get(), &QLocalServer::newConnection, this, [this] { acceptClients(); });
-    if (server->listen(QString::fromStdString(socketPath)))
-        return {};
-    return namePath(socketPath) + " cannot be made: " + server->errorString().toStdString();
-}
-
-// The server closes itself when it cannot accept a client, which happens when the process has no descriptor
-// left. It does not say so, but has an error text from then on.
+// Clients that are connected stay so. Where another host has put its socket in the meantime, it keeps it.
 void ControlListener::listenAgain() {
-    if (!server->errorString().isEmpty())
-        openServer();
-}
-
-void ControlListener::acceptClients() {
-    while (QLocalSocket* const socket = server->nextPendingConnection())
-        accept(socket);
+    if (server.isInPlace())
+        return server.resume();
+    lock.reset();
+    if (door.isDirectoryOwn)
+        makePrivateDirectory(directoryOf(door.path), door.groupId());
+    open();
 }
 
 void ControlListener::accept(QLocalSocket* socket) {
-    if (connections.size() >= mostClients + mostTurnedAway) {
+    const Admission admission = judgeClient(peerOf(*socket), door.user, door.group);
+    if (connections.size() >= door.clients + mostTurnedAway) {
         delete socket;
         return;
     }
-    const bool isTooMany = connections.size() >= mostClients;
+    // Nobody makes room for who is not let in.
+    const bool isTooMany =
+        connections.size() >= door.clients && (admission == Admission::Refused || !endOldestIdle());
     const ClientId client = ++lastClient;
     ControlConnection& connection =
         *connections.emplace(client, std::make_unique<ControlConnection>(client, socket, *this))
              .first->second;
     if (isTooMany)
         connection.endWith(errorReply(QJsonValue::Undefined, ReplyFault::Busy,
-                                      std::to_string(mostClients) + " clients are connected already"));
+                                      std::to_string(door.clients) + " clients are connected already"));
+    else
+        admit(client, connection, admission);
+}
+
+void ControlListener::admit(ClientId client, ControlConnection& connection, Admission admission) {
+    if (admission == Admission::Refused)
+        connection.endWith(errorReply(QJsonValue::Undefined, ReplyFault::Permission,
+                                      "permission denied: this host takes commands from its own user" +
+                                          std::string(door.group ? " and from members of its group" : "")));
+    else if (admission == Admission::Reads)
+        service.allowReadingAlone(client);
+}
+
+// Who asks for nothing and waits for nothing makes room for who may.
+bool ControlListener::endOldestIdle() {
+    const auto isOlder = [this](const auto& one, const auto& other) {
+        const bool isIdle = one.second->isQuiet() && !service.isServing(one.first);
+        const bool isOtherIdle = other.second->isQuiet() && !service.isServing(other.first);
+        return isIdle != isOtherIdle ? isIdle : one.second->quietSince() < other.second->quietSince();
+    };
+    const auto oldest = std::min_element(connections.begin(), connections.end(), isOlder);
+    if (oldest == connections.end() || !oldest->second->isQuiet() || service.isServing(oldest->first))
+        return false;
+    oldest->second->send(errorReply(QJsonValue::Undefined, ReplyFault::Busy,
+                                    "this connection is ended: it was idle, and others want to connect"));
+    oldest->second->endNow();
+    connectionEnded(oldest->first);
+    return true;
 }
 
 void ControlListener::linesArrived(ClientId client) {
@@ -211,12 +236,11 @@ void ControlListener::end() {
     changeTimer.stop();
     listenTimer.stop();
     workTimer.stop();
-    server->close();
+    server.close();
     service.end();
     for (const auto& [client, connection] : connections)
         connection->endNow();
     connections.clear();
-    server.reset();
     lock.reset();
 }
 

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "ControlConnection.h"
+#include "ControlDoor.h"
+#include "FileLock.h"
+#include "ListeningSocket.h"
 
-#include <QLockFile>
 #include <QTimer>
 
 #include <deque>
 #include <unordered_map>
-
-class QLocalServer;
 
 namespace host {
 
@@ -20,8 +20,9 @@ public:
     ControlListener(ControlledHost& controlled, const ValueStore& store);
     ~ControlListener() override;
 
-    // Empty, or why there is no listening: then nothing listens.
-    std::string listen(const std::string& path, std::size_t clients);
+    // Empty, or why there is no listening: then nothing listens. From then on the socket is put back within a
+    // second when somebody has removed it.
+    std::string listen(const ControlDoor& controlDoor);
     // Tells who waits, and ends every connection.
     void end();
 
@@ -33,10 +34,10 @@ private:
     using ConnectionPtr = std::unique_ptr<ControlConnection>;
 
     std::string open();
-    std::string openServer();
     void listenAgain();
-    void acceptClients();
     void accept(QLocalSocket* socket);
+    void admit(ClientId client, ControlConnection& connection, Admission admission);
+    bool endOldestIdle();
     void queueWork(ClientId client);
     void work();
     void workFor(ClientId client);
@@ -45,10 +46,9 @@ private:
     void send(ClientId client, const QByteArray& line);
     ControlConnection* find(ClientId client);
 
-    std::string socketPath;
-    std::size_t mostClients = 0;
-    std::unique_ptr<QLockFile> lock; // held as long as this host serves the path
-    std::unique_ptr<QLocalServer> server;
+    ControlDoor door;
+    std::unique_ptr<FileLock> lock; // held as long as this host serves the path
+    ListeningSocket server;
     ControlService service;
     std::unordered_map<ClientId, ConnectionPtr> connections;
     ClientId lastClient = 0;

@@ -30,13 +30,15 @@ ControlServer::~ControlServer() {
     stop();
 }
 
-std::string ControlServer::start(const std::string& path, std::size_t clients) {
-    const std::size_t most = clients > 0 ? clients : clientsAllowed();
+std::string ControlServer::start(const ControlDoor& door) {
+    ControlDoor counted = door;
+    if (counted.clients == 0)
+        counted.clients = clientsAllowed();
     thread.start();
     listener->moveToThread(&thread);
     std::string fault;
     QMetaObject::invokeMethod(
-        listener.get(), [&] { fault = listener->listen(path, most); }, Qt::BlockingQueuedConnection);
+        listener.get(), [&] { fault = listener->listen(counted); }, Qt::BlockingQueuedConnection);
     if (!fault.empty()) {
         thread.quit();
         thread.wait();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ControlDoor.h"
 #include "ControlledHost.h"
 
 #include <QThread>
@@ -20,8 +21,8 @@ public:
     ControlServer& operator=(const ControlServer&) = delete;
     ~ControlServer();
 
-    // Empty, or why nothing listens at `path`. `clients`: at once; 0 means as many as the descriptors allow.
-    std::string start(const std::string& path, std::size_t clients = 0);
+    // Empty, or why nothing listens at the door's path.
+    std::string start(const ControlDoor& door);
     // Who waits for a reply is told that none will come, then every connection ends.
     void stop();
 

@@ -18,6 +18,12 @@ QJsonValue jsonName(const SiteNames& names, const Ref& ref) {
     return QString::fromStdString(names.nameOf(ref));
 }
 
+// Polls too: they take the lines' time.
+bool isCommand(const RequestAction& action) {
+    return std::holds_alternative<WriteRequest>(action) || std::holds_alternative<TimeSyncRequest>(action) ||
+           std::holds_alternative<PollRequest>(action);
+}
+
 // Of several wrong names.
 class Faults {
 public:
@@ -66,6 +72,12 @@ void ControlService::handleTooLongLine(ClientId client) {
 }
 
 void ControlService::handle(ClientId client, const Request& request) {
+    if (isCommand(request.action) && readers.count(client) > 0) {
+        settings.send(client, errorReply(request.id, ReplyFault::Permission,
+                                         "permission denied: you may use status, watch and trace alone; the "
+                                         "site file gives your group no more"));
+        return;
+    }
     std::visit([&](const auto& action) { handle(client, request.id, action); }, request.action);
 }
 
@@ -172,6 +184,15 @@ void ControlService::submit(ClientId client, const QJsonValue& id,
                                      " requests of this connection wait for their results; wait for one"));
         return;
     }
+    // However many there are, one request is carried out.
+    if (openCommands > 0 && openCommands + commands.size() > mostOpenCommands) {
+        settings.send(client, errorReply(id, ReplyFault::Busy,
+                                         std::to_string(openCommands) +
+                                             " commands of all connections wait for their results; at most " +
+                                             std::to_string(mostOpenCommands) + " may"));
+        return;
+    }
+    openCommands += commands.size();
     const quint64 ticket = ++lastTicket;
     OpenRequest& request = openRequests[ticket];
     ++openCounts[client];
@@ -217,9 +238,14 @@ void ControlService::answerIfComplete(quint64 ticket) {
     const bool allGood = std::all_of(request.outcomes.begin(), request.outcomes.end(), isSuccess);
     const QByteArray line = reply(request.id, allGood, {{QStringLiteral("results"), results}});
     const ClientId client = request.client;
-    openRequests.erase(found);
+    close(found);
     --openCounts[client];
     settings.send(client, line);
+}
+
+void ControlService::close(std::map<quint64, OpenRequest>::const_iterator request) {
+    openCommands -= request->second.outcomes.size();
+    openRequests.erase(request);
 }
 
 void ControlService::handle(ClientId client, const QJsonValue& id, const StatusRequest&) {
@@ -277,6 +303,11 @@ void ControlService::handle(ClientId client, const QJsonValue& id, const TraceRe
         settings.send(client, reply(id, true, {{QStringLiteral("channels"), count}}));
         trace.begin(client, std::move(wanted.channelIds));
     }
+}
+
+bool ControlService::isServing(ClientId client) const {
+    const auto open = openCounts.find(client);
+    return isWatching(client) || trace.isTracing(client) || (open != openCounts.end() && open->second > 0);
 }
 
 bool ControlService::tellCurrentValues(ClientId client, std::size_t most) {
@@ -353,8 +384,13 @@ void ControlService::forget(ClientId client) {
     watches.erase(client);
     trace.forget(client);
     openCounts.erase(client);
-    for (auto request = openRequests.begin(); request != openRequests.end();)
-        request = request->second.client == client ? openRequests.erase(request) : std::next(request);
+    readers.erase(client);
+    for (auto request = openRequests.begin(); request != openRequests.end();) {
+        const auto next = std::next(request);
+        if (request->second.client == client)
+            close(request);
+        request = next;
+    }
 }
 
 void ControlService::end() {
@@ -365,6 +401,7 @@ void ControlService::end() {
                                  "the host ends; whether the command was carried out is not known"));
     openRequests.clear();
     openCounts.clear();
+    openCommands = 0;
 }
 
 } // namespace host

@@ -12,6 +12,7 @@
 #include <deque>
 #include <map>
 #include <memory>
+#include <set>
 
 namespace host {
 
@@ -41,6 +42,8 @@ public:
     ControlService& operator=(const ControlService&) = delete;
     ~ControlService();
 
+    // The client may ask, and command nothing.
+    void allowReadingAlone(ClientId client) { readers.insert(client); }
     void handleLine(ClientId client, const QByteArray& line);
     void handleTooLongLine(ClientId client);
     // The client is gone. Its commands go on, nobody is told how they end.
@@ -53,12 +56,17 @@ public:
     // left.
     bool tellCurrentValues(ClientId client, std::size_t most);
     bool isWatching(ClientId client) const { return watches.count(client) > 0; }
+    // Whether the client waits for a result, or is told of what happens.
+    bool isServing(ClientId client) const;
     // Tells every client that waits for a result that none will come.
     void end();
 
     static constexpr std::size_t mostOpenRequests = 64; // of one client
-    static constexpr std::size_t mostWatches = 100;     // each change is sent so often
-    static constexpr std::size_t mostTraces = 16;       // each exchange is sent so often
+    // In the open requests of all clients together. Each takes about a kilobyte until its request has ended,
+    // which at a silent RTU takes minutes.
+    static constexpr std::size_t mostOpenCommands = 10'000;
+    static constexpr std::size_t mostWatches = 100; // each change is sent so often
+    static constexpr std::size_t mostTraces = 16;   // each exchange is sent so often
 
 private:
     struct OpenRequest {
@@ -97,6 +105,7 @@ private:
                                                         const WriteRequest& request);
     void submit(ClientId client, const QJsonValue& id, const std::vector<NamedCommand>& commands);
     void answerIfComplete(quint64 ticket);
+    void close(std::map<quint64, OpenRequest>::const_iterator request);
     void tellChange(std::uint64_t number, const PointChange& change);
     static bool isToBeTold(const Watch& watch, std::size_t block, PointIndex index, std::uint64_t number);
     QByteArray changeLine(const PointRef& ref, const PointState& state);
@@ -116,6 +125,8 @@ private:
     ControlTrace trace;
     std::map<quint64, OpenRequest> openRequests; // by ticket
     std::map<ClientId, std::size_t> openCounts;
+    std::size_t openCommands = 0; // in the open requests
+    std::set<ClientId> readers;
     quint64 lastTicket = 0;
     QJsonObject statusCache;
     std::optional<Clock::time_point> statusTime; // of the cache

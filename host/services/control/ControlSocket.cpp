@@ -15,15 +15,36 @@ ControlSocket::~ControlSocket() {
 
 std::string ControlSocket::start(RunningSite& runningSite) {
     running = &runningSite;
+    const Place place = findPlace();
     server = std::make_unique<ControlServer>(*this, running->values);
-    if (!path.empty())
-        return server->start(path);
-    const SocketPlace place = prepareControlSocketPlace(sitePath);
-    const std::string fault = place.fault.empty() ? server->start(place.path) : place.fault;
+    std::string fault = place.fault.empty() ? server->start(place.door) : place.fault;
+    if (!place.door.isDirectoryOwn && !fault.empty())
+        return fault;
     if (!fault.empty())
         running->messages.tell(fault +
                                "; sbus-host ctl cannot reach this one. Give it a socket with --control PATH");
     return {};
+}
+
+ControlSocket::Place ControlSocket::findPlace() const {
+    const ControlSettings& settings = running->site.control;
+    Place place;
+    if (!settings.group.empty()) {
+        const auto group = findGroup(settings.group);
+        if (!group)
+            return {{}, "control socket: there is no group \"" + settings.group + "\""};
+        place.door.group = AdmittedGroup{*group, settings.access};
+    }
+    const std::string& given = path.empty() ? settings.socket : path;
+    if (!given.empty()) {
+        place.door.path = fullSocketPath(given);
+        return place;
+    }
+    const SocketPlace own = prepareControlSocketPlace(sitePath, place.door.groupId());
+    place.door.path = own.path;
+    place.door.isDirectoryOwn = true;
+    place.fault = own.fault;
+    return place;
 }
 
 void ControlSocket::stop() {

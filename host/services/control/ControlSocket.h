@@ -12,7 +12,7 @@ namespace host {
 // Opens a running site to sbus-host ctl.
 class ControlSocket : public Service, public ControlledHost {
 public:
-    // Serves `socketPath`, or the site file's own socket when it is empty.
+    // Serves `socketPath`, or when it is empty the one that the site file names, or else the site's own.
     ControlSocket(const std::string& socketPath, const std::string& siteFile);
     ~ControlSocket() override;
 
@@ -24,6 +24,12 @@ public:
     std::vector<ServiceFigure> figures() const override;
 
 private:
+    // The fault, when there is one, is why there is no door.
+    struct Place {
+        ControlDoor door;
+        std::string fault;
+    };
+    Place findPlace() const;
     std::string submit(const Command& command, CommandDone done) override;
     Halvex::DriverErrorResult requestPoll(int channelId, int rtuId) override;
     HostFigures siteFigures() const override;

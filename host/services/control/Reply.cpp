@@ -20,6 +20,8 @@ const char* toText(ReplyFault code) {
         return "unknown";
     case ReplyFault::Busy:
         return "busy";
+    case ReplyFault::Permission:
+        return "permission";
     case ReplyFault::Ending:
         break;
     }

@@ -17,10 +17,11 @@ namespace host {
 
 // Why a request got no other answer; "code" in the reply.
 enum class ReplyFault {
-    Malformed, // the line is no request
-    Unknown,   // it names what is not there or cannot do it
-    Busy,      // too many requests, clients or watches
-    Ending,    // the host ends
+    Malformed,  // the line is no request
+    Unknown,    // it names what is not there or cannot do it
+    Busy,       // too many requests, clients or watches
+    Ending,     // the host ends
+    Permission, // the client may not do that
 };
 
 // How one command ended.

@@ -6,6 +6,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace host {
 
 namespace {
@@ -24,33 +26,82 @@ QString socketName(const std::string& sitePath) {
     return stem + QLatin1Char('-') + QString::fromLatin1(hash.left(hashDigits)) + QStringLiteral(".sock");
 }
 
-QStringList directories() {
-    QStringList list;
+QString runtimeDirectory() {
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (!runtime.isEmpty() && QFileInfo(runtime).isDir())
+    if (runtime.isEmpty() || QDir::isRelativePath(runtime))
+        return {};
+    const FoundDirectory found = findDirectory(runtime.toStdString());
+    return found.state == DirectoryState::Own && found.isClosed ? runtime : QString();
+}
+
+const QString sharedName = QStringLiteral("sbus-host-"); // before the user's tag
+
+QString directoryBesideTemporaryFiles() {
+    return QDir::tempPath() + QLatin1Char('/') + sharedName + QString::fromStdString(userTag());
+}
+
+std::vector<std::string> otherUsers() {
+    std::vector<std::string> tags;
+    for (const QString& name :
+         QDir(QDir::tempPath()).entryList({sharedName + QLatin1Char('*')}, QDir::Dirs, QDir::Name)) {
+        const std::string tag = name.mid(sharedName.size()).section(QLatin1Char('-'), 0, 0).toStdString();
+        if (tag != userTag() && std::find(tags.begin(), tags.end(), tag) == tags.end())
+            tags.push_back(tag);
+    }
+    return tags;
+}
+
+// A group has a directory for itself: it gets into none that is the user's alone.
+QStringList directories(std::optional<GroupId> group) {
+    if (group)
+        return {directoryBesideTemporaryFiles() + QStringLiteral("-group-") + QString::number(*group)};
+    QStringList list;
+    const QString runtime = runtimeDirectory();
+    if (!runtime.isEmpty())
         list << runtime + QStringLiteral("/sbus-host");
-    list << QDir::tempPath() + QStringLiteral("/sbus-host-") + QString::fromStdString(userTag());
+    list << directoryBesideTemporaryFiles();
     return list;
+}
+
+std::string pathIn(const QString& directory, const std::string& sitePath) {
+    return (directory + QLatin1Char('/') + socketName(sitePath)).toStdString();
 }
 
 } // namespace
 
-std::vector<std::string> controlSocketPaths(const std::string& sitePath) {
+std::vector<std::string> controlSocketPaths(const std::string& sitePath, std::optional<GroupId> group) {
     std::vector<std::string> paths;
-    for (const QString& directory : directories())
-        paths.push_back((directory + QLatin1Char('/') + socketName(sitePath)).toStdString());
+    for (const QString& directory : directories(group))
+        paths.push_back(pathIn(directory, sitePath));
     return paths;
 }
 
-SocketPlace prepareControlSocketPlace(const std::string& sitePath) {
+SocketPaths findControlSockets(const std::string& sitePath, std::optional<GroupId> group) {
+    SocketPaths sockets;
+    for (const QString& directory : directories(group)) {
+        const FoundDirectory found = findDirectory(directory.toStdString());
+        if (found.state == DirectoryState::Own)
+            sockets.paths.push_back(pathIn(directory, sitePath));
+        else if (found.state == DirectoryState::SomebodyElse)
+            sockets.passedOver.push_back(found.fault);
+    }
+    sockets.otherUsers = otherUsers();
+    return sockets;
+}
+
+SocketPlace prepareControlSocketPlace(const std::string& sitePath, std::optional<GroupId> group) {
     SocketPlace place;
-    for (const QString& directory : directories()) {
-        const std::string fault = makePrivateDirectory(directory.toStdString());
+    for (const QString& directory : directories(group)) {
+        const std::string fault = makePrivateDirectory(directory.toStdString(), group);
         if (fault.empty())
-            return {(directory + QLatin1Char('/') + socketName(sitePath)).toStdString(), {}};
+            return {pathIn(directory, sitePath), {}};
         place.fault += (place.fault.empty() ? "" : "; ") + fault;
     }
     return place;
+}
+
+std::string fullSocketPath(const std::string& path) {
+    return QDir::current().absoluteFilePath(QString::fromStdString(path)).toStdString();
 }
 
 } // namespace host

@@ -1,0 +1,14 @@
+#include "ControlGroup.h"
+
+#include "Users.h"
+
+namespace host {
+
+void checkControlGroup(const Site& site, Findings& findings) {
+    const std::string& group = site.control.group;
+    if (!group.empty() && !findGroup(group))
+        findings.error(site.control.groupPlace, "there is no group \"" + group + "\" on this system",
+                       "name a group that \"getent group\" lists, or make one with groupadd");
+}
+
+} // namespace host
