@@ -1,5 +1,6 @@
 #include "RunCommand.h"
 
+#include "LogDirectory.h"
 #include "RunServices.h"
 #include "commands/CommandDispatcher.h"
 #include "plan/LineChecks.h"
@@ -16,7 +17,6 @@
 #include <HalvexDriverComponent/CLogger.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <thread>
 
@@ -47,11 +47,9 @@ bool isForReading(OutputFormat format) {
 std::string configureLogFiles(const RunOptions& options) {
     if (options.logDirectory.empty())
         return {};
-    std::error_code failure;
-    std::filesystem::create_directories(std::filesystem::u8path(options.logDirectory), failure);
-    if (failure)
-        return "log directory " + options.logDirectory + " cannot be made: " + failure.message() +
-               "; name one that may be written with --log-dir";
+    std::string fault = prepareLogDirectory(options.logDirectory);
+    if (!fault.empty())
+        return fault;
     LoggerSettings settings;
     settings.directory = options.logDirectory;
     settings.traceFrames = options.frames;
