@@ -96,6 +96,9 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
         "Where sbus-host ctl reaches this host; without it at a socket of the site file's own");
     command->add_flag("!--no-control", given->options.takesControl, "Take no commands from sbus-host ctl")
         ->excludes("--control");
+    command->add_option(
+        "--state-dir", given->options.stateDirectory,
+        "Where running pulses are remembered; without it in $XDG_STATE_HOME or ~/.local/state");
     const auto capture = host::addCaptureOptions(*command);
     command->callback([given, capture, &status] {
         if (!given->duration.empty())

@@ -12,6 +12,7 @@
 #include "services/console/Summary.h"
 #include "services/console/Terminal.h"
 #include "services/control/ControlGroup.h"
+#include "services/pulses/PulseSupervisor.h"
 
 #include <ControlCharacters.h>
 #include <HalvexDriverComponent/CLogger.h>
@@ -30,6 +31,8 @@ constexpr std::chrono::milliseconds lookPeriod{20}; // how soon a signal is seen
 constexpr int logFlushMs = 100;
 // For a reader that is slow to take the last lines after a signal.
 constexpr std::chrono::milliseconds lastRead{25};
+// For what is said before a forced end.
+constexpr std::chrono::milliseconds lastWords{200};
 
 OutputFormat chooseFormat(const RunOptions& options) {
     if (options.format)
@@ -62,6 +65,25 @@ void waitForTheEnd(const RunOptions& options, const ConsoleService& console) {
     const auto isOver = [&] { return options.duration && Clock::now() - start >= *options.duration; };
     while (!console.isClosed() && !isOver() && !stopsignal::isRequested())
         std::this_thread::sleep_for(lookPeriod);
+}
+
+// Ends the pulses that run, while lines and console still work. False when an output had to be left on, which
+// is told. A second signal ends the wait, and then the program.
+bool endPulses(RunServices& services, CommandDispatcher& dispatcher, Console& console) {
+    PulseSupervisor& pulses = services.pulses();
+    pulses.beginEnding();
+    dispatcher.abandonWaiting(); // nothing stands before the off commands
+    while (!pulses.haveEnded() && !stopsignal::isForced())
+        std::this_thread::sleep_for(lookPeriod);
+    const std::vector<std::string> left = pulses.stillOn();
+    for (const std::string& one : left)
+        console.error.write(one + '\n');
+    stopsignal::releaseSecond();
+    if (stopsignal::isForced()) {
+        console.error.waitUntilIdle(lastWords);
+        stopsignal::endAtOnce();
+    }
+    return left.empty();
 }
 
 // Whether all that was written has been read. A reader may take its time, until the user ends the program.
@@ -109,7 +131,9 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
         return failed(fault);
     }
     runtime.run();
+    stopsignal::holdSecond();
     waitForTheEnd(options, services.console());
+    const bool allOff = endPulses(services, dispatcher, console);
 
     // What counts is how things stood at the end of the run, not what closing the lines makes of it.
     store.freeze();
@@ -121,7 +145,8 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     CLogger::GetInstance()->flush(logFlushMs);
     (isForReading(format) ? console.out : console.error).write(summaryText(outcomes, channels));
     tellLosses(services.console(), console);
-    return judge(outcomes);
+    const ExitStatus status = judge(outcomes);
+    return allOff || status != ExitStatus::Good ? status : ExitStatus::CommunicationFailed;
 }
 
 } // namespace

@@ -18,6 +18,7 @@ struct RunOptions {
     std::string pluginPath;                // empty: searched for
     bool takesControl = true;              // opens a control socket
     std::string controlPath;               // of that; empty: the site file's own
+    std::string stateDirectory;            // of what is remembered beyond the end; empty: the user's
     std::optional<CaptureOptions> capture; // none: telegrams are not captured
 };
 

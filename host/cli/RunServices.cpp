@@ -35,6 +35,8 @@ RunningSite runningSiteOf(const RunServices::Host& host, CommandTaker& commands)
 RunServices::RunServices(const RunOptions& options, OutputFormat format, const Host& host) {
     const auto tell = [&messages = host.messages](const std::string& message) { messages.tell(message); };
     auto pulses = std::make_unique<PulseSupervisor>(host.values, host.dispatcher, tell);
+    pulses->useMemory(std::make_unique<PulseMemory>(options.stateDirectory, options.sitePath));
+    pulseSupervisor = pulses.get();
     runningSite = std::make_unique<RunningSite>(runningSiteOf(host, *pulses));
     services.push_back(std::move(pulses));
     services.push_back(std::make_unique<ClockSchedule>(host.site, host.dispatcher, tell));

@@ -12,6 +12,7 @@ namespace host {
 
 class CommandDispatcher;
 class ConsoleService;
+class PulseSupervisor;
 struct Console;
 
 // The services of `sbus-host run`. This is the one place outside of its own folder that a new service is
@@ -39,10 +40,12 @@ public:
     void stop();
 
     const ConsoleService& console() const { return *consoleService; }
+    PulseSupervisor& pulses() { return *pulseSupervisor; }
 
 private:
     std::vector<std::unique_ptr<Service>> services;
     const ConsoleService* consoleService = nullptr; // one of them
+    PulseSupervisor* pulseSupervisor = nullptr;     // another one
     std::unique_ptr<RunningSite> runningSite;       // what they see
 };
 

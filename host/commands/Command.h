@@ -2,8 +2,10 @@
 
 #include <HalvexDriverComponent/Halvex.h>
 
+#include <atomic>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <variant>
 
@@ -13,6 +15,12 @@ namespace host {
 struct SwitchPoint {
     unsigned point = 0;
     bool on = false;
+};
+
+// Switches off what the on command of a pulse point has switched on: the driver's own release, before its
+// time. An off command may do something else.
+struct EndPulse {
+    unsigned point = 0;
 };
 
 struct SetPoint {
@@ -27,7 +35,7 @@ struct SetPoints {
 
 struct SynchroniseClock {};
 
-using CommandAction = std::variant<SwitchPoint, SetPoint, SetPoints, SynchroniseClock>;
+using CommandAction = std::variant<SwitchPoint, EndPulse, SetPoint, SetPoints, SynchroniseClock>;
 
 struct Command {
     int channelId = 0;
@@ -40,6 +48,9 @@ struct CommandEnd {
     Halvex::DriverErrorResult result = Halvex::DriverErrorResult::Success;
     // By the driver, which may have sent it, or a part of it, even when it failed; false: nothing was sent.
     bool wasTaken = true;
+    // Of one that was given up for want of a result: true as long as the driver still has it, and may still
+    // send it. Null: it is over.
+    std::shared_ptr<const std::atomic<bool>> stillHeld = nullptr;
 };
 
 // Told once. Called on a thread of the taker's: it must return soon and may submit the next command.

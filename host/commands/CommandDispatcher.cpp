@@ -100,6 +100,23 @@ std::string CommandDispatcher::refusal(const Command& command) const {
     return refusalOf(*lane.channel, *lane.configured, command.action);
 }
 
+void CommandDispatcher::abandonWaiting() {
+    {
+        const std::lock_guard<std::mutex> lock(mailbox->mutex);
+        for (const auto& [channelId, line] : lines)
+            for (RtuLane* const lane : line.lanes) {
+                const bool isOnTheWay = line.call && line.call->lane == lane;
+                if (lane->current && !isOnTheWay && lane->current->next == 0) {
+                    abandoned.emplace_back(std::move(lane->current->done),
+                                           CommandEnd{Result::ChannelError, false});
+                    lane->current.reset();
+                }
+                abandonQueue(*lane, abandoned);
+            }
+    }
+    mailbox->changed.notify_one();
+}
+
 void CommandDispatcher::stop() {
     {
         const std::lock_guard<std::mutex> lock(mailbox->mutex);
@@ -134,6 +151,7 @@ void CommandDispatcher::run() {
 
 CommandDispatcher::Work CommandDispatcher::collectWork() {
     Work work;
+    work.results.swap(abandoned);
     takeEndedCalls(work);
     endOverdueCalls(work);
     if (stopping)
@@ -155,7 +173,7 @@ void CommandDispatcher::endOverdueCalls(Work& work) {
     const Clock::time_point now = Clock::now();
     for (auto& [channelId, line] : lines)
         if (line.call && line.call->deadline <= now)
-            endCall(line, {Result::TimeOut}, work);
+            endCall(line, {Result::TimeOut, true, line.call->isHeld}, work);
 }
 
 // Its job stays for another try, goes on to the next call, or ends.
@@ -171,7 +189,7 @@ void CommandDispatcher::endCall(Line& line, const CommandEnd& end, Work& work) {
     ++job.next;
     if (end.result == Result::Success && job.next < job.calls.size())
         return;
-    work.results.emplace_back(std::move(job.done), CommandEnd{end.result, wasTaken});
+    work.results.emplace_back(std::move(job.done), CommandEnd{end.result, wasTaken, end.stillHeld});
     lane.current.reset();
     if (lane.waiting.empty())
         return;
@@ -200,10 +218,17 @@ void CommandDispatcher::beginCall(Line& line, Work& work) {
         if (!lane.current)
             continue;
         line.turn = (line.turn + i + 1) % line.lanes.size();
-        line.call = CallOnTheWay{++lastCall, &lane, Clock::now() + line.timeLimit};
-        work.calls.push_back({lastCall, &lane, lane.current->calls[lane.current->next]});
+        line.call = CallOnTheWay{++lastCall, &lane, Clock::now() + line.timeLimit,
+                                 std::make_shared<std::atomic<bool>>(true)};
+        work.calls.push_back({lastCall, &lane, lane.current->calls[lane.current->next], line.call->isHeld});
         return;
     }
+}
+
+void CommandDispatcher::abandonQueue(RtuLane& lane, std::vector<Told>& results) {
+    for (Job& job : lane.waiting)
+        results.emplace_back(std::move(job.done), CommandEnd{Result::ChannelError, false});
+    lane.waiting.clear();
 }
 
 void CommandDispatcher::abandonAll(Work& work) {
@@ -215,9 +240,7 @@ void CommandDispatcher::abandonAll(Work& work) {
                     std::move(lane->current->done),
                     CommandEnd{Result::ChannelError, isOnTheWay || lane->current->next > 0});
             lane->current.reset();
-            for (Job& job : lane->waiting)
-                work.results.emplace_back(std::move(job.done), CommandEnd{Result::ChannelError, false});
-            lane->waiting.clear();
+            abandonQueue(*lane, work.results);
         }
         line.call.reset();
     }
@@ -244,7 +267,9 @@ void CommandDispatcher::makeCall(const Call& call) {
     CRtu& rtu = *call.lane->rtu;
     auto* const reply = new CReply(rtu.GetChannel());
     reply->notify([box = mailbox, wasRefused = isRefused, number = call.number,
-                   channelId = call.lane->channel->id, rtuId = call.lane->configured->id](Result ended) {
+                   channelId = call.lane->channel->id, rtuId = call.lane->configured->id,
+                   isHeld = call.isHeld](Result ended) {
+        isHeld->store(false);
         const bool isUntold = ended == Result::Success && wasRefused(channelId, rtuId);
         box->put({number, {isUntold ? Result::BadData : ended}});
     });
@@ -252,6 +277,7 @@ void CommandDispatcher::makeCall(const Call& call) {
     if (result == Result::Success)
         return;
     reply->release();
+    call.isHeld->store(false);
     mailbox->put({call.number, {result, false}});
 }
 

@@ -23,7 +23,7 @@ namespace host {
 // waits here in its order.
 //
 // A call whose result does not come within its line's time limit is ended as TimeOut. The driver may still
-// carry it out: nobody can take it back.
+// carry it out: nobody can take it back. Its CommandEnd tells how long the driver holds it.
 //
 // A channel that has lost an answer closes its link and opens it again in its next turn; in between the
 // driver takes no command. One that comes then is kept and handed over again, until the line counts as down.
@@ -52,6 +52,8 @@ public:
     ~CommandDispatcher() override;
 
     std::string submit(const Command& command, CommandDone done) override;
+    // Ends every command of which nothing was handed to the driver as ChannelError.
+    void abandonWaiting();
     // Ends every command that waits or is in progress as ChannelError; from now on all are refused.
     void stop();
 
@@ -79,6 +81,7 @@ private:
         std::uint64_t number = 0;
         RtuLane* lane = nullptr;
         Clock::time_point deadline;
+        std::shared_ptr<std::atomic<bool>> isHeld; // by the driver
     };
 
     // The driver calls in a row that found the channel not connected.
@@ -107,6 +110,7 @@ private:
         std::uint64_t number = 0;
         const RtuLane* lane = nullptr;
         CommandAction action;
+        std::shared_ptr<std::atomic<bool>> isHeld;
     };
     struct Work {
         std::vector<Told> results;
@@ -125,6 +129,7 @@ private:
     void beginCall(Line& line, Work& work);
     void endCall(Line& line, const CommandEnd& end, Work& work);
     static bool isReopening(Line& line);
+    static void abandonQueue(RtuLane& lane, std::vector<Told>& results);
     void abandonAll(Work& work);
     std::optional<Clock::time_point> nextDeadline() const;
     void makeCall(const Call& call);
@@ -138,6 +143,7 @@ private:
     // Its lock guards the lanes' jobs, the lines' calls and what follows.
     const std::shared_ptr<Mailbox> mailbox;
     std::uint64_t lastCall = 0;
+    std::vector<Told> abandoned; // to be told
     bool stopping = false;
 
     std::thread thread; // last: it works on all of the above

@@ -83,6 +83,12 @@ public:
     std::string operator()(const SwitchPoint& action) const {
         return told(action.point, [](const Point& point) { return switchFault(point); });
     }
+    std::string operator()(const EndPulse& action) const {
+        return told(action.point, [](const Point& point) {
+            const std::string fault = switchFault(point);
+            return fault.empty() && !canBeReleased(point) ? "has no pulse that could be ended" : fault;
+        });
+    }
     std::string operator()(const SetPoint& action) const { return set(action.point, action.value); }
     std::string operator()(const SetPoints& action) const {
         if (action.values.empty())
@@ -144,6 +150,11 @@ std::string refusalOf(const Channel& channel, const Rtu& rtu, const CommandActio
 std::vector<CommandAction> planDriverCalls(const Rtu& rtu, const CommandAction& action) {
     if (const auto* const switching = std::get_if<SwitchPoint>(&action))
         return {SwitchPoint{numberOf(rtu, *findPoint(rtu, switching->point)), switching->on}};
+    if (const auto* const ending = std::get_if<EndPulse>(&action)) {
+        const Point& point = *findPoint(rtu, ending->point);
+        return {SwitchPoint{isOffCommandItsRelease(point) ? numberOf(rtu, point) : releaseTwinOf(rtu, point),
+                            false}};
+    }
     std::vector<WordWrite> writes;
     if (const auto* const one = std::get_if<SetPoint>(&action))
         appendWrite(writes, rtu, one->point, one->value);

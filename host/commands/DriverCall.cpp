@@ -11,6 +11,7 @@ struct Caller {
     CReply* reply;
 
     int operator()(const SwitchPoint& one) const { return rtu.statusWrite(one.point, one.on ? 1 : 0, reply); }
+    int operator()(const EndPulse& one) const { return rtu.statusWrite(one.point, 0, reply); }
     int operator()(const SetPoint& one) const { return rtu.analogWrite(one.point, one.value, reply); }
     int operator()(const SetPoints& list) const {
         return rtu.analogWriteList(QMap<unsigned, double>(list.values), reply);

@@ -70,7 +70,7 @@ _sbus_host_offer_sites() {
 # The value of option $1, whose choices are in help $2.
 _sbus_host_offer_value() {
     case $1 in
-    --log-dir) _sbus_host_offer_files -d ;;
+    --log-dir | --state-dir) _sbus_host_offer_files -d ;;
     --plugin | --control | --capture | --output) _sbus_host_offer_files -f ;;
     *) _sbus_host_offer_words "$(_sbus_host_options "$2" "$1")" ;;
     esac

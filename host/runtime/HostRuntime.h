@@ -106,6 +106,9 @@ void addPoints(CRtu& target, const Rtu& rtu);
 unsigned numberOf(const Rtu& rtu, const Point& point);
 // The number of the hidden integer point that stands beside each float point of `rtu`, at the same register.
 unsigned integerTwinOf(const Rtu& rtu, const Point& floatPoint);
+// The number of the hidden status point that stands beside each pulse point whose off command is not its
+// release: an off command to it is.
+unsigned releaseTwinOf(const Rtu& rtu, const Point& pulsePoint);
 std::unique_ptr<CLink> makeLink(const LinkEnd& end);
 
 } // namespace host

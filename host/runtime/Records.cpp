@@ -69,6 +69,14 @@ void addHiddenPoint(CPointList& list, unsigned number, const ElementAddress& add
     }
 }
 
+// Its off command writes 0 to what the pulse has switched on. It is not read.
+StatusPoint releaseTwin(const Rtu& rtu, const Point& pulsePoint) {
+    Point twin;
+    twin.address = elementSwitchedOn(pulsePoint);
+    twin.isPolled = false;
+    return statusPoint(twin, releaseTwinOf(rtu, pulsePoint));
+}
+
 std::unique_ptr<CLink> makeLink(const UdpEnd& end) {
     return std::make_unique<CLinkUdp>(UdpSettings{end.host, static_cast<std::uint16_t>(end.port)});
 }
@@ -115,12 +123,19 @@ void addPoints(CRtu& target, const Rtu& rtu) {
     for (const Point& point : rtu.points)
         if (point.isFloat)
             addHiddenPoint(list, integerTwinOf(rtu, point), point.address);
+        else if (isReleasedByDriver(point) && !isOffCommandItsRelease(point))
+            list.AddStatusPoint(releaseTwin(rtu, point));
 }
 
 unsigned integerTwinOf(const Rtu& rtu, const Point& floatPoint) {
     // Far behind the hidden points that complete runs: there are not more of those than elements.
     constexpr unsigned firstTwin = firstHiddenNumber + 0x4000'0000;
     return firstTwin + numberOf(rtu, floatPoint);
+}
+
+unsigned releaseTwinOf(const Rtu& rtu, const Point& pulsePoint) {
+    constexpr unsigned firstReleaseTwin = firstHiddenNumber + 0x6000'0000; // behind the integer twins
+    return firstReleaseTwin + numberOf(rtu, pulsePoint);
 }
 
 unsigned numberOf(const Rtu& rtu, const Point& point) {

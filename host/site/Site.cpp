@@ -23,6 +23,19 @@ bool isOffCommandItsRelease(const Point& point) {
     return !point.secondAddress && !point.value;
 }
 
+ElementAddress elementSwitchedOn(const Point& point) {
+    return point.secondAddress.value_or(point.address);
+}
+
+bool isReleasedByDriver(const Point& point) {
+    const std::optional<std::uint8_t>& value = point.secondAddress ? point.secondValue : point.value;
+    return isPulse(point) && value.value_or(1) == 1;
+}
+
+bool canBeReleased(const Point& point) {
+    return isOffCommandItsRelease(point) || isReleasedByDriver(point);
+}
+
 const char* toText(LineType type) {
     return type == LineType::Serial ? "SBus-Serial" : "SBus-Ethernet";
 }

@@ -95,6 +95,12 @@ std::size_t countPoints(const Rtu& rtu, PointKind kind);
 bool isPulse(const Point& point);
 // Whether an off command of this pulse point resets just what its on command has set.
 bool isOffCommandItsRelease(const Point& point);
+// What an on command of this status point writes to.
+ElementAddress elementSwitchedOn(const Point& point);
+// Whether the driver releases this point's output after its width: it does so when it has written 1.
+bool isReleasedByDriver(const Point& point);
+// Whether the host can take back what an on command of this status point has set.
+bool canBeReleased(const Point& point);
 const char* toText(LineType type); // "SBus-Serial"
 const char* toText(TransmitType type);
 

@@ -25,6 +25,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Pair;
+using testing::UnorderedElementsAre;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -228,6 +230,35 @@ TEST_F(Dispatching, StoppingEndsWhatWaitsAndWhatIsInProgress) {
     rtus[7].end(success); // too late
     EXPECT_EQ(results.all().size(), 6U);
     dispatcher().stop();
+}
+
+TEST_F(Dispatching, WhatWaitsCanBeEndedWithoutWhatIsOnItsWay) {
+    for (int i = 0; i < 3; ++i)
+        submit(SwitchPoint{1, true});
+    submit(SwitchPoint{1, true}, 8); // the line is in use
+    rtus[7].awaitCalls(1);
+    dispatcher().abandonWaiting();
+    results.await(3);
+    rtus[7].end(success);
+    EXPECT_THAT(results.await(4), UnorderedElementsAre(Pair(0, success), Pair(1, channelError),
+                                                       Pair(2, channelError), Pair(3, channelError)));
+    submit(SwitchPoint{1, false}); // goes on
+    EXPECT_THAT(rtus[7].awaitCalls(2), ElementsAre("switch 0 on", "switch 0 off"));
+    EXPECT_THAT(rtus[8].calls(), IsEmpty());
+    rtus[7].end(success);
+    results.await(5);
+}
+
+TEST_F(Dispatching, TellsHowLongTheDriverHoldsACommandThatWasGivenUp) {
+    std::promise<host::CommandEnd> promise;
+    dispatcher(20ms).submit({4, 7, SwitchPoint{1, true}},
+                            [&promise](const host::CommandEnd& end) { promise.set_value(end); });
+    const host::CommandEnd end = promise.get_future().get();
+    EXPECT_EQ(end.result, DriverErrorResult::TimeOut);
+    ASSERT_TRUE(end.stillHeld);
+    EXPECT_TRUE(*end.stillHeld);
+    rtus[7].end(success);
+    EXPECT_FALSE(*end.stillHeld);
 }
 
 TEST_F(Dispatching, OfWhatAStopEndsOnlyTheCommandOnItsWayMayHaveBeenSent) {

@@ -33,6 +33,8 @@ private:
         std::string text = std::to_string(command.channelId) + "/" + std::to_string(command.rtuId);
         if (const auto* const one = std::get_if<host::SwitchPoint>(&command.action))
             return text + " switch " + std::to_string(one->point) + (one->on ? " on" : " off");
+        if (const auto* const ending = std::get_if<host::EndPulse>(&command.action))
+            return text + " end " + std::to_string(ending->point);
         return text + (std::holds_alternative<host::SynchroniseClock>(command.action) ? " clock" : " set");
     }
 

@@ -241,6 +241,30 @@ TEST_F(Pulses, AnOnCommandThatTheDriverNeverTookDoesNotCount) {
     EXPECT_THAT(taker.texts, ElementsAre(on));
 }
 
+// The driver may still send it: then its pulse begins.
+TEST_F(Pulses, AnOnCommandThatTheDriverStillHoldsIsNotForgottenWhileThePointReadsOff) {
+    const auto isHeld = std::make_shared<std::atomic<bool>>(true);
+    switchOn();
+    taker.end({DriverErrorResult::TimeOut, true, isHeld});
+    now += 2s;
+    polls({0, 0, 0, 0});
+    *isHeld = false; // it was sent
+    polls({1, 1});
+    now += 2s;
+    EXPECT_THAT(taker.texts, ElementsAre(on));
+    polls({1, 1});
+    EXPECT_THAT(taker.texts, ElementsAre(on, off));
+}
+
+TEST_F(Pulses, AnOnCommandThatTheDriverHasGivenUpIsForgottenOnceThePointReadsOff) {
+    const auto isHeld = std::make_shared<std::atomic<bool>>(false);
+    switchOn();
+    taker.end({DriverErrorResult::TimeOut, true, isHeld});
+    now += 2s;
+    polls({0, 0, 1, 1, 1});
+    EXPECT_THAT(taker.texts, ElementsAre(on));
+}
+
 TEST_F(Pulses, APointWhoseOffCommandIsNotItsReleaseIsNotSupervised) {
     point().secondAddress = {'O', 33};
     switchOnWith(success);
