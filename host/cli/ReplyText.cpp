@@ -34,9 +34,13 @@ bool isGood(const QJsonObject& result) {
     return result.value(QStringLiteral("number")).toInt(-1) == 0;
 }
 
+bool isLeftOut(const QJsonObject& result) {
+    return text(result, "result") == "left out";
+}
+
 bool isRefused(const QJsonObject& result) {
     using Halvex::DriverErrorResult;
-    if (text(result, "result") == "refused")
+    if (text(result, "result") == "refused" || isLeftOut(result))
         return true;
     const auto number = static_cast<DriverErrorResult>(result.value(QStringLiteral("number")).toInt());
     return number == DriverErrorResult::NotSupported || number == DriverErrorResult::RtuNotFound ||
@@ -159,7 +163,9 @@ ExitStatus judgeReply(const QJsonObject& reply) {
     const QJsonArray results = reply.value(QStringLiteral("results")).toArray();
     const auto good = std::count_if(results.begin(), results.end(),
                                     [](const auto& result) { return isGood(result.toObject()); });
-    if (good == results.size())
+    const auto leftOut = std::count_if(results.begin(), results.end(),
+                                       [](const auto& result) { return isLeftOut(result.toObject()); });
+    if (results.isEmpty() || (good > 0 && good + leftOut == results.size()))
         return ExitStatus::Good;
     if (good > 0)
         return ExitStatus::SomeElements;

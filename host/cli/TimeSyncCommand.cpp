@@ -12,11 +12,17 @@
 namespace host {
 
 ExitStatus synchroniseClock(const Controller& controller) {
-    terminal::survivePipeEnd();
-    stopsignal::install();
     const ControllerLine& line = controller.line;
     const Site site = makeWriteSite(line, {});
     const LineType type = site.channels.front().type;
+    if (!isClockInReach(type)) {
+        tellError(nameOf(line) + ", clock: " + clockOutOfReach);
+        return ExitStatus::Configuration;
+    }
+    terminal::survivePipeEnd();
+    stopsignal::install();
+    terminal::survivePipeEnd();
+    stopsignal::install();
     OneShotCapture capture(controller.capture);
     CommandSender sender(line, site);
     const auto captured = capture.follow(sender.exchanges());
@@ -27,11 +33,6 @@ ExitStatus synchroniseClock(const Controller& controller) {
         tellError(fault);
         return ExitStatus::Configuration;
     }
-    if (type == LineType::Ethernet)
-        tellError(
-            "warning: " + nameOf(line) +
-            ": on Ethernet the clock telegram goes out without a header, and controllers ignore it; set "
-            "the clock over a serial line");
     const CommandEnding ending = sender.send(SynchroniseClock());
     if (ending.kind == CommandEnding::Kind::Done) {
         std::cout << nameOf(line) << ": "
@@ -39,9 +40,7 @@ ExitStatus synchroniseClock(const Controller& controller) {
                   << std::endl;
         return ExitStatus::Good;
     }
-    const bool isIgnored = type == LineType::Ethernet && ending.isSilent;
-    tellError(nameOf(line) + ", clock: " +
-              (isIgnored ? "no answer came, as was to be expected; take it for not set" : ending.reason));
+    tellError(nameOf(line) + ", clock: " + ending.reason);
     return ending.kind == CommandEnding::Kind::Refused ? ExitStatus::Refused
                                                        : ExitStatus::CommunicationFailed;
 }

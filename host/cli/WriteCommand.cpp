@@ -76,8 +76,10 @@ private:
             return;
         }
         bar.erase();
-        for (const std::size_t write : step.writes)
-            std::cout << readingAsText(pointOf(options.writes[write]), options.writes[write].value) << '\n';
+        for (const std::size_t write : step.writes) {
+            const Point point = pointOf(options.writes[write]);
+            std::cout << readingAsText(point, heldValue(point, options.writes[write].value)) << '\n';
+        }
         std::cout << std::flush;
     }
 
@@ -117,8 +119,9 @@ bool isSame(const ElementWrite& write, double read) {
 std::string differenceText(const ControllerLine& line, const ElementWrite& write, double read) {
     const Point point = pointOf(write);
     const bool isTimer = write.address.media == 'T';
-    return nameOf(line) + ", " + toText(write.address) + ": " + valueText(point, write.value) +
-           " was written and acknowledged, but " + valueText(point, read) + " was read back; check " +
+    return nameOf(line) + ", " + toText(write.address) + ": " +
+           valueText(point, heldValue(point, write.value)) + " was written and acknowledged, but " +
+           valueText(point, read) + " was read back; check " +
            (isTimer ? "whether the timer runs" : "whether the controller's program writes it, too");
 }
 

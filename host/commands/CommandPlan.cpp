@@ -5,6 +5,7 @@
 #include "runtime/FailureText.h"
 #include "runtime/HostRuntime.h"
 #include "site/FloatRange.h"
+#include "site/WordRange.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,19 +30,6 @@ const char* mediaName(char media) {
     }
 }
 
-struct Range {
-    double lowest;
-    double highest;
-    const char* text;
-};
-
-// What the driver can carry: a timer's word has no sign, the others are signed.
-Range rangeOf(const Point& point) {
-    if (point.address.media == 'T')
-        return {0, 4294967295.0, "0 to 4294967295"};
-    return {-2147483648.0, 2147483647.0, "-2147483648 to 2147483647"};
-}
-
 std::string valueFault(const Point& point, double value) {
     if (!std::isfinite(value))
         return "the value is no number; give one";
@@ -52,12 +40,12 @@ std::string valueFault(const Point& point, double value) {
                          "the value does not fit the controller's floating-point format; give 0, or a "
                          "size from ") +
                          smallestFloatText + " to " + largestFloatText;
-    const Range range = rangeOf(point);
-    const double whole = std::trunc(value); // as the driver cuts it
-    if (whole < range.lowest || whole > range.highest)
-        return std::string("the value does not fit ") + mediaName(point.address.media) + "; give " +
-               range.text;
-    return {};
+    if (isWordOf(point.address.media, value))
+        return {};
+    const WordRange range = wordRangeOf(point.address.media);
+    return std::string("the value does not fit ") + mediaName(point.address.media) +
+           "; give a whole number from " + std::to_string(range.lowest) + " to " +
+           std::to_string(range.highest);
 }
 
 std::string switchFault(const Point& point) {
@@ -100,7 +88,9 @@ public:
         }
         return {};
     }
-    std::string operator()(const SynchroniseClock&) const { return {}; }
+    std::string operator()(const SynchroniseClock&) const {
+        return isClockInReach(channel.type) ? "" : nameOf(channel, &rtu) + ": " + clockOutOfReach;
+    }
 
 private:
     std::string set(unsigned point, double value) const {
@@ -134,6 +124,10 @@ void appendWrite(std::vector<WordWrite>& writes, const Rtu& rtu, unsigned id, do
 }
 
 } // namespace
+
+std::string valueFaultOf(const Point& point, double value) {
+    return point.kind == PointKind::Analog ? valueFault(point, value) : std::string();
+}
 
 const Point* findPoint(const Rtu& rtu, unsigned id) {
     const auto found = std::find_if(rtu.points.begin(), rtu.points.end(),

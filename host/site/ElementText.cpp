@@ -2,6 +2,8 @@
 
 #include "FloatRange.h"
 #include "Number.h"
+#include "SwitchWord.h"
+#include "WordRange.h"
 
 #include <algorithm>
 #include <cmath>
@@ -84,21 +86,13 @@ ParsedWrite parseFloatValue(ElementWrite write, const std::string& text, const s
     return {write, {}, {}};
 }
 
-struct IntegerRange {
-    long long lowest;
-    long long highest;
-};
-
-IntegerRange rangeOf(char media) {
-    constexpr long long highestWord = std::numeric_limits<std::int32_t>::max();
-    if (isBitMedia(media))
-        return {0, 1};
-    // Timers and counters count down from what is written, or up to it: never below 0.
-    return {media == 'R' ? std::numeric_limits<std::int32_t>::min() : 0, highestWord};
-}
-
 ParsedWrite parseIntegerValue(ElementWrite write, const std::string& text, const std::string& value) {
-    const IntegerRange range = rangeOf(write.address.media);
+    const std::optional<bool> word = parseSwitchWord(value);
+    if (isBitMedia(write.address.media) && word) {
+        write.value = *word ? 1 : 0;
+        return {write, {}, {}};
+    }
+    const WordRange range = wordRangeOf(write.address.media);
     const std::optional<long long> number = parseNumber<long long>(value, range.lowest, range.highest);
     if (number) {
         write.value = static_cast<double>(*number);
@@ -107,7 +101,7 @@ ParsedWrite parseIntegerValue(ElementWrite write, const std::string& text, const
     std::string remedy =
         toText(write.address) + " takes " +
         (isBitMedia(write.address.media)
-             ? "0 or 1"
+             ? "0 or 1, off or on"
              : "whole numbers from " + std::to_string(range.lowest) + " to " + std::to_string(range.highest));
     if (write.address.media == 'R' && parseDecimal(value))
         remedy += "; for a floating-point value write " + toText(write.address) + floatSuffix + "=VALUE";

@@ -36,6 +36,10 @@ bool canBeReleased(const Point& point) {
     return isOffCommandItsRelease(point) || isReleasedByDriver(point);
 }
 
+bool isClockInReach(LineType type) {
+    return type == LineType::Serial;
+}
+
 const char* toText(LineType type) {
     return type == LineType::Serial ? "SBus-Serial" : "SBus-Ethernet";
 }

@@ -101,6 +101,10 @@ ElementAddress elementSwitchedOn(const Point& point);
 bool isReleasedByDriver(const Point& point);
 // Whether the host can take back what an on command of this status point has set.
 bool canBeReleased(const Point& point);
+// Whether controllers on such a line take the clock telegram. On Ethernet the driver sends it without its
+// header: nobody takes it, and the answer that does not come costs the line its connection for a moment.
+bool isClockInReach(LineType type);
+constexpr const char* clockOutOfReach = "not possible on Ethernet; set the clock over a serial line";
 const char* toText(LineType type); // "SBus-Serial"
 const char* toText(TransmitType type);
 

@@ -116,11 +116,12 @@ void findUnsupervisedPulses(const Rtu& rtu, Findings& findings) {
 }
 
 void findClocksOutOfReach(const Channel& channel, const Rtu& rtu, Findings& findings) {
-    if (rtu.timeSync && channel.type == LineType::Ethernet)
-        findings.warning(rtu.place,
-                         "time_sync on an Ethernet line: the clock telegram goes out without its header and "
-                         "controllers ignore it",
-                         "leave time_sync out, or set the clock over a serial line");
+    if (rtu.timeSync && !isClockInReach(channel.type))
+        findings.warning(
+            rtu.place,
+            "time_sync on an Ethernet line: the clock telegram would go out without its header and "
+            "be ignored, so the clock is not set",
+            "leave time_sync out, or set the clock over a serial line");
     if (rtu.timeSync && rtu.points.empty())
         findings.warning(rtu.place,
                          "time_sync without points: the clock is set when the RTU answers a poll, and it has "

@@ -33,6 +33,16 @@ std::string valueText(const Point& point, double value) {
     return text;
 }
 
+double heldValue(const Point& point, double value) {
+    if (!point.isFloat)
+        return value;
+    std::string text;
+    appendShortest(text, static_cast<float>(value));
+    double held = 0;
+    std::from_chars(text.data(), text.data() + text.size(), held);
+    return held;
+}
+
 const char* toText(PointQuality quality) {
     switch (quality) {
     case PointQuality::Good:

@@ -12,6 +12,9 @@ namespace host {
 std::string valueText(const Point& point, double value);
 void appendValue(std::string& text, const Point& point, double value);
 
+// What the controller holds when `value`, which fits, was written to the point: of a float single precision.
+double heldValue(const Point& point, double value);
+
 const char* toText(PointQuality quality); // "good", "bad", "never read"
 
 // "0.05 ms"

@@ -36,6 +36,7 @@ host::Site controlSite() {
     host::Channel reservoirs = waterworks;
     reservoirs.id = 5;
     reservoirs.name = "reservoirs";
+    reservoirs.type = host::LineType::Serial;
     reservoirs.rtus = {makeRtu(1, "hill", 11, {makePoint(1, "RUN", PointKind::Status, {'O', 1})}),
                        makeRtu(2, "tank", 12, {makePoint(1, "LEVEL", PointKind::Analog, {'R', 1})}),
                        makeRtu(3, "pump-house", 13,

@@ -7,9 +7,9 @@
 #include <condition_variable>
 #include <mutex>
 
-// A site of two lines: on "waterworks" (channel 4) the RTU "pump-house" (7) with the status point RUN (1) and
-// the analog points FLOW (2, a float) and LEVEL (3), on "reservoirs" (5) "hill" (1) with RUN (1), "tank" (2)
-// with LEVEL (1), disabled, and one more "pump-house" (3) with VALVE (1).
+// A site of two lines: on "waterworks" (channel 4, Ethernet) the RTU "pump-house" (7) with the status point
+// RUN (1) and the analog points FLOW (2, a float) and LEVEL (3), on "reservoirs" (5, serial) "hill" (1) with
+// RUN (1), "tank" (2) with LEVEL (1), disabled, and one more "pump-house" (3) with VALVE (1).
 host::Site controlSite();
 
 // A control socket at `path`, for this user alone and for so many clients.

@@ -163,8 +163,8 @@ TEST_F(ControlledProgram, PollsOnDemandAndShowsWhatHasChanged) {
 TEST_F(ControlledProgram, TellsThatAClockWasNotSetOverEthernet) {
     startHost();
     const Ending ending = ctl("time-sync tank");
-    EXPECT_EQ(ending.status, 1);
-    EXPECT_THAT(ending.output, HasSubstr("tank  "));
+    EXPECT_EQ(ending.status, 4);
+    EXPECT_THAT(ending.output, HasSubstr("tank  left out: not possible on Ethernet"));
     EXPECT_THAT(ending.output, testing::Not(HasSubstr("success")));
 }
 

@@ -17,7 +17,10 @@ namespace {
 
 class Clocks : public testing::Test {
 protected:
-    Clocks() { site.channels[0].rtus[0].timeSync = 24h; }
+    Clocks() {
+        site.channels[0].type = host::LineType::Serial;
+        site.channels[0].rtus[0].timeSync = 24h;
+    }
 
     void requestEnds(bool answered) {
         if (!made)
@@ -51,6 +54,13 @@ TEST_F(Clocks, AreSetAfterTheFirstAnswerAndThenEveryPeriod) {
     now += 1ms;
     requestEnds(true);
     EXPECT_EQ(taker.texts.size(), 2U);
+    EXPECT_THAT(messages, IsEmpty());
+}
+
+TEST_F(Clocks, OnEthernetAreLeftAlone) {
+    site.channels[0].type = host::LineType::Ethernet;
+    requestEnds(true);
+    EXPECT_THAT(taker.texts, IsEmpty());
     EXPECT_THAT(messages, IsEmpty());
 }
 

@@ -39,8 +39,11 @@ TEST_F(Dispatching, WhatNoRtuCanDoIsRefusedWithItsReason) {
 
 TEST_F(Dispatching, ValuesThatDoNotFitTheirElementAreRefused) {
     rtus[7].answerAtOnce(success);
-    EXPECT_THAT(submit(SetPoint{3, 2147483648.0}), HasSubstr("give -2147483648 to 2147483647"));
-    EXPECT_EQ(submit(SetPoint{3, 2147483647.9}), ""); // the driver cuts it
+    EXPECT_THAT(submit(SetPoint{3, 2147483648.0}),
+                HasSubstr("does not fit a register; give a whole number from -2147483648 to 2147483647"));
+    EXPECT_EQ(submit(SetPoint{3, 2147483647.0}), "");
+    for (const double cut : {0.999, 1.5, -1.7, 2147483647.9}) // the driver would cut them
+        EXPECT_THAT(submit(SetPoint{3, cut}), HasSubstr("give a whole number")) << cut;
     EXPECT_EQ(submit(SetPoint{3, -2147483648.0}), "");
     EXPECT_THAT(submit(SetPoint{2, 9.3e18}), HasSubstr("floating-point format"));
     EXPECT_THAT(submit(SetPoint{2, -1e-30}), HasSubstr("floating-point format"));
@@ -49,12 +52,24 @@ TEST_F(Dispatching, ValuesThatDoNotFitTheirElementAreRefused) {
     EXPECT_EQ(results.await(3).size(), 3U);
 }
 
-TEST_F(Dispatching, TimersTakeValuesWithoutASign) {
-    site.channels[0].rtus[0].points[2].address = {'T', 3};
+TEST_F(Dispatching, TimersAndCountersTakeNoNegativeValues) {
     rtus[7].answerAtOnce(success);
-    EXPECT_EQ(submit(SetPoint{3, 4294967295.0}), "");
-    EXPECT_THAT(submit(SetPoint{3, -1}), HasSubstr("does not fit a timer; give 0 to 4294967295"));
-    results.await(1);
+    for (const char media : {'T', 'C'}) {
+        site.channels[0].rtus[0].points[2].address = {media, 3};
+        EXPECT_EQ(submit(SetPoint{3, 2147483647.0}), "");
+        for (const double refused : {-1.0, -5.0, 1.5, 2147483648.0})
+            EXPECT_THAT(submit(SetPoint{3, refused}), HasSubstr("give a whole number from 0 to 2147483647"))
+                << media << refused;
+    }
+    results.await(2);
+}
+
+TEST_F(Dispatching, AClockOnAnEthernetLineIsRefused) {
+    site.channels[0].type = host::LineType::Ethernet;
+    EXPECT_EQ(submit(SynchroniseClock{}),
+              "channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5): not possible on Ethernet; set the "
+              "clock over a serial line");
+    EXPECT_THAT(rtus[7].calls(), IsEmpty());
 }
 
 TEST_F(Dispatching, ADisabledRtuTakesNoCommands) {

@@ -20,6 +20,7 @@ protected:
         second.id = 8;
         second.name = "tank";
         site.channels[0].rtus.push_back(second);
+        site.channels[0].type = host::LineType::Serial; // takes every kind of command
     }
     void TearDown() override {
         made.reset();

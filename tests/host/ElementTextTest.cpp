@@ -65,6 +65,15 @@ TEST(ElementWrite, TakesWhatTheElementHolds) {
     EXPECT_EQ(written("C1=2147483647"), 2147483647.0);
 }
 
+TEST(ElementWrite, TakesWordsInAnyCaseForWhatIsSwitched) {
+    for (const char* const on : {"O1=on", "O1=ON", "F1=On", "O1=true", "O1=TRUE"})
+        EXPECT_EQ(written(on), 1) << on;
+    for (const char* const off : {"O1=off", "F1=OFF", "O1=False"})
+        EXPECT_EQ(written(off), 0) << off;
+    EXPECT_THAT(refusal("R1=on"), HasSubstr("no number that fits"));
+    EXPECT_THAT(refusal("O1=onn"), HasSubstr("O1 takes 0 or 1"));
+}
+
 TEST(ElementWrite, RefusesWhatTheElementDoesNotHold) {
     EXPECT_THAT(refusal("O1=2"), HasSubstr("O1 takes 0 or 1"));
     EXPECT_THAT(refusal("R1=2147483648"), HasSubstr("from -2147483648 to 2147483647"));
@@ -93,7 +102,7 @@ TEST(ElementWrite, TellsWhatIsWrong) {
     EXPECT_THAT(refusal("I5=1"), HasSubstr("inputs (I) are read only"));
     EXPECT_THAT(refusal("R1..5=1"), HasSubstr("a value goes to one element"));
     EXPECT_THAT(refusal("T5:float=1"), HasSubstr("only registers (R)"));
-    for (const char* const text : {"=1", "R=1", "R1=", "R1=0x10", "R1= 1", "R1=1=2", "O1=on", "R1=+1"})
+    for (const char* const text : {"=1", "R=1", "R1=", "R1=0x10", "R1= 1", "R1=1=2", "O1=one", "R1=+1"})
         EXPECT_NE(refusal(text), "") << text;
 }
 

@@ -198,11 +198,10 @@ TEST_P(TimeSyncOnSerialLines, SetsTheControllersClock) {
     EXPECT_EQ(simulator.counts(lineId).clockSettings.size(), 1U);
 }
 
-TEST_F(TimeSync, WarnsOnEthernetAndEndsWithOne) {
-    const Ending ending = run("time-sync LINK --station 5 --timeout 200ms");
-    EXPECT_EQ(ending.status, 1);
+TEST_F(TimeSync, IsNotPossibleOnEthernet) {
+    const Ending ending = run("time-sync LINK --station 5");
+    EXPECT_EQ(ending.status, 2);
     EXPECT_EQ(ending.output, "");
-    EXPECT_THAT(ending.errors, AllOf(HasSubstr("without a header, and controllers ignore it"),
-                                     HasSubstr("take it for not set")));
-    EXPECT_TRUE(simulator.counts(lineId).clockSettings.empty());
+    EXPECT_THAT(ending.errors, HasSubstr("station 5, clock: not possible on Ethernet"));
+    EXPECT_EQ(simulator.counts(lineId).telegrams, 0U);
 }

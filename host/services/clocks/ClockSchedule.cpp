@@ -20,7 +20,7 @@ ClockSchedule::ClockSchedule(const Site& site, CommandTaker& commandTaker, Tell 
     : taker(commandTaker), tell(std::move(tellOperator)), now(std::move(clock)) {
     for (const Channel& channel : site.channels)
         for (const Rtu& rtu : channel.rtus)
-            if (rtu.timeSync && rtu.enabled)
+            if (rtu.timeSync && rtu.enabled && isClockInReach(channel.type))
                 entries[&rtu] = {};
 }
 

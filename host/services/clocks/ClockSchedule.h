@@ -12,9 +12,10 @@
 namespace host {
 
 // Sets the clocks of the RTUs that ask for it: when an RTU has answered for the first time, and from then on
-// once in each period, with the next answer of the RTU. One that is silent gets its clock when it is back.
-// Looks at the RTUs' figures on a thread of its own, unless no RTU asks for it. Failures are told.
-// Results of `taker` may come as long as this lives, on any thread: end it first.
+// once in each period, with the next answer of the RTU. Those on Ethernet lines are left out. One that is
+// silent gets its clock when it is back. Looks at the RTUs' figures on a thread of its own, unless no RTU
+// asks for it. Failures are told. Results of `taker` may come as long as this lives, on any thread: end it
+// first.
 class ClockSchedule : public Service {
 public:
     using Clock = std::chrono::steady_clock;

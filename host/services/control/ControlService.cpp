@@ -1,5 +1,8 @@
 #include "ControlService.h"
 
+#include "commands/CommandPlan.h"
+#include "values/ValueText.h"
+
 #include <QJsonArray>
 
 #include <algorithm>
@@ -105,11 +108,13 @@ ControlService::makeWrites(ClientId client, const QJsonValue& id, const WriteReq
                        "\" is disabled in the site file");
         else if (isStatus && one.value != 0 && one.value != 1)
             faults.add("\"" + one.point + "\" is a status point: it takes 0 or 1");
+        else if (const std::string fault = valueFaultOf(*ref.point, one.value); !fault.empty())
+            faults.add("\"" + one.point + "\" = " + valueText(*ref.point, one.value) + ": " + fault);
         const CommandAction action = isStatus ? CommandAction(SwitchPoint{ref.point->id, one.value != 0})
                                               : CommandAction(SetPoint{ref.point->id, one.value});
         const QJsonObject subject{{QStringLiteral("point"), jsonName(names, ref)},
-                                  {QStringLiteral("value"), one.value}};
-        commands.push_back({subject, {ref.channel->id, ref.rtu->id, action}});
+                                  {QStringLiteral("value"), heldValue(*ref.point, one.value)}};
+        commands.push_back({subject, {ref.channel->id, ref.rtu->id, action}, {}});
     }
     if (faults.isEmpty())
         return commands;
@@ -171,7 +176,8 @@ void ControlService::handle(ClientId client, const QJsonValue& id, const TimeSyn
     std::vector<NamedCommand> commands;
     for (const SiteNames::RtuRef& ref : *rtus)
         commands.push_back({{{QStringLiteral("rtu"), jsonName(names, ref)}},
-                            {ref.channel->id, ref.rtu->id, SynchroniseClock{}}});
+                            {ref.channel->id, ref.rtu->id, SynchroniseClock{}},
+                            isClockInReach(ref.channel->type) ? "" : clockOutOfReach});
     submit(client, id, commands);
 }
 
@@ -205,7 +211,9 @@ void ControlService::submit(ClientId client, const QJsonValue& id,
         const auto done = [results = finished, ticket, i, command](const CommandEnd& end) {
             results->add(ticket, i, end.result, command);
         };
-        request.outcomes[i].why = controlled.submit(command, done);
+        request.outcomes[i].why =
+            commands[i].leftOut.empty() ? controlled.submit(command, done) : commands[i].leftOut;
+        request.outcomes[i].isLeftOut = !commands[i].leftOut.empty();
         if (request.outcomes[i].why.empty())
             ++request.open;
     }
@@ -235,7 +243,7 @@ void ControlService::answerIfComplete(quint64 ticket) {
             one.insert(part.key(), part.value());
         results.append(one);
     }
-    const bool allGood = std::all_of(request.outcomes.begin(), request.outcomes.end(), isSuccess);
+    const bool allGood = isAllDone(request.outcomes);
     const QByteArray line = reply(request.id, allGood, {{QStringLiteral("results"), results}});
     const ClientId client = request.client;
     close(found);

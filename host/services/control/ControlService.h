@@ -89,6 +89,7 @@ private:
     struct NamedCommand {
         QJsonObject subject;
         Command command;
+        std::string leftOut; // why it is not given in
     };
 
     void handle(ClientId client, const Request& request);

@@ -6,6 +6,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <algorithm>
+
 namespace host {
 
 namespace {
@@ -79,7 +81,16 @@ bool isSuccess(const CommandOutcome& outcome) {
     return outcome.result == DriverErrorResult::Success;
 }
 
+bool isAllDone(const std::vector<CommandOutcome>& outcomes) {
+    const bool isAnythingDone = outcomes.empty() || std::any_of(outcomes.begin(), outcomes.end(), isSuccess);
+    return isAnythingDone && std::all_of(outcomes.begin(), outcomes.end(), [](const CommandOutcome& one) {
+               return one.isLeftOut || isSuccess(one);
+           });
+}
+
 const char* resultText(const CommandOutcome& outcome) {
+    if (outcome.isLeftOut)
+        return "left out";
     if (!outcome.result || (outcome.isRefusedByController && !isSuccess(outcome)))
         return "refused";
     return resultWord(*outcome.result);

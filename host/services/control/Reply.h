@@ -29,9 +29,12 @@ struct CommandOutcome {
     std::optional<Halvex::DriverErrorResult> result; // nothing: the host refused it, or has no result yet
     bool isRefusedByController = false;              // understood and refused, which is no number of its own
     std::string why;                                 // the host refused it
+    bool isLeftOut = false;                          // since it is not possible; it counts for nothing
 };
 
 bool isSuccess(const CommandOutcome& outcome);
+// Whether at least one is a success, and all that are not left out are.
+bool isAllDone(const std::vector<CommandOutcome>& outcomes);
 // "success", "time-out", "refused", "channel error", ...
 const char* resultText(const CommandOutcome& outcome);
 QJsonObject toJson(const CommandOutcome& outcome);
