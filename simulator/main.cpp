@@ -1,7 +1,10 @@
 #include "Program.h"
 
+#include <StandardDescriptors.h>
+
 #include <iostream>
 
 int main(int argc, char** argv) {
+    openClosedStandardDescriptors();
     return sim::runProgram(argc, argv, std::cout, std::cerr);
 }

@@ -3,10 +3,12 @@
 #include "ControlClient.h"
 #include "ReplyText.h"
 #include "runtime/ExchangeText.h"
+#include "services/console/OutputReader.h"
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
 #include "services/control/SocketPath.h"
 #include "site/SiteFile.h"
+#include "site/SwitchWord.h"
 
 #include <ControlCharacters.h>
 #include <QFileInfo>
@@ -126,10 +128,11 @@ std::string eventText(const QJsonObject& message) {
 
 // Until a signal comes, the host ends, or nobody reads the output any more.
 ExitStatus showEvents(const CtlOptions& options, ControlClient& client) {
+    const auto isOver = [] { return stopsignal::isRequested() || outputreader::isGone(); };
     while (std::cout) {
-        const std::optional<QByteArray> line = client.nextLine(stopsignal::isRequested);
+        const std::optional<QByteArray> line = client.nextLine(isOver);
         if (!line)
-            return stopsignal::isRequested() ? ExitStatus::Good : tellEnd(client);
+            return isOver() ? ExitStatus::Good : tellEnd(client);
         const QJsonObject message = parse(*line);
         const std::string text = eventText(message);
         if (text.empty()) { // why the host will tell no more
@@ -207,10 +210,8 @@ std::optional<PointValue> parsePointValue(const std::string& text) {
         return std::nullopt;
     const std::string point = text.substr(0, sign);
     const std::string value = text.substr(sign + 1);
-    if (value == "on" || value == "true")
-        return PointValue{point, 1};
-    if (value == "off" || value == "false")
-        return PointValue{point, 0};
+    if (const std::optional<bool> word = parseSwitchWord(value))
+        return PointValue{point, *word ? 1.0 : 0.0};
     bool isNumber = false;
     const double number = QByteArray::fromStdString(value).toDouble(&isNumber);
     if (!isNumber || !std::isfinite(number))

@@ -5,7 +5,11 @@
 #include "ImportCommand.h"
 #include "RunCommand.h"
 #include "ScanArguments.h"
+#include "StandardOutput.h"
+#include "services/console/Terminal.h"
 #include "site/Duration.h"
+
+#include <StandardDescriptors.h>
 
 #include <CLI/CLI.hpp>
 #include <ControlCharacters.h>
@@ -136,8 +140,10 @@ int runProgram(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    openClosedStandardDescriptors();
+    host::terminal::survivePipeEnd();
     try {
-        return runProgram(argc, argv);
+        return host::statusWithOutput(runProgram(argc, argv));
     } catch (const std::exception& failure) {
         std::cerr << "sbus-host: " << text::printable(failure.what()) << '\n';
         return static_cast<int>(ExitStatus::Configuration);

@@ -3,6 +3,7 @@
 #include "oneshot/ElementTally.h"
 #include "oneshot/OneShotCapture.h"
 
+#include "services/console/OutputReader.h"
 #include "services/console/ProgressBar.h"
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
@@ -58,9 +59,9 @@ void count(ElementTally& tally, const ReadRound& round) {
     tally.failed += round.readings.size() - good - round.refused;
 }
 
-// False when a signal came first.
+// False when a signal came first, or nobody reads any more.
 bool sleepUntil(Clock::time_point time) {
-    while (!stopsignal::isRequested()) {
+    while (!stopsignal::isRequested() && !outputreader::isGone()) {
         const auto left = time - Clock::now();
         if (left <= Clock::duration::zero())
             return true;

@@ -1,6 +1,7 @@
 #include "RunCommand.h"
 
 #include "LogDirectory.h"
+#include "OutputWatch.h"
 #include "RunServices.h"
 #include "commands/CommandDispatcher.h"
 #include "plan/LineChecks.h"
@@ -60,10 +61,10 @@ std::string configureLogFiles(const RunOptions& options) {
     return {};
 }
 
-void waitForTheEnd(const RunOptions& options, const ConsoleService& console) {
+void waitForTheEnd(const RunOptions& options, OutputWatch& output) {
     const Clock::time_point start = Clock::now();
     const auto isOver = [&] { return options.duration && Clock::now() - start >= *options.duration; };
-    while (!console.isClosed() && !isOver() && !stopsignal::isRequested())
+    while (!output.isOver() && !isOver() && !stopsignal::isRequested())
         std::this_thread::sleep_for(lookPeriod);
 }
 
@@ -106,8 +107,9 @@ void tellLosses(const ConsoleService& shown, Console& console) {
     if (shown.lostChanges() > 0)
         console.error.write(std::to_string(shown.lostChanges()) +
                             " changes were lost: they came faster than the output was read\n");
-    if (const auto dropped = CLogger::GetInstance()->figures().dropped; dropped > 0)
-        console.error.write(std::to_string(dropped) +
+    const LoggerFigures log = CLogger::GetInstance()->figures();
+    if (const auto lostLines = log.dropped + log.queued; lostLines > 0)
+        console.error.write(std::to_string(lostLines) +
                             " log lines were lost: the log directory's disk is full, fails or is too slow\n");
 }
 
@@ -132,7 +134,8 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     }
     runtime.run();
     stopsignal::holdSecond();
-    waitForTheEnd(options, services.console());
+    OutputWatch output(options, console, services.console());
+    waitForTheEnd(options, output);
     const bool allOff = endPulses(services, dispatcher, console);
 
     // What counts is how things stood at the end of the run, not what closing the lines makes of it.
@@ -170,9 +173,14 @@ ExitStatus runSite(const RunOptions& options) {
     terminal::survivePipeEnd();
     stopsignal::install();
     Console console;
-    const ExitStatus status = runLoadedSite(loaded.site, options, format, console);
+    ExitStatus status = runLoadedSite(loaded.site, options, format, console);
+    const bool isRead = isReadToTheEnd(console);
+    if (!OutputWatch::tellLosses(console)) {
+        console.error.waitUntilIdle(lastWords);
+        status = status == ExitStatus::Good ? ExitStatus::CommunicationFailed : status;
+    }
     // A thread that waits for a reader for ever would hold up the program's orderly end.
-    if (!isReadToTheEnd(console))
+    if (!isRead)
         std::_Exit(static_cast<int>(status));
     return status;
 }

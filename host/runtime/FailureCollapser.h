@@ -24,6 +24,9 @@ public:
     // Whether a failure was told whose end was not.
     bool isFailing(const Source& source) const { return told.count(source) > 0; }
 
+    // What is kept: one for each source and kind.
+    std::size_t entries() const { return tellings.size(); }
+
 private:
     struct Telling {
         Time toldAt{};

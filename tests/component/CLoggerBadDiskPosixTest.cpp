@@ -107,6 +107,8 @@ TEST_F(CLoggerBadDisk, DiskThatHangsDelaysNobodyAndLosesTheOldestLines) {
     EXPECT_FALSE(CLogger::GetInstance()->flush(20));
     EXPECT_EQ(figures().written, 0U);
     EXPECT_GE(figures().dropped, 4800U);
+    EXPECT_GT(figures().queued, 0U);
+    EXPECT_EQ(figures().dropped + figures().queued, 5000U);
 
     QByteArray arrived;
     std::thread reader([&] {
@@ -122,6 +124,7 @@ TEST_F(CLoggerBadDisk, DiskThatHangsDelaysNobodyAndLosesTheOldestLines) {
     EXPECT_TRUE(arrived.contains("line 4999\n"));
     EXPECT_EQ(static_cast<std::uint64_t>(arrived.count('\n')), figures().written);
     EXPECT_EQ(figures().written + figures().dropped, 5000U);
+    EXPECT_EQ(figures().queued, 0U);
 }
 
 TEST_F(CLoggerBadDiskDeathTest, ProcessExitsWhileTheFileCannotBeOpened) {

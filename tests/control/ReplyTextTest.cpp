@@ -90,6 +90,18 @@ TEST(ControlReplyText, JudgesResults) {
     EXPECT_EQ(statusFor({refused, hostRefused, notWritable}), ExitStatus::Refused);
 }
 
+TEST(ControlReplyText, LeavesWhatIsNotPossibleOutOfTheJudgement) {
+    const auto judge = [](const char* results) {
+        return judgeReply(json(QByteArray(R"({"ok":true,"results":[)") + results + "]}"));
+    };
+    EXPECT_EQ(judge(R"({"number":0,"result":"success"},{"number":null,"result":"left out"})"),
+              ExitStatus::Good);
+    EXPECT_EQ(judge(R"({"number":null,"result":"left out"})"), ExitStatus::Refused);
+    EXPECT_EQ(
+        judge(R"({"number":0},{"number":10003,"result":"time-out"},{"number":null,"result":"left out"})"),
+        ExitStatus::SomeElements);
+}
+
 TEST(ControlReplyText, JudgesRepliesWithoutResults) {
     EXPECT_EQ(judgeReply(json(R"({"ok":true,"channels":[]})")), ExitStatus::Good);
     EXPECT_EQ(judgeReply(json(errorReply({}, ReplyFault::Unknown, "x"))), ExitStatus::Configuration);
@@ -99,8 +111,9 @@ TEST(ControlReplyText, JudgesRepliesWithoutResults) {
 }
 
 TEST(ControlArguments, AreAPointAndItsValue) {
-    const std::pair<const char*, double> good[] = {
-        {"a/X=1", 1}, {"a/X=-2.5", -2.5}, {"a/X=on", 1}, {"a/X=false", 0}, {"a/X=1e3", 1000}};
+    const std::pair<const char*, double> good[] = {{"a/X=1", 1},     {"a/X=-2.5", -2.5}, {"a/X=on", 1},
+                                                   {"a/X=false", 0}, {"a/X=ON", 1},      {"a/X=Off", 0},
+                                                   {"a/X=1e3", 1000}};
     for (const auto& [text, value] : good) {
         ASSERT_TRUE(parsePointValue(text)) << text;
         EXPECT_EQ(parsePointValue(text)->point, "a/X");

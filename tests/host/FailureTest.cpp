@@ -205,6 +205,32 @@ TEST(LineMessages, TellsLateAnswersOnce) {
     EXPECT_EQ(messages.take().size(), 1U);
 }
 
+// A controller that varies its acknowledge code from poll to poll.
+TEST(LineMessages, TellsRefusalsOfManyCodesOnce) {
+    const host::Site site = smallSite();
+    host::Messages messages;
+    host::LineMessages teller(messages);
+    ObservedLine line(site);
+    for (quint16 code = 2; code < 2'000; ++code) {
+        QByteArray acknowledge;
+        acknowledge += static_cast<char>(code >> 8);
+        acknowledge += static_cast<char>(code & 0xFF);
+        line.send(readTwoRegisters);
+        line.receive(ethernetTelegram(7, 2, acknowledge));
+        line.reportFailure();
+        ASSERT_EQ(line.ended.back().kind, host::RequestEnd::Kind::Refused) << code;
+        teller.requestEnded(line.ended.back());
+    }
+    EXPECT_EQ(messages.take().size(), 1U);
+}
+
+TEST(FailureCollapser, KeepsOneEntryAKindHoweverManyFailuresThereAre) {
+    FailureCollapser collapser;
+    for (int i = 0; i < 10'000; ++i)
+        collapser.failed(rtu, refused, "code " + std::to_string(i), start + i * 100s);
+    EXPECT_EQ(collapser.entries(), 1U);
+}
+
 TEST(LineMessages, TellsALineThatCannotBeOpened) {
     const host::Site site = smallSite();
     host::Messages messages;

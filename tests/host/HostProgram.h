@@ -19,7 +19,7 @@ class HostProgram : public testing::Test {
 protected:
     static constexpr int lineId = 1;
     static constexpr int station = 5;
-    static constexpr int patienceMs = 100'000;
+    static constexpr int patienceMs = 30'000;
 
     struct Ending {
         int status = -1;

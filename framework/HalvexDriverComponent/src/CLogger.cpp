@@ -185,12 +185,16 @@ LoggerFigures CLogger::figures() const {
     {
         const std::lock_guard<std::mutex> lock(backend->retiredMutex);
         figures.dropped += backend->overrunsBefore;
-        for (const auto& retired : backend->retired)
+        for (const auto& retired : backend->retired) {
             figures.dropped += retired->overruns();
+            figures.queued += retired->queued();
+        }
     }
     const std::shared_lock<std::shared_mutex> lock(backend->filesMutex);
-    if (backend->files)
+    if (backend->files) {
         figures.dropped += backend->files->overruns();
+        figures.queued += backend->files->queued();
+    }
     return figures;
 }
 

@@ -35,6 +35,7 @@ public:
         : settings(loggerSettings), counters(std::move(sharedCounters)) {}
 
     std::uint64_t handled() const { return handledLines + handledFlushes; }
+    std::uint64_t lines() const { return handledLines; }
     std::uint64_t flushes() const { return handledFlushes; }
 
     // In place of handling a line: there was no memory for it.
@@ -208,6 +209,14 @@ std::uint64_t LogFiles::overruns() const {
     const std::uint64_t lost = pool->overrun_counter();
     const std::uint64_t flushes = postedFlushes - sink->flushes();
     return lost - std::min(lost, flushes);
+}
+
+// Lines are handled meanwhile, so what has left the queue is read first.
+std::uint64_t LogFiles::queued() const {
+    const std::uint64_t gone = sink->lines() + overruns();
+    const std::uint64_t all = posted;
+    const std::uint64_t lines = all - std::min<std::uint64_t>(all, postedFlushes);
+    return lines - std::min(lines, gone);
 }
 
 std::shared_ptr<spdlog::async_logger> LogFiles::loggerOf(int channelId) {

@@ -51,6 +51,8 @@ public:
     void dropQueued();
     // The lines that a full queue has lost.
     std::uint64_t overruns() const;
+    // The lines that wait for the disk, or are on their way to it.
+    std::uint64_t queued() const;
 
 private:
     class Sink;

@@ -1,19 +1,28 @@
 #include "StreamWriter.h"
 
+#include "OutputReader.h"
+
+#include <algorithm>
+#include <cerrno>
 #include <condition_variable>
 #include <iostream>
 #include <mutex>
+#include <system_error>
 #include <thread>
+#include <utility>
 
 namespace host {
 
 struct StreamWriter::State {
-    explicit State(std::ostream& target) : stream(target) {}
+    State(std::ostream& target, AskForReader askForReader)
+        : stream(target), isReaderGone(std::move(askForReader)) {}
 
     void writeUntilClosed();
+    void write(const std::string& text);
     bool isIdle() const { return waiting.empty() && !isWriting; }
 
     std::ostream& stream; // the writing thread's alone
+    const AskForReader isReaderGone;
 
     std::mutex mutex; // guards what follows
     std::condition_variable changed;
@@ -21,7 +30,26 @@ struct StreamWriter::State {
     bool isWriting = false;
     bool isGood = true;
     bool isClosed = false;
+    Losses losses;
 };
+
+// What nobody reads is dropped.
+void StreamWriter::State::write(const std::string& text) {
+    errno = 0;
+    stream << text << std::flush;
+    if (stream.good())
+        return;
+    const int failure = errno;
+    stream.clear();
+    const bool isGone = isReaderGone();
+    const std::lock_guard<std::mutex> lock(mutex);
+    isGood = !isGone;
+    if (isGone)
+        return;
+    losses.lines += static_cast<std::uint64_t>(std::count(text.begin(), text.end(), '\n'));
+    if (losses.reason.empty())
+        losses.reason = failure == 0 ? "a write failed" : std::generic_category().message(failure);
+}
 
 void StreamWriter::State::writeUntilClosed() {
     std::unique_lock<std::mutex> lock(mutex);
@@ -32,17 +60,18 @@ void StreamWriter::State::writeUntilClosed() {
         std::string text;
         text.swap(waiting);
         isWriting = true;
+        const bool isRead = isGood;
         lock.unlock();
-        stream << text << std::flush;
-        const bool written = stream.good();
+        if (isRead)
+            write(text);
         lock.lock();
         isWriting = false;
-        isGood = written;
         changed.notify_all();
     }
 }
 
-StreamWriter::StreamWriter(std::ostream& stream) : state(std::make_shared<State>(stream)) {
+StreamWriter::StreamWriter(std::ostream& stream, AskForReader isReaderGone)
+    : state(std::make_shared<State>(stream, std::move(isReaderGone))) {
     std::thread([shared = state] { shared->writeUntilClosed(); }).detach();
 }
 
@@ -72,11 +101,16 @@ bool StreamWriter::isGood() const {
     return state->isGood;
 }
 
+StreamWriter::Losses StreamWriter::losses() const {
+    const std::lock_guard<std::mutex> lock(state->mutex);
+    return state->losses;
+}
+
 bool StreamWriter::waitUntilIdle(std::chrono::milliseconds limit) const {
     std::unique_lock<std::mutex> lock(state->mutex);
     return state->changed.wait_for(lock, limit, [this] { return state->isIdle(); });
 }
 
-Console::Console() : out(std::cout), error(std::cerr) {}
+Console::Console() : out(std::cout, outputreader::isGone), error(std::cerr) {}
 
 } // namespace host

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -14,7 +16,11 @@ namespace host {
 // Threads: any; the texts of one thread stay in order.
 class StreamWriter {
 public:
-    explicit StreamWriter(std::ostream& stream);
+    using AskForReader = std::function<bool()>;
+
+    // Asks `isReaderGone`, on its own thread, when a write has failed.
+    explicit StreamWriter(
+        std::ostream& stream, AskForReader isReaderGone = [] { return true; });
     StreamWriter(const StreamWriter&) = delete;
     StreamWriter& operator=(const StreamWriter&) = delete;
     // Waits for no reader: what is not written is lost.
@@ -24,8 +30,14 @@ public:
     // All is written. Who has more to say than the reader may want looks here first: texts wait without
     // bound.
     bool isIdle() const;
-    // False once a write has failed: nobody reads any more.
+    // False once nobody reads any more.
     bool isGood() const;
+    // What could not be written although somebody may read it. Later texts are tried all the same.
+    struct Losses {
+        std::uint64_t lines = 0;
+        std::string reason; // of the first
+    };
+    Losses losses() const;
     // Whether all was written within `limit`.
     bool waitUntilIdle(std::chrono::milliseconds limit) const;
 

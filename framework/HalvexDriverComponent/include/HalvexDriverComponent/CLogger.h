@@ -38,6 +38,7 @@ struct LoggerSettings {
 struct LoggerFigures {
     std::uint64_t written = 0;
     std::uint64_t dropped = 0;   // the queue was full, or the disk refused the line
+    std::uint64_t queued = 0;    // not on the disk yet
     std::uint64_t collapsed = 0; // repeats of the line before, reported as one line with their count
 };
 
