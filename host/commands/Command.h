@@ -48,6 +48,9 @@ struct CommandEnd {
     Halvex::DriverErrorResult result = Halvex::DriverErrorResult::Success;
     // By the driver, which may have sent it, or a part of it, even when it failed; false: nothing was sent.
     bool wasTaken = true;
+    // The controller understood it and refused it. Known at the moment of the end alone: later the RTU's last
+    // request is another one.
+    bool wasRefused = false;
     // Of one that was given up for want of a result: true as long as the driver still has it, and may still
     // send it. Null: it is over.
     std::shared_ptr<const std::atomic<bool>> stillHeld = nullptr;

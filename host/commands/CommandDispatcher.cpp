@@ -173,7 +173,7 @@ void CommandDispatcher::endOverdueCalls(Work& work) {
     const Clock::time_point now = Clock::now();
     for (auto& [channelId, line] : lines)
         if (line.call && line.call->deadline <= now)
-            endCall(line, {Result::TimeOut, true, line.call->isHeld}, work);
+            endCall(line, {Result::TimeOut, true, false, line.call->isHeld}, work);
 }
 
 // Its job stays for another try, goes on to the next call, or ends.
@@ -189,7 +189,8 @@ void CommandDispatcher::endCall(Line& line, const CommandEnd& end, Work& work) {
     ++job.next;
     if (end.result == Result::Success && job.next < job.calls.size())
         return;
-    work.results.emplace_back(std::move(job.done), CommandEnd{end.result, wasTaken, end.stillHeld});
+    work.results.emplace_back(std::move(job.done),
+                              CommandEnd{end.result, wasTaken, end.wasRefused, end.stillHeld});
     lane.current.reset();
     if (lane.waiting.empty())
         return;
@@ -270,8 +271,10 @@ void CommandDispatcher::makeCall(const Call& call) {
                    channelId = call.lane->channel->id, rtuId = call.lane->configured->id,
                    isHeld = call.isHeld](Result ended) {
         isHeld->store(false);
-        const bool isUntold = ended == Result::Success && wasRefused(channelId, rtuId);
-        box->put({number, {isUntold ? Result::BadData : ended}});
+        // A channel error is no answer, so no refusal.
+        const bool refused = ended != Result::ChannelError && wasRefused(channelId, rtuId);
+        const bool isUntold = ended == Result::Success && refused;
+        box->put({number, {isUntold ? Result::BadData : ended, true, refused}});
     });
     const auto result = static_cast<Result>(callDriver(rtu, call.action, reply));
     if (result == Result::Success)

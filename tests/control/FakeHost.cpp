@@ -56,7 +56,7 @@ host::ControlDoor doorAt(const std::string& path, std::size_t clients) {
 FakeHost::FakeHost(const host::Site& hostSite) : store(hostSite), fakeSite(hostSite) {}
 
 std::string FakeHost::submit(const host::Command& command, host::CommandDone done) {
-    Result end;
+    host::CommandEnd end;
     {
         const std::lock_guard<std::mutex> lock(mutex);
         if (!refusal.empty())
@@ -67,9 +67,10 @@ std::string FakeHost::submit(const host::Command& command, host::CommandDone don
             held.push_back(std::move(done));
             return {};
         }
-        end = result;
+        end.result = result;
+        end.wasRefused = isRefusal;
     }
-    done({end}); // asks back whether it was refused
+    done(end);
     return {};
 }
 
@@ -98,11 +99,6 @@ host::HostFigures FakeHost::siteFigures() const {
     }
     figures.rtus = collectOutcomes(rtus, store);
     return figures;
-}
-
-bool FakeHost::wasRefused(int, int) const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return isRefusal;
 }
 
 void FakeHost::answerWith(Result next, bool refusedByController) {

@@ -26,7 +26,6 @@ public:
     std::string submit(const host::Command& command, host::CommandDone done) override;
     Result requestPoll(int channelId, int rtuId) override;
     host::HostFigures siteFigures() const override;
-    bool wasRefused(int channelId, int rtuId) const override;
     const host::Site& site() const override { return fakeSite; }
     host::ExchangeFeed& exchanges() override { return feed; }
 

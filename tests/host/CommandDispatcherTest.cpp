@@ -261,6 +261,24 @@ TEST_F(Dispatching, TellsHowLongTheDriverHoldsACommandThatWasGivenUp) {
     EXPECT_FALSE(*end.stillHeld);
 }
 
+// Asked when the command ends: behind it the RTU's last request is another one.
+TEST_F(Dispatching, TellsARefusalWithTheResult) {
+    const auto endOf = [this](DriverErrorResult result) {
+        std::promise<host::CommandEnd> promise;
+        std::future<host::CommandEnd> future = promise.get_future();
+        rtus[7].answerAtOnce(result);
+        dispatcher().submit({4, 7, SwitchPoint{1, true}},
+                            [&promise](const host::CommandEnd& end) { promise.set_value(end); });
+        return future.get();
+    };
+    EXPECT_FALSE(endOf(DriverErrorResult::BadData).wasRefused);
+    refusing = 7;
+    EXPECT_TRUE(endOf(DriverErrorResult::BadData).wasRefused);
+    EXPECT_TRUE(endOf(timeOut).wasRefused);
+    EXPECT_TRUE(endOf(success).wasRefused);       // which the driver takes for done
+    EXPECT_FALSE(endOf(channelError).wasRefused); // no answer, so no refusal
+}
+
 TEST_F(Dispatching, OfWhatAStopEndsOnlyTheCommandOnItsWayMayHaveBeenSent) {
     std::vector<bool> wereTaken;
     const auto note = [&](const host::CommandEnd& end) { wereTaken.push_back(end.wasTaken); };

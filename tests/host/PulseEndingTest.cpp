@@ -117,7 +117,7 @@ TEST_F(EndingPulses, AreNoneWhenTheOnCommandWasNeverSent) {
 TEST_F(EndingPulses, WaitWhileTheDriverMaySendTheOnCommand) {
     const auto isHeld = std::make_shared<std::atomic<bool>>(true);
     switchOn();
-    taker.end({DriverErrorResult::TimeOut, true, isHeld});
+    taker.end({DriverErrorResult::TimeOut, true, false, isHeld});
     pulses.beginEnding();
     EXPECT_FALSE(pulses.haveEnded());
     EXPECT_THAT(taker.texts, ElementsAre(on));

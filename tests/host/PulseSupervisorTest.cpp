@@ -245,7 +245,7 @@ TEST_F(Pulses, AnOnCommandThatTheDriverNeverTookDoesNotCount) {
 TEST_F(Pulses, AnOnCommandThatTheDriverStillHoldsIsNotForgottenWhileThePointReadsOff) {
     const auto isHeld = std::make_shared<std::atomic<bool>>(true);
     switchOn();
-    taker.end({DriverErrorResult::TimeOut, true, isHeld});
+    taker.end({DriverErrorResult::TimeOut, true, false, isHeld});
     now += 2s;
     polls({0, 0, 0, 0});
     *isHeld = false; // it was sent
@@ -259,7 +259,7 @@ TEST_F(Pulses, AnOnCommandThatTheDriverStillHoldsIsNotForgottenWhileThePointRead
 TEST_F(Pulses, AnOnCommandThatTheDriverHasGivenUpIsForgottenOnceThePointReadsOff) {
     const auto isHeld = std::make_shared<std::atomic<bool>>(false);
     switchOn();
-    taker.end({DriverErrorResult::TimeOut, true, isHeld});
+    taker.end({DriverErrorResult::TimeOut, true, false, isHeld});
     now += 2s;
     polls({0, 0, 1, 1, 1});
     EXPECT_THAT(taker.texts, ElementsAre(on));

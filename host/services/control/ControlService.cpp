@@ -49,12 +49,9 @@ private:
 ControlService::ControlService(ControlledHost& controlledHost, const ValueStore& valueStore,
                                const Settings& serviceSettings)
     : controlled(controlledHost), store(valueStore), names(valueStore.points()), settings(serviceSettings),
-      finished(std::make_shared<FinishedCommands>(serviceSettings.wake,
-                                                  [&controlledHost](int channelId, int rtuId) {
-                                                      return controlledHost.wasRefused(channelId, rtuId);
-                                                  })),
-      reader(valueStore), trace(controlledHost.site(), controlledHost.exchanges(), serviceSettings.send,
-                                serviceSettings.hasRoom) {}
+      finished(std::make_shared<FinishedCommands>(serviceSettings.wake)), reader(valueStore),
+      trace(controlledHost.site(), controlledHost.exchanges(), serviceSettings.send,
+            serviceSettings.hasRoom) {}
 
 ControlService::~ControlService() {
     finished->close();
@@ -208,8 +205,8 @@ void ControlService::submit(ClientId client, const QJsonValue& id,
     for (std::size_t i = 0; i < commands.size(); ++i) {
         const Command& command = commands[i].command;
         request.subjects.push_back(commands[i].subject);
-        const auto done = [results = finished, ticket, i, command](const CommandEnd& end) {
-            results->add(ticket, i, end.result, command);
+        const auto done = [results = finished, ticket, i](const CommandEnd& end) {
+            results->add(ticket, i, end);
         };
         request.outcomes[i].why =
             commands[i].leftOut.empty() ? controlled.submit(command, done) : commands[i].leftOut;

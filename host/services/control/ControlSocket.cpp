@@ -69,8 +69,4 @@ HostFigures ControlSocket::siteFigures() const {
     return {figures.channels, collectOutcomes(figures.rtus, running->values)};
 }
 
-bool ControlSocket::wasRefused(int channelId, int rtuId) const {
-    return running->wasRefused(channelId, rtuId);
-}
-
 } // namespace host

@@ -35,7 +35,6 @@ private:
     HostFigures siteFigures() const override;
     const Site& site() const override { return running->site; }
     ExchangeFeed& exchanges() override { return running->exchanges; }
-    bool wasRefused(int channelId, int rtuId) const override;
 
     const std::string path;
     const std::string sitePath;

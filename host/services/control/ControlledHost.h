@@ -11,8 +11,7 @@ struct HostFigures {
     std::vector<RtuOutcome> rtus;
 };
 
-// The running host, as the control server sees it. Called on the server's thread; wasRefused on
-// those where commands end.
+// The running host, as the control server sees it. Called on the server's thread.
 class ControlledHost : public CommandTaker {
 public:
     // Asks an RTU for an integrity poll. The result tells only whether the driver took the wish over.
@@ -21,8 +20,6 @@ public:
     // Both outlive the server.
     virtual const Site& site() const = 0;
     virtual ExchangeFeed& exchanges() = 0;
-    // Whether the last request of the RTU that failed was refused by the controller.
-    virtual bool wasRefused(int channelId, int rtuId) const = 0;
 };
 
 } // namespace host

@@ -19,20 +19,14 @@ public:
         CommandOutcome outcome;
     };
 
-    // Both are called within add(), never after close(): `wakeReader` when there is something to take,
-    // `askIfRefused` with the channel and RTU of a command that failed by its answer.
-    FinishedCommands(std::function<void()> wakeReader, std::function<bool(int, int)> askIfRefused)
-        : wake(std::move(wakeReader)), isRefused(std::move(askIfRefused)) {}
+    // Calls `wakeReader` within add(), never after close(), when there is something to take.
+    explicit FinishedCommands(std::function<void()> wakeReader) : wake(std::move(wakeReader)) {}
 
-    void add(quint64 ticket, std::size_t index, Halvex::DriverErrorResult result, const Command& command) {
+    void add(quint64 ticket, std::size_t index, const CommandEnd& end) {
         const std::lock_guard<std::mutex> lock(mutex);
         if (isClosed)
             return;
-        // A channel error is no answer, so no refusal.
-        const bool hasAnswer =
-            result != Halvex::DriverErrorResult::Success && result != Halvex::DriverErrorResult::ChannelError;
-        entries.push_back(
-            {ticket, index, {result, hasAnswer && isRefused(command.channelId, command.rtuId), {}}});
+        entries.push_back({ticket, index, {end.result, end.wasRefused, {}}});
         if (entries.size() == 1)
             wake();
     }
@@ -51,7 +45,6 @@ public:
 
 private:
     const std::function<void()> wake;
-    const std::function<bool(int, int)> isRefused;
 
     std::mutex mutex; // guards what follows
     bool isClosed = false;
