@@ -15,7 +15,7 @@ namespace {
 
 constexpr mode_t userAlone = 0700;
 constexpr mode_t ownFile = 0600;
-constexpr off_t longestText = 4 * 1024 * 1024; // some ten thousand pulses
+constexpr off_t longestText = off_t{4} * 1024 * 1024; // some ten thousand pulses
 
 std::string failed(const std::string& what) {
     return what + ": " + std::generic_category().message(errno);
