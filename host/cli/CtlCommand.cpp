@@ -6,6 +6,7 @@
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
 #include "services/control/SocketPath.h"
+#include "site/CountText.h"
 
 #include <ControlCharacters.h>
 #include <QFileInfo>
@@ -76,8 +77,8 @@ std::string eventText(const QJsonObject& message) {
             text += text::printable(line) + '\n';
     const QJsonValue lost = message.value(QStringLiteral("lost"));
     if (lost.isDouble())
-        text = QString::number(lost.toDouble(), 'f', 0).toStdString() +
-               " exchanges were lost: they came faster than they were read\n";
+        text = countWereText(static_cast<std::uint64_t>(lost.toDouble()), "exchange") +
+               " lost: more came than was read\n";
     return text;
 }
 
@@ -123,8 +124,11 @@ ExitStatus askRunningHost(const CtlOptions& options) {
         return tellStranger(*line);
     const bool wantsEvents = std::holds_alternative<WatchRequest>(options.request) ||
                              std::holds_alternative<TraceRequest>(options.request);
-    if (wantsEvents && reply.value(QStringLiteral("ok")).toBool())
+    if (wantsEvents && reply.value(QStringLiteral("ok")).toBool()) {
+        if (options.json)
+            showReply(options, *line, reply);
         return showEvents(options, client);
+    }
     showReply(options, *line, reply);
     return judgeReply(reply);
 }

@@ -10,12 +10,13 @@
 #include "services/console/StreamWriter.h"
 #include "services/console/Summary.h"
 #include "services/console/Terminal.h"
+#include "site/CountText.h"
+#include "site/Loopback.h"
 
 #include <ControlCharacters.h>
 #include <HalvexDriverComponent/CLogger.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <thread>
 
@@ -40,22 +41,6 @@ OutputFormat chooseFormat(const RunOptions& options) {
 
 bool isForReading(OutputFormat format) {
     return format == OutputFormat::Table || format == OutputFormat::Lines;
-}
-
-// Empty, or what is wrong.
-std::string configureLogFiles(const RunOptions& options) {
-    if (options.logDirectory.empty())
-        return {};
-    std::error_code failure;
-    std::filesystem::create_directories(std::filesystem::u8path(options.logDirectory), failure);
-    if (failure)
-        return "log directory " + options.logDirectory + " cannot be made: " + failure.message() +
-               "; name one that may be written with --log-dir";
-    LoggerSettings settings;
-    settings.directory = options.logDirectory;
-    settings.traceFrames = options.frames;
-    CLogger::GetInstance()->configure(settings);
-    return {};
 }
 
 void waitForTheEnd(const RunOptions& options, const ConsoleService& console) {
@@ -83,11 +68,11 @@ ExitStatus failed(const std::string& fault) {
 
 void tellLosses(const ConsoleService& shown, Console& console) {
     if (shown.lostChanges() > 0)
-        console.error.write(std::to_string(shown.lostChanges()) +
-                            " changes were lost: they came faster than the output was read\n");
+        console.error.write(countWereText(shown.lostChanges(), "change") +
+                            " lost: more came than was read of the output\n");
     if (const auto dropped = CLogger::GetInstance()->figures().dropped; dropped > 0)
-        console.error.write(std::to_string(dropped) +
-                            " log lines were lost: the log directory's disk is full, fails or is too slow\n");
+        console.error.write(countWereText(dropped, "log line") +
+                            " lost: the log directory's disk is full, fails or is too slow\n");
 }
 
 ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputFormat format, Console& console) {
@@ -133,14 +118,13 @@ ExitStatus runSite(const RunOptions& options) {
         return failed(
             "--frames would run through the table; choose --format lines, or send the frames to a file "
             "with 2>FILE");
-    const LoadedSite loaded = loadCheckedSite(options.sitePath);
+    LoadedSite loaded = loadCheckedSite(options.sitePath);
     for (const Finding& finding : loaded.findings.all())
         std::cerr << toText(finding) << '\n';
     if (loaded.findings.hasErrors())
         return ExitStatus::Configuration;
-    const std::string fault = configureLogFiles(options);
-    if (!fault.empty())
-        return failed(fault);
+    if (options.isOnLoopback)
+        moveToLoopback(loaded.site, loopbackFolderOf(options.sitePath));
     terminal::survivePipeEnd();
     stopsignal::install();
     Console console;

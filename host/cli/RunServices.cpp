@@ -6,6 +6,7 @@
 #include "services/console/ConsoleService.h"
 #include "services/console/StreamWriter.h"
 #include "services/control/ControlSocket.h"
+#include "services/log/SiteLog.h"
 #include "services/pulses/PulseSupervisor.h"
 
 #include <ControlCharacters.h>
@@ -36,6 +37,8 @@ RunServices::RunServices(const RunOptions& options, OutputFormat format, const H
     const auto tell = [&messages = host.messages](const std::string& message) { messages.tell(message); };
     auto pulses = std::make_unique<PulseSupervisor>(host.values, host.dispatcher, tell);
     runningSite = std::make_unique<RunningSite>(runningSiteOf(host, *pulses));
+    if (options.log) // the first: it starts before, and ends after, all that have something to say
+        services.push_back(std::make_unique<SiteLog>(*options.log));
     services.push_back(std::move(pulses));
     services.push_back(std::make_unique<ClockSchedule>(host.site, host.dispatcher, tell));
     auto shown = std::make_unique<ConsoleService>(

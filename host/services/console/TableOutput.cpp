@@ -63,13 +63,19 @@ bool TableOutput::update() {
     return out.isGood();
 }
 
-void TableOutput::tell(const std::vector<std::string>& messages) {
-    newestMessages.insert(newestMessages.end(), messages.begin(), messages.end());
+void TableOutput::showFrames(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines)
+        error.write(line + '\n');
+}
+
+void TableOutput::tell(const std::vector<Message>& messages) {
+    for (const Message& message : messages)
+        newestMessages.push_back(message.text);
     if (newestMessages.size() > mostTableMessages)
         newestMessages.erase(newestMessages.begin(), newestMessages.end() - mostTableMessages);
     if (!terminal::isErrorTerminal())
-        for (const std::string& message : messages)
-            error.write(message + '\n');
+        for (const Message& message : messages)
+            error.write(messageLine(message) + '\n');
 }
 
 void TableOutput::finish() {

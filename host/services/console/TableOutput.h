@@ -18,7 +18,8 @@ public:
     ~TableOutput() override;
 
     bool update() override;
-    void tell(const std::vector<std::string>& messages) override;
+    void tell(const std::vector<Message>& messages) override;
+    void showFrames(const std::vector<std::string>& lines) override;
     void finish() override;
     std::uint64_t lostChanges() const override { return 0; } // it shows states
 
