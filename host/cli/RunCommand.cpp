@@ -35,7 +35,7 @@ OutputFormat chooseFormat(const RunOptions& options) {
     if (options.format)
         return *options.format;
     // Frames run on; a table would wipe them off the terminal.
-    const bool table = terminal::isOutputTerminal() && !options.frames;
+    const bool table = terminal::isOutputTerminal() && terminal::understandsSequences() && !options.frames;
     return table ? OutputFormat::Table : OutputFormat::Lines;
 }
 
@@ -105,7 +105,8 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     const std::vector<ChannelFigures> channels = runtime.channelFigures();
     runtime.stop();
     CLogger::GetInstance()->flush(logFlushMs);
-    (isForReading(format) ? console.out : console.error).write(summaryText(outcomes, channels));
+    (isForReading(format) ? console.out : console.error)
+        .write(summaryText(outcomes, channels) + services.console().lastWords());
     tellLosses(services.console(), console);
     return judge(outcomes);
 }
@@ -118,6 +119,9 @@ ExitStatus runSite(const RunOptions& options) {
         return failed(
             "--frames would run through the table; choose --format lines, or send the frames to a file "
             "with 2>FILE");
+    if (format == OutputFormat::Table && terminal::isOutputTerminal() && !terminal::understandsSequences())
+        return failed("a table needs a terminal that can move its cursor, which this one cannot by its TERM; "
+                      "choose --format lines");
     LoadedSite loaded = loadCheckedSite(options.sitePath);
     for (const Finding& finding : loaded.findings.all())
         std::cerr << toText(finding) << '\n';

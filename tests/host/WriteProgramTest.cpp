@@ -35,8 +35,9 @@ TEST_P(WriteOnEveryLine, PutsEachValueIntoItsElement) {
                               "C7=2147483647 --station 5 --timeout 10s");
     EXPECT_EQ(ending.status, 0);
     EXPECT_EQ(ending.errors, "");
-    EXPECT_EQ(ending.output, "C7 = 2147483647\nR10 = 12\nR11 = -13\nR30:float = 1.5\nR31 = -0.001\nT5 = 100\n"
-                             "O200 = 1\nF3 = 0\n");
+    EXPECT_EQ(ending.output,
+              "C7 = 2147483647\nR10 = 12\nR11 = -13\nR30:float = 1.5\nR31:float = -0.001\nT5 = 100\n"
+              "O200 = 1\nF3 = 0\n");
     EXPECT_EQ(word(Media::Outputs, 200), 1U);
     EXPECT_EQ(word(Media::Flags, 3), 0U);
     EXPECT_EQ(word(Media::Registers, 10), 12U);

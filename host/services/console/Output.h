@@ -31,6 +31,9 @@ public:
     virtual void showFrames(const std::vector<std::string>& lines) = 0;
     // Shows what is left, and leaves the terminal as it was found.
     virtual void finish() = 0;
+    // What people may have missed because another screen was in its place, to be told behind the summary.
+    // After finish().
+    virtual std::string lastWords() const { return {}; }
     // Changes that are not shown because they came faster than the output was read.
     virtual std::uint64_t lostChanges() const = 0;
 };
