@@ -185,7 +185,7 @@ TEST_F(WriteOnSerialLine, TellsHowToCommandTheHostThatHasTheDevice) {
     ASSERT_TRUE(other.waitForReadyRead(60'000));
     const Ending ending = run("write LINK O1=1 --station 5 --timeout 10s");
     EXPECT_EQ(ending.status, 1);
-    EXPECT_THAT(ending.errors, AllOf(HasSubstr("is not in use"), HasSubstr("sbus-host ctl")));
+    EXPECT_THAT(ending.errors, AllOf(HasSubstr("another program has "), HasSubstr("sbus-host ctl")));
     EXPECT_EQ(word(Media::Outputs, 1), 0U);
     other.terminate();
     EXPECT_EQ(endOf(other).status, 0);
