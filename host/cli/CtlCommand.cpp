@@ -7,8 +7,10 @@
 #include "services/console/Terminal.h"
 #include "services/control/SocketPath.h"
 #include "site/CountText.h"
+#include "values/TimeText.h"
 
 #include <ControlCharacters.h>
+#include <QDateTime>
 #include <QFileInfo>
 #include <QJsonDocument>
 
@@ -77,7 +79,8 @@ std::string eventText(const QJsonObject& message) {
             text += text::printable(line) + '\n';
     const QJsonValue lost = message.value(QStringLiteral("lost"));
     if (lost.isDouble())
-        text = countWereText(static_cast<std::uint64_t>(lost.toDouble()), "exchange") +
+        text = localTimeText(QDateTime::currentMSecsSinceEpoch()) + "  " +
+               countWereText(static_cast<std::uint64_t>(lost.toDouble()), "exchange") +
                " lost: more came than was read\n";
     return text;
 }

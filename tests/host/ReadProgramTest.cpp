@@ -158,6 +158,7 @@ TEST_F(Read, GoesOnWhenTheStationComesBack) {
     const Ending ending = endOf(program);
     EXPECT_EQ(ending.status, 3) << "some readings were good, but not all";
     EXPECT_THAT(ending.output, HasSubstr("R10 = 0\n"));
+    EXPECT_THAT(ending.errors, testing::ContainsRegex("sbus-host: [0-9-]+ [0-9:.]+[+-][0-9:]+  udp://"));
 }
 
 TEST_F(Read, TellsALineThatCannotBeOpened) {
