@@ -128,7 +128,7 @@ TEST_F(FullLogDisk, IsWrittenAgainWhenItHasRoom) {
     start();
     awaitPolls(count(20U, 500U));
     std::filesystem::remove(logFile(fullLine).toStdString());
-    EXPECT_TRUE(Plant::eventually([&] { return contents(logFile(fullLine)).contains("Send frame"); }));
+    EXPECT_TRUE(Plant::eventually([&] { return contents(logFile(fullLine)).contains("<< read"); }));
     end();
     EXPECT_GT(linesLost(), 0U);
     tellFigures(std::to_string(simulator.counts(fullLine).telegrams) + " polls, " +
