@@ -81,9 +81,9 @@ TEST(LinkUrl, NamesTheBaudRatesThatTheSystemKnowsInstead) {
 }
 
 TEST(LinkUrl, HintsAtTheBracketsOfAnIpv6Address) {
-    const host::ParsedLink link = parseLinkUrl("udp://::1");
-    EXPECT_EQ(link.what, "\"::1\" is an IPv6 address without its brackets");
-    EXPECT_EQ(link.remedy, "write udp://[::1], or udp://[::1]:5050 with a port");
+    const host::LinkFault fault = parseLinkUrl("udp://::1").faults.at(0);
+    EXPECT_EQ(fault.what, "\"::1\" is an IPv6 address without its brackets");
+    EXPECT_EQ(fault.remedy, "write udp://[::1], or udp://[::1]:5050 with a port");
 }
 
 TEST(LinkUrl, SurvivesTheWayThroughItsText) {

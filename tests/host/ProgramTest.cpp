@@ -242,9 +242,8 @@ TEST_F(Program, TellsItsVersion) {
 }
 
 TEST_F(Program, NamesTheCommandsThatThereAreInPlaceOfAnUnknownOne) {
-    EXPECT_THAT(
-        run({QStringLiteral("fly"), QStringLiteral("--fast")}).errors,
-        HasSubstr("there is no command \"fly\"; it is one of run, check, read, write, time-sync, ctl"));
+    EXPECT_THAT(run({QStringLiteral("fly"), QStringLiteral("--fast")}).errors,
+                HasSubstr("there is no command \"fly\"; it is one of run, check, read, "));
     EXPECT_THAT(run({QStringLiteral("ctl"), silentSite(), QStringLiteral("fly")}).errors,
                 HasSubstr("there is no command \"fly\"; it is one of "));
     EXPECT_THAT(run({}).errors, HasSubstr("a command is missing; it is one of run, "));
