@@ -3,8 +3,9 @@
 
 Every block of README.md and docs/*.md that is fenced as ```console is a transcript: lines that begin with "$ " are
 commands (a "\\" at their end goes on in the next line), what follows is what they show, errors included. The blocks of
-a file are one session of a shell, in a folder that has a copy of examples/. A command of sbus-sim that ends in "&" is
-waited for until it says "ready"; it is ended with its file.
+a page are one session of a shell, in a folder that has a copy of examples/. A command of sbus-sim that ends in "&" is
+waited for until it says "ready"; it is ended with its page. A block whose fence names a file, as in ```toml site.toml, is
+that file.
 
 "..." stands for whatever there is: alone in a line for any lines, else for anything in its line. Times and
 milliseconds may differ, and so may the number and checksum of an Ethernet telegram and how many blanks there are. 127.0.0.1 and /tmp are the test's own, so that it meets
@@ -24,6 +25,7 @@ import time
 
 PATIENCE = 60  # seconds for a command; only a failure takes them
 MARK = "--transcript-%d--"
+FILE_MARK = "file "  # before the name, in place of a command
 MASKS = (
     (re.compile(r"\d{4}-\d\d-\d\d[ T]\d\d:\d\d:\d\d(\.\d+)?(Z|[+-]\d\d:\d\d)?"), "TIME"),
     (re.compile(r"\d+\.\d\d ms"), "MS"),
@@ -50,12 +52,19 @@ def matches(expected, shown):
     return bool(shown) and re.fullmatch(pattern, masked(shown[0])) is not None and matches(expected[1:], shown[1:])
 
 
-def commands_of(text):
-    """Line number, command and expected lines of every command in the file's transcripts."""
-    commands, inside = [], False
+def steps_of(text):
+    """What the file says in its order: line number, command and expected lines, or the name of a file in place of the
+    command and its lines."""
+    commands, inside, is_file = [], False, False
     for number, line in enumerate(text.splitlines(), 1):
         if line.startswith("```"):
+            named = re.fullmatch(r"```\w+ (\S+)", line)
+            is_file = named is not None
             inside = line == "```console"
+            if is_file:
+                commands.append([number, FILE_MARK + named[1], []])
+        elif is_file:
+            commands[-1][2].append(line)
         elif inside and commands and commands[-1][1].endswith("\\") and not commands[-1][2]:
             commands[-1][1] = commands[-1][1][:-1] + line.lstrip("> ")
         elif inside and line.startswith("$ "):
@@ -95,6 +104,10 @@ class Session:
             text = text.replace(used, shown)
         return text
 
+    def write(self, name, lines):
+        with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:
+            file.write(self.own("\n".join(lines) + "\n"))
+
     def run(self, command):
         self.count += 1
         mark = MARK % self.count
@@ -130,13 +143,17 @@ class Session:
 def check(path, repository, programs):
     """The number of commands, and what differs."""
     with open(path, encoding="utf-8") as file:
-        commands = commands_of(file.read())
-    if not commands:
+        steps = steps_of(file.read())
+    count = sum(not command.startswith(FILE_MARK) for _, command, _ in steps)
+    if count == 0:
         return 0, []
     faults = []
     session = Session(repository, programs)
     try:
-        for line, command, expected in commands:
+        for line, command, expected in steps:
+            if command.startswith(FILE_MARK):
+                session.write(command[len(FILE_MARK):], expected)
+                continue
             shown = session.run(command)
             if not matches(expected, shown):
                 faults.append("%s:%d: $ %s\nexpected:\n%s\nshown:\n%s\n"
@@ -145,7 +162,7 @@ def check(path, repository, programs):
         faults.append("%s: a command does not end: %s" % (path, fault))
     finally:
         session.close()
-    return len(commands), faults
+    return count, faults
 
 
 def main(repository, programs, *files):
