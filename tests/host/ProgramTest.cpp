@@ -243,7 +243,7 @@ TEST_F(Program, TellsItsVersion) {
 
 TEST_F(Program, NamesTheCommandsThatThereAreInPlaceOfAnUnknownOne) {
     EXPECT_THAT(run({QStringLiteral("fly"), QStringLiteral("--fast")}).errors,
-                HasSubstr("there is no command \"fly\"; it is one of run, check, read, "));
+                HasSubstr("there is no command \"fly\"; it is one of run, check, "));
     EXPECT_THAT(run({QStringLiteral("ctl"), silentSite(), QStringLiteral("fly")}).errors,
                 HasSubstr("there is no command \"fly\"; it is one of "));
     EXPECT_THAT(run({}).errors, HasSubstr("a command is missing; it is one of run, "));
