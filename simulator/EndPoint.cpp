@@ -16,6 +16,10 @@ bool startsWith(std::string_view text, std::string_view start) {
 bool parseUdp(std::string_view text, EndPoint& endPoint, std::string& error) {
     const std::size_t colon = text.rfind(':');
     std::string_view host = text.substr(0, colon);
+    if (host.find(':') != std::string_view::npos && host.front() != '[') {
+        error = "needs brackets around an IPv6 address, as in udp://[::1]:5050";
+        return false;
+    }
     if (host.size() > 2 && host.front() == '[' && host.back() == ']') // [::1]
         host = host.substr(1, host.size() - 2);
     const auto port =

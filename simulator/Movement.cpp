@@ -2,7 +2,9 @@
 
 #include "FloatWord.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace sim {
 
@@ -76,7 +78,48 @@ constexpr Range ranges[] = {
     {Media::Counters, 0, otherRange, counter},
 };
 
+bool isFloatShape(Shape shape) {
+    return shape == floatSine || shape == floatRamp;
+}
+
+bool isMovedByRange(const SitePoint& point) {
+    return std::any_of(std::begin(ranges), std::end(ranges), [&point](const Range& range) {
+        return range.media == point.media && point.address >= range.first &&
+               point.address < range.first + range.count && isFloatShape(range.shape) == point.isFloat;
+    });
+}
+
+// Null for what stands still.
+Shape shapeOf(const SitePoint& point) {
+    switch (point.media) {
+    case Media::Inputs:
+    case Media::Flags:
+        return toggle;
+    case Media::Registers:
+        return point.isFloat ? floatSine : ramp;
+    case Media::Timers:
+        return fallingRamp;
+    case Media::Counters:
+        return counter;
+    case Media::Outputs:
+        break;
+    }
+    return nullptr;
+}
+
 } // namespace
+
+void movePoints(Memory& memory, int station, const std::vector<SitePoint>& points,
+                std::chrono::milliseconds elapsed) {
+    Moment at{static_cast<std::uint64_t>(elapsed.count()), static_cast<std::uint64_t>(station), 0};
+    for (const SitePoint& point : points) {
+        const Shape shape = shapeOf(point);
+        if (shape == nullptr || isMovedByRange(point))
+            continue;
+        at.element = point.address % 100;
+        memory.move(point.media, point.address, {shape(at)});
+    }
+}
 
 void moveElements(Memory& memory, int station, std::chrono::milliseconds elapsed) {
     Moment at{static_cast<std::uint64_t>(elapsed.count()), static_cast<std::uint64_t>(station), 0};

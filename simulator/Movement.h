@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Memory.h"
+#include "SitePoint.h"
 
 #include <chrono>
+#include <vector>
 
 namespace sim {
 
@@ -21,5 +23,11 @@ namespace sim {
 //
 // Outputs and all other elements stand still.
 void moveElements(Memory& memory, int station, std::chrono::milliseconds elapsed);
+
+// The same for the site's points of that controller that those ranges do not move, or not in the form in
+// which they are read: inputs and flags toggle, registers go up a ramp or, as floating-point words, along a
+// sine, timers run down, counters count. `k` is the last two digits of the number. Outputs stand still.
+void movePoints(Memory& memory, int station, const std::vector<SitePoint>& points,
+                std::chrono::milliseconds elapsed);
 
 } // namespace sim

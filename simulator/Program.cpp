@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include "Loopback.h"
 #include "SiteFile.h"
 #include "Summary.h"
 #include "Units.h"
@@ -7,6 +8,7 @@
 #include <ControlCharacters.h>
 
 #include <csignal>
+#include <filesystem>
 #include <optional>
 #include <ostream>
 #include <sstream>
@@ -30,11 +32,18 @@ struct Arguments {
     std::optional<std::string> lateDelay;
     std::optional<std::string> duration;
     Options options;
+    bool isOnLoopback = false;
 };
 
 void declare(CLI::App& app, Arguments& arguments) {
+    app.set_version_flag("--version", std::string("sbus-sim ") + SBUS_VERSION, "tell the version and end");
     app.add_option("site", arguments.siteFile, "the site file, as the host reads it")->required();
-    app.add_flag("--move", arguments.options.move, "let values move: ramps, sines, counters, toggles");
+    app.add_flag("--move", arguments.options.move,
+                 "let values move, those of the site's points among them: ramps, sines, counters, toggles");
+    app.add_flag(
+        "--loopback", arguments.isOnLoopback,
+        "play the site on this computer, as sbus-host run --loopback looks for it: 10.0.0.5 at 127.0.0.5, "
+        "devices as links beside the site file");
     app.add_option(
            "--set", arguments.settings,
            "fix an element, as in 5/R200=7 (station 5), 2:5/R200=7 (on line 2), 5/R300=7.5 (floating point)")
@@ -49,6 +58,10 @@ void declare(CLI::App& app, Arguments& arguments) {
         ->take_all()
         ->expected(1);
     app.add_option("--for", arguments.duration, "end after this time, as in 10s");
+}
+
+std::string folderOf(const std::string& siteFile) {
+    return std::filesystem::absolute(std::filesystem::u8path(siteFile)).parent_path().u8string();
 }
 
 bool parseSize(const std::string& text, MemorySizes& sizes) {
@@ -166,7 +179,9 @@ int runProgram(int argc, const char* const* argv, std::ostream& out, std::ostrea
     std::vector<std::string> errors;
     std::optional<std::chrono::milliseconds> duration;
     const std::vector<Setting> settings = readArguments(arguments, duration, errors);
-    const Site site = loadSite(arguments.siteFile, errors);
+    Site site = loadSite(arguments.siteFile, errors);
+    if (arguments.isOnLoopback)
+        site = onLoopback(std::move(site), folderOf(arguments.siteFile));
     if (!errors.empty())
         return report(errors, err);
     return play(site, arguments, settings, duration, out, err);

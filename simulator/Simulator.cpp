@@ -102,9 +102,13 @@ std::string Simulator::openEnds() {
 
 void Simulator::moveAndWait(Clock::time_point begin) {
     const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
-    for (const auto& [lineId, moved] : lines) {
-        for (const int station : moved->stations())
-            moveElements(*moved->memory(station), station, elapsed);
+    for (const LineSite& each : playedSite.lines) {
+        Line& moved = line(each.id);
+        for (const int station : moved.stations())
+            moveElements(*moved.memory(station), station, elapsed);
+        for (const auto& [station, points] : each.points)
+            if (Memory* const memory = moved.memory(station)) // none for the broadcast
+                movePoints(*memory, station, points, elapsed);
     }
     running->moveTimer.expires_after(moveInterval);
     running->moveTimer.async_wait([this, begin](const std::error_code& error) {

@@ -2,6 +2,7 @@
 
 #include "Request.h"
 
+#include <filesystem>
 #include <limits>
 #include <set>
 
@@ -29,6 +30,7 @@ private:
     void readChannel(const toml::table& channel, Site& site);
     void readEnd(const toml::table& channel, const char* key, EndPoint& end);
     void readRtus(const toml::table& channel, LineSite& line);
+    void readPoints(const toml::table& rtu, std::vector<SitePoint>& points) const;
     std::optional<Framing> readTransmitType(const toml::table& rtu);
 
     // Whether a text holds what a terminal would obey instead of showing it.
@@ -151,7 +153,11 @@ void Loader::readRtus(const toml::table& channel, LineSite& line) {
         else if (station && *station != broadcastStation)
             line.stations.push_back(static_cast<int>(*station));
 
-        // As on the host's side, the RTU with the highest id decides for the whole line.
+        if (station)
+            readPoints(rtu, line.points[static_cast<int>(*station)]);
+
+        // As on the host's side, of the RTUs that name a type the one with the highest id decides for the
+        // whole line.
         const auto framing = readTransmitType(rtu);
         if (framing && line.framing != Framing::Ethernet && (!lastId || id >= lastId)) {
             line.framing = *framing;
@@ -160,9 +166,29 @@ void Loader::readRtus(const toml::table& channel, LineSite& line) {
     });
 }
 
+// The host tells what is wrong with points; here they only say what there is to move.
+void Loader::readPoints(const toml::table& rtu, std::vector<SitePoint>& points) const {
+    if (const auto table = rtu["points"].value<std::string>()) {
+        const auto folder = std::filesystem::u8path(file).parent_path();
+        const std::vector<SitePoint> read =
+            readPointTable((folder / std::filesystem::u8path(*table)).u8string());
+        points.insert(points.end(), read.begin(), read.end());
+    }
+    const toml::array* const tables = rtu["point"].as_array();
+    if (tables == nullptr)
+        return;
+    for (const toml::node& element : *tables)
+        if (const toml::table* const point = element.as_table())
+            if (const auto parsed = parsePoint((*point)["address"].value_or(std::string()),
+                                               (*point)["format"].value_or(std::string())))
+                points.push_back(*parsed);
+}
+
+// Nothing when the RTU says nothing of it.
+
 std::optional<Framing> Loader::readTransmitType(const toml::table& rtu) {
     if (!rtu.contains("transmit_type"))
-        return Framing::DataMode;
+        return std::nullopt;
     const char* rule = "must be \"data\" or \"break\"";
     const auto type = require<std::string>(rtu, "transmit_type", rule);
     if (type == "data")

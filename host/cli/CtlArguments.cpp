@@ -1,5 +1,6 @@
 #include "CtlArguments.h"
 
+#include "CommandNames.h"
 #include "CtlCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -77,6 +78,7 @@ void addCtlCommand(CLI::App& program, host::ExitStatus& status) {
         given->options.request = host::StatusRequest{};
     });
     command->require_subcommand(1);
+    host::nameArgumentInUsage(*command, "SITE");
     command->final_callback([given, &status] {
         given->options.json = given->format == "json";
         status = host::askRunningHost(given->options);

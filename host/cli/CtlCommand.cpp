@@ -7,10 +7,13 @@
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
 #include "services/control/SocketPath.h"
+#include "site/CountText.h"
 #include "site/SiteFile.h"
 #include "site/SwitchWord.h"
+#include "values/TimeText.h"
 
 #include <ControlCharacters.h>
+#include <QDateTime>
 #include <QFileInfo>
 #include <QJsonDocument>
 
@@ -121,8 +124,9 @@ std::string eventText(const QJsonObject& message) {
             text += text::printable(line) + '\n';
     const QJsonValue lost = message.value(QStringLiteral("lost"));
     if (lost.isDouble())
-        text = QString::number(lost.toDouble(), 'f', 0).toStdString() +
-               " exchanges were lost: they came faster than they were read\n";
+        text = localTimeText(QDateTime::currentMSecsSinceEpoch()) + "  " +
+               countWereText(static_cast<std::uint64_t>(lost.toDouble()), "exchange") +
+               " lost: more came than was read\n";
     return text;
 }
 
@@ -175,8 +179,11 @@ ExitStatus ask(const CtlOptions& options, ControlClient& client) {
         return tellStranger(*line);
     const bool wantsEvents = std::holds_alternative<WatchRequest>(options.request) ||
                              std::holds_alternative<TraceRequest>(options.request);
-    if (wantsEvents && reply.value(QStringLiteral("ok")).toBool())
+    if (wantsEvents && reply.value(QStringLiteral("ok")).toBool()) {
+        if (options.json)
+            showReply(options, *line, reply);
         return showEvents(options, client);
+    }
     showReply(options, *line, reply);
     return judgeReply(reply);
 }

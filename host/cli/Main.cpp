@@ -1,8 +1,10 @@
 #include "CaptureArguments.h"
 #include "CheckCommand.h"
 #include "CommandLine.h"
+#include "CommandNames.h"
 #include "CtlArguments.h"
 #include "ImportCommand.h"
+#include "LogArguments.h"
 #include "RunCommand.h"
 #include "ScanArguments.h"
 #include "StandardOutput.h"
@@ -81,6 +83,8 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
         program.add_subcommand("run", "Poll the controllers of a site and show their values");
     const auto given = std::make_shared<Given>();
     command->add_option("SITE", given->options.sitePath, "Site file")->required();
+    command->add_flag("--loopback", given->options.isOnLoopback,
+                      "Talk to sbus-sim --loopback in place of the controllers");
     command->add_option("--for", given->duration, "End after this time, such as 10s; without it at Ctrl-C")
         ->check(host::durationFault);
     command
@@ -90,8 +94,7 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
         ->check(CLI::IsMember(formatNames))
         ->type_name("FORMAT");
     command->add_flag("--frames", given->options.frames, "Show every telegram as hex on standard error");
-    command->add_option("--log-dir", given->options.logDirectory,
-                        "Write a log file per channel into this directory");
+    const auto log = host::addLogOptions(*command);
     command->add_option(
         "--plugin", given->options.pluginPath,
         "Driver plug-in; without it SBusDriver beside this program or in the library directory");
@@ -104,19 +107,37 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
         "--state-dir", given->options.stateDirectory,
         "Where running pulses are remembered; without it in $XDG_STATE_HOME or ~/.local/state");
     const auto capture = host::addCaptureOptions(*command);
-    command->callback([given, capture, &status] {
+    command->callback([given, log, capture, &status] {
         if (!given->duration.empty())
             given->options.duration = host::parseDuration(given->duration);
         if (!given->format.empty())
             given->options.format = formatNamed(given->format);
+        given->options.log = host::logOf(*log, given->options.frames);
         given->options.capture = host::captureOf(*capture);
         status = host::runSite(given->options);
     });
 }
 
+int endEarly(const CLI::App& program, const CLI::ParseError& ending) {
+    constexpr int usage = static_cast<int>(ExitStatus::Configuration);
+    const bool lacksCommand = std::string(ending.what()) == CLI::RequiredError::Subcommand(1).what();
+    const std::string fault = lacksCommand ? host::commandFault(program) : "";
+    std::ostringstream told; // with words of the command line in it
+    if (fault.empty()) {
+        const int number = program.exit(ending, std::cout, told);
+        std::cerr << text::printableLines(told.str());
+        return number == 0 ? 0 : usage;
+    }
+    told << "sbus-host: " << fault << "\nRun with --help for more information.\n";
+    std::cerr << text::printableLines(told.str());
+    return usage;
+}
+
 int runProgram(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     CLI::App program("Talks to S-Bus controllers through the SBusDriver plug-in", "sbus-host");
+    program.set_version_flag("--version", std::string("sbus-host ") + SBUS_VERSION,
+                             "Tell the version and end");
     program.require_subcommand(1);
     program.footer(exitStatusHelp);
     ExitStatus status = ExitStatus::Good;
@@ -129,10 +150,7 @@ int runProgram(int argc, char** argv) {
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& ending) { // also the end of --help, whose number is 0
-        std::ostringstream told;              // with words of the command line in it
-        const int number = program.exit(ending, std::cout, told);
-        std::cerr << text::printableLines(told.str());
-        return number == 0 ? 0 : static_cast<int>(ExitStatus::Configuration);
+        return endEarly(program, ending);
     }
     return static_cast<int>(status);
 }

@@ -9,7 +9,7 @@ namespace host {
 namespace {
 
 bool doesNothingButPrint(const RunOptions& options) {
-    return options.controlPath.empty() && !options.capture && options.logDirectory.empty();
+    return options.controlPath.empty() && !options.capture && !options.log;
 }
 
 } // namespace

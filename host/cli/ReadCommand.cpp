@@ -8,6 +8,9 @@
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
 #include "values/ReadingText.h"
+#include "values/TimeText.h"
+
+#include <QDateTime>
 
 #include <ControlCharacters.h>
 
@@ -46,8 +49,10 @@ void show(const ReadOptions& options, const ReadRound& round) {
     for (std::size_t i = 0; i < options.elements.size(); ++i)
         show(options, options.elements[i], round.readings[i]);
     std::cout << std::flush;
+    const std::string time =
+        options.every ? localTimeText(QDateTime::currentMSecsSinceEpoch()) + "  " : std::string();
     for (const std::string& failure : round.failures)
-        tellError(failure);
+        tellError(time + failure);
 }
 
 void count(ElementTally& tally, const ReadRound& round) {

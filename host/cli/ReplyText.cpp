@@ -1,6 +1,7 @@
 #include "ReplyText.h"
 
 #include "services/console/TableLayout.h"
+#include "site/CountText.h"
 #include "values/ValueText.h"
 
 #include <ControlCharacters.h>
@@ -62,13 +63,13 @@ std::string resultLine(const QJsonObject& result) {
 std::string channelHeading(const QJsonObject& channel) {
     std::string heading = text(channel, "name") + "  " + text(channel, "type") + "  " + text(channel, "end") +
                           (flag(channel, "connected") ? "  connected" : "  NOT CONNECTED");
-    const std::pair<const char*, const char*> troubles[] = {{"failed_opens", " failed opens"},
-                                                            {"channel_errors", " channel errors"},
-                                                            {"link_changes", " link changes"},
-                                                            {"scan_overruns", " scan overruns"}};
+    const std::pair<const char*, const char*> troubles[] = {{"failed_opens", "failed open"},
+                                                            {"channel_errors", "channel error"},
+                                                            {"link_changes", "link change"},
+                                                            {"scan_overruns", "scan overrun"}};
     for (const auto& [key, name] : troubles)
-        if (channel.value(QLatin1String(key)).toDouble() > 0)
-            heading += "  " + numberText(channel, key) + name;
+        if (const double count = channel.value(QLatin1String(key)).toDouble(); count > 0)
+            heading += "  " + countText(static_cast<std::uint64_t>(count), name);
     return heading;
 }
 
@@ -144,9 +145,8 @@ std::string statusText(const QJsonObject& reply) {
 std::string changeText(const QJsonObject& change) {
     const QDateTime time =
         QDateTime::fromString(change.value(QStringLiteral("time")).toString(), Qt::ISODateWithMs);
-    const bool wasRead = text(change, "quality") != toText(PointQuality::NeverRead);
-    std::string line = (wasRead ? localTimeText(time.toMSecsSinceEpoch()) + "  " : "") + text(change, "rtu") +
-                       '/' + text(change, "name") + " (" + text(change, "address") + ")";
+    std::string line = localTimeText(time.toMSecsSinceEpoch()) + "  " + text(change, "rtu") + '/' +
+                       text(change, "name") + " (" + text(change, "address") + ")";
     if (!change.value(QStringLiteral("value")).isNull())
         line += " = " + numberText(change, "value");
     return line + "  " + text(change, "quality");

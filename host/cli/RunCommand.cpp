@@ -1,6 +1,5 @@
 #include "RunCommand.h"
 
-#include "LogDirectory.h"
 #include "OutputWatch.h"
 #include "RunServices.h"
 #include "commands/CommandDispatcher.h"
@@ -14,6 +13,8 @@
 #include "services/console/Terminal.h"
 #include "services/control/ControlGroup.h"
 #include "services/pulses/PulseSupervisor.h"
+#include "site/CountText.h"
+#include "site/Loopback.h"
 
 #include <ControlCharacters.h>
 #include <HalvexDriverComponent/CLogger.h>
@@ -39,26 +40,12 @@ OutputFormat chooseFormat(const RunOptions& options) {
     if (options.format)
         return *options.format;
     // Frames run on; a table would wipe them off the terminal.
-    const bool table = terminal::isOutputTerminal() && !options.frames;
+    const bool table = terminal::isOutputTerminal() && terminal::understandsSequences() && !options.frames;
     return table ? OutputFormat::Table : OutputFormat::Lines;
 }
 
 bool isForReading(OutputFormat format) {
     return format == OutputFormat::Table || format == OutputFormat::Lines;
-}
-
-// Empty, or what is wrong.
-std::string configureLogFiles(const RunOptions& options) {
-    if (options.logDirectory.empty())
-        return {};
-    std::string fault = prepareLogDirectory(options.logDirectory);
-    if (!fault.empty())
-        return fault;
-    LoggerSettings settings;
-    settings.directory = options.logDirectory;
-    settings.traceFrames = options.frames;
-    CLogger::GetInstance()->configure(settings);
-    return {};
 }
 
 void waitForTheEnd(const RunOptions& options, OutputWatch& output) {
@@ -105,12 +92,12 @@ ExitStatus failed(const std::string& fault) {
 
 void tellLosses(const ConsoleService& shown, Console& console) {
     if (shown.lostChanges() > 0)
-        console.error.write(std::to_string(shown.lostChanges()) +
-                            " changes were lost: they came faster than the output was read\n");
+        console.error.write(countWereText(shown.lostChanges(), "change") +
+                            " lost: they came faster than the output was read\n");
     const LoggerFigures log = CLogger::GetInstance()->figures();
     if (const auto lostLines = log.dropped + log.queued; lostLines > 0)
-        console.error.write(std::to_string(lostLines) +
-                            " log lines were lost: the log directory's disk is full, fails or is too slow\n");
+        console.error.write(countWereText(lostLines, "log line") +
+                            " lost: the log directory's disk is full, fails or is too slow\n");
 }
 
 ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputFormat format, Console& console) {
@@ -146,7 +133,8 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     const std::vector<ChannelFigures> channels = runtime.channelFigures();
     runtime.stop();
     CLogger::GetInstance()->flush(logFlushMs);
-    (isForReading(format) ? console.out : console.error).write(summaryText(outcomes, channels));
+    (isForReading(format) ? console.out : console.error)
+        .write(summaryText(outcomes, channels) + services.console().lastWords());
     tellLosses(services.console(), console);
     const ExitStatus status = judge(outcomes);
     return allOff || status != ExitStatus::Good ? status : ExitStatus::CommunicationFailed;
@@ -160,6 +148,9 @@ ExitStatus runSite(const RunOptions& options) {
         return failed(
             "--frames would run through the table; choose --format lines, or send the frames to a file "
             "with 2>FILE");
+    if (format == OutputFormat::Table && terminal::isOutputTerminal() && !terminal::understandsSequences())
+        return failed("a table needs a terminal that can move its cursor, which this one cannot by its TERM; "
+                      "choose --format lines");
     LoadedSite loaded = loadCheckedSite(options.sitePath);
     if (options.takesControl)
         checkControlGroup(loaded.site, loaded.findings);
@@ -167,9 +158,8 @@ ExitStatus runSite(const RunOptions& options) {
         std::cerr << toText(finding) << '\n';
     if (loaded.findings.hasErrors())
         return ExitStatus::Configuration;
-    const std::string fault = configureLogFiles(options);
-    if (!fault.empty())
-        return failed(fault);
+    if (options.isOnLoopback)
+        moveToLoopback(loaded.site, loopbackFolderOf(options.sitePath));
     terminal::survivePipeEnd();
     stopsignal::install();
     Console console;

@@ -3,6 +3,7 @@
 #include "runtime/ExitStatus.h"
 #include "services/capture/CaptureOptions.h"
 #include "services/console/Output.h"
+#include "services/log/LogOptions.h"
 
 #include <chrono>
 #include <optional>
@@ -11,10 +12,11 @@ namespace host {
 
 struct RunOptions {
     std::string sitePath;
+    bool isOnLoopback = false;                         // every line leads to the simulator on this computer
     std::optional<std::chrono::milliseconds> duration; // until a signal comes, when left out
     std::optional<OutputFormat> format;                // a table on a terminal, else lines, when left out
     bool frames = false;
-    std::string logDirectory;              // empty: no log files
+    std::optional<LogOptions> log;         // none: no log files
     std::string pluginPath;                // empty: searched for
     bool takesControl = true;              // opens a control socket
     std::string controlPath;               // of that; empty: the site file's own

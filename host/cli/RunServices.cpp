@@ -6,6 +6,7 @@
 #include "services/console/ConsoleService.h"
 #include "services/console/StreamWriter.h"
 #include "services/control/ControlSocket.h"
+#include "services/log/SiteLog.h"
 #include "services/pulses/PulseSupervisor.h"
 
 #include <ControlCharacters.h>
@@ -38,6 +39,8 @@ RunServices::RunServices(const RunOptions& options, OutputFormat format, const H
     pulses->useMemory(std::make_unique<PulseMemory>(options.stateDirectory, options.sitePath));
     pulseSupervisor = pulses.get();
     runningSite = std::make_unique<RunningSite>(runningSiteOf(host, *pulses));
+    if (options.log) // the first: it starts before, and ends after, all that have something to say
+        services.push_back(std::make_unique<SiteLog>(*options.log));
     services.push_back(std::move(pulses));
     services.push_back(std::make_unique<ClockSchedule>(host.site, host.dispatcher, tell));
     auto shown = std::make_unique<ConsoleService>(

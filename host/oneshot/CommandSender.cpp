@@ -3,6 +3,7 @@
 #include "commands/CommandText.h"
 #include "commands/DriverCall.h"
 #include "runtime/FailureText.h"
+#include "runtime/OpenFailureText.h"
 #include "services/console/StopSignal.h"
 #include "telegram/RequestTelegram.h"
 
@@ -68,9 +69,10 @@ void CommandSender::requestEnded(const RequestEnd& end) {
         writeEnd = end;
 }
 
-void CommandSender::lineOpened(const Channel& channel, bool /*onSecondary*/, int result) {
+void CommandSender::lineOpened(const Channel& /*channel*/, bool /*onSecondary*/, int result) {
     const std::lock_guard<std::mutex> lock(mutex);
-    lineFault = result == 0 ? "" : cannotOpenReason(channel) + lineInUseHint(line);
+    lineFault =
+        result == 0 ? "" : cannotOpenReason(line.end, result) + (isInUse(result) ? lineInUseHint(line) : "");
 }
 
 bool CommandSender::hasSentWrite() const {

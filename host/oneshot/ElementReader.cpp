@@ -1,6 +1,7 @@
 #include "ElementReader.h"
 
 #include "runtime/FailureText.h"
+#include "runtime/OpenFailureText.h"
 #include "services/console/StopSignal.h"
 
 #include <HalvexDriverComponent/CRtu.h>
@@ -57,8 +58,8 @@ ReadRound ElementReader::read(const Progress& progress) {
     std::size_t readBefore = 0;
     while (!isSettled() && !stopsignal::isRequested()) {
         board.waitForNews(lookPeriod);
-        if (board.takeFailedOpen())
-            giveUpAll(cannotOpenReason(channel()) + lineInUseHint(line));
+        if (const int failure = board.takeFailedOpen())
+            giveUpAll(cannotOpenReason(line.end, failure) + (isInUse(failure) ? lineInUseHint(line) : ""));
         const std::vector<RequestEnd> ends = board.takeEnds();
         for (const RequestEnd& end : ends)
             takeEnd(end);

@@ -14,7 +14,7 @@ void ReadBoard::begin() {
     elementsRead = 0;
     isReading = true;
     ends.clear();
-    hasFailedToOpen = false;
+    failedOpen = 0;
     hasNews = false;
 }
 
@@ -57,7 +57,7 @@ void ReadBoard::lineOpened(const Channel&, bool, int result) {
     if (result == 0)
         return;
     const std::lock_guard<std::mutex> lock(mutex);
-    hasFailedToOpen = true;
+    failedOpen = result;
     hasNews = true;
     news.notify_all();
 }
@@ -73,9 +73,9 @@ std::vector<RequestEnd> ReadBoard::takeEnds() {
     return std::exchange(ends, {});
 }
 
-bool ReadBoard::takeFailedOpen() {
+int ReadBoard::takeFailedOpen() {
     const std::lock_guard<std::mutex> lock(mutex);
-    return std::exchange(hasFailedToOpen, false);
+    return std::exchange(failedOpen, 0);
 }
 
 std::vector<Reading> ReadBoard::readings() const {

@@ -42,8 +42,8 @@ public:
     void waitForNews(std::chrono::milliseconds longest);
     // The requests that have ended since the last call.
     std::vector<RequestEnd> takeEnds();
-    // Whether the line could not be opened since the last call.
-    bool takeFailedOpen();
+    // The system's error number, when the line could not be opened since the last call; else 0.
+    int takeFailedOpen();
     std::vector<Reading> readings() const;
     std::size_t readCount() const;
     bool isRead(std::size_t element) const;
@@ -58,7 +58,7 @@ private:
     std::size_t elementsRead = 0;
     bool isReading = true;
     std::vector<RequestEnd> ends;
-    bool hasFailedToOpen = false;
+    int failedOpen = 0;
 };
 
 } // namespace host

@@ -1,6 +1,7 @@
 #include "StationScanner.h"
 
 #include "runtime/FailureText.h"
+#include "runtime/OpenFailureText.h"
 #include "services/console/StopSignal.h"
 #include "telegram/AnswerTelegram.h"
 #include "telegram/TelegramText.h"
@@ -112,11 +113,11 @@ void StationScanner::requestEnded(const RequestEnd& end) {
     news.notify_all();
 }
 
-void StationScanner::lineOpened(const Channel& channel, bool /*onSecondary*/, int result) {
+void StationScanner::lineOpened(const Channel& /*channel*/, bool /*onSecondary*/, int result) {
     if (result == 0)
         return;
     const std::lock_guard<std::mutex> lock(mutex);
-    lineFault = cannotOpenReason(channel) + lineInUseHint(line);
+    lineFault = cannotOpenReason(line.end, result) + (isInUse(result) ? lineInUseHint(line) : "");
     news.notify_all();
 }
 

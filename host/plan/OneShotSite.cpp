@@ -69,7 +69,7 @@ std::string nameOf(const ControllerLine& line) {
 
 std::string lineInUseHint(const ControllerLine& line) {
     return std::holds_alternative<SerialEnd>(line.end)
-               ? "; if a running sbus-host has it open, give the command to that host with sbus-host ctl"
+               ? "; if it is a running sbus-host, give the command to that host with sbus-host ctl"
                : "";
 }
 

@@ -1,6 +1,7 @@
 #include "Forecast.h"
 #include "SharedElements.h"
 #include "TelegramTime.h"
+#include "site/CountText.h"
 
 #include <cmath>
 #include <iomanip>
@@ -59,8 +60,8 @@ void describeSharedElements(std::ostream& out, const Rtu& rtu) {
 void describeRtu(std::ostream& out, const RtuForecast& forecast) {
     const Rtu& rtu = *forecast.rtu;
     out << "  RTU " << rtu.id << " \"" << rtu.name << "\", station " << rtu.station << ": "
-        << countPoints(rtu, PointKind::Status) << " status points, " << countPoints(rtu, PointKind::Analog)
-        << " analog points\n";
+        << countText(countPoints(rtu, PointKind::Status), "status point") << ", "
+        << countText(countPoints(rtu, PointKind::Analog), "analog point") << '\n';
     describeShielding(out, forecast);
     describeSharedElements(out, rtu);
     describePoll(out, "integrity poll", forecast.integrity, rtu.scan.integrity);

@@ -1,5 +1,7 @@
 #include "ChannelText.h"
 
+#include "site/CountText.h"
+
 namespace host {
 
 std::string endInUseText(const ChannelFigures& figures) {
@@ -9,13 +11,13 @@ std::string endInUseText(const ChannelFigures& figures) {
 }
 
 std::string troubleText(const ChannelStatus& status) {
-    const std::pair<quint64, const char*> figures[] = {{status.failedOpens, " failed open"},
-                                                       {status.channelErrors, " channel error"},
-                                                       {status.scanOverruns, " scan overrun"}};
+    const std::pair<quint64, const char*> figures[] = {{status.failedOpens, "failed open"},
+                                                       {status.channelErrors, "channel error"},
+                                                       {status.scanOverruns, "scan overrun"}};
     std::string text;
     for (const auto& [count, name] : figures)
         if (count > 0)
-            text += "  " + std::to_string(count) + name + (count == 1 ? "" : "s");
+            text += "  " + countText(count, name);
     return text;
 }
 

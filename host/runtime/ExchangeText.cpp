@@ -78,28 +78,34 @@ QJsonObject exchangeAsJson(const Site& site, const Exchange& exchange) {
             {QStringLiteral("discarded"), text(hexText(exchange.discarded))}};
 }
 
-std::vector<std::string> exchangeLines(const QJsonObject& exchange) {
+std::vector<TelegramLine> telegramsOf(const QJsonObject& exchange) {
     const std::int64_t sentAt =
         QDateTime::fromString(exchange.value(QStringLiteral("time")).toString(), Qt::ISODateWithMs)
             .toMSecsSinceEpoch();
     const QJsonValue roundTrip = exchange.value(QStringLiteral("round_trip_ms"));
-    const std::string who = "  " + field(exchange, "channel") +
+    const std::string who = field(exchange, "channel") +
                             (field(exchange, "end") == "secondary" ? " (secondary)" : "") + ", station " +
                             std::to_string(exchange.value(QStringLiteral("station")).toInt()) + "  ";
-    std::vector<std::string> lines;
-    if (const std::string discarded = field(exchange, "discarded"); !discarded.empty()) {
-        lines.push_back(localTimeText(sentAt) + who + "thrown away unread");
-        addBytes(lines, discarded);
-    }
-    lines.push_back(localTimeText(sentAt) + who + "<< " + field(exchange, "request"));
-    addBytes(lines, field(exchange, "sent"));
+    std::vector<TelegramLine> telegrams;
+    if (const std::string discarded = field(exchange, "discarded"); !discarded.empty())
+        telegrams.push_back({sentAt, who + "thrown away unread", discarded});
+    telegrams.push_back({sentAt, who + "<< " + field(exchange, "request"), field(exchange, "sent")});
     const std::string took =
         roundTrip.isNull() ? "" : " (" + QString::number(roundTrip.toDouble(), 'f', 2).toStdString() + " ms)";
-    lines.push_back(localTimeText(sentAt + static_cast<std::int64_t>(roundTrip.toDouble())) + who + ">> " +
-                    field(exchange, "answer") +
-                    (exchange.value(QStringLiteral("line_failed")).toBool() ? ", the line failed" : "") +
-                    took);
-    addBytes(lines, field(exchange, "received"));
+    telegrams.push_back(
+        {sentAt + static_cast<std::int64_t>(roundTrip.toDouble()),
+         who + ">> " + field(exchange, "answer") +
+             (exchange.value(QStringLiteral("line_failed")).toBool() ? ", the line failed" : "") + took,
+         field(exchange, "received")});
+    return telegrams;
+}
+
+std::vector<std::string> exchangeLines(const QJsonObject& exchange) {
+    std::vector<std::string> lines;
+    for (const TelegramLine& telegram : telegramsOf(exchange)) {
+        lines.push_back(localTimeText(telegram.timeMs) + "  " + telegram.text);
+        addBytes(lines, telegram.hex);
+    }
     return lines;
 }
 

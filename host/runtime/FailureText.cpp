@@ -9,8 +9,7 @@ namespace host {
 namespace {
 
 const LinkEnd& usedEnd(const RequestEnd& end) {
-    const Channel& channel = *end.channel;
-    return end.onSecondary && channel.secondary ? *channel.secondary : channel.primary;
+    return linkEndOf(*end.channel, end.onSecondary);
 }
 
 std::size_t writeAnswerBytes(Framing framing) {
@@ -91,13 +90,8 @@ std::string failureReason(const RequestEnd& end) {
     return {};
 }
 
-std::string cannotOpenReason(const Channel& channel) {
-    const std::string lines =
-        toText(channel.primary) + (channel.secondary ? " or " + toText(*channel.secondary) : "");
-    return "cannot open " + lines +
-           (channel.type == LineType::Serial
-                ? "; check that the device is there, is not in use and may be opened by this user"
-                : "; check the host name and the network");
+const LinkEnd& linkEndOf(const Channel& channel, bool onSecondary) {
+    return onSecondary && channel.secondary ? *channel.secondary : channel.primary;
 }
 
 std::string refusalText(const RequestEnd& end) {

@@ -10,10 +10,11 @@ namespace host {
 
 // Empty for a request that was answered.
 std::string failureReason(const RequestEnd& end);
-// Why the line of `channel` is not open.
-std::string cannotOpenReason(const Channel& channel);
 // What the controller said when it refused: "acknowledge code 1".
 std::string refusalText(const RequestEnd& end);
+
+// The primary end where there is no other.
+const LinkEnd& linkEndOf(const Channel& channel, bool onSecondary);
 
 // "channel 1 "waterworks", RTU 2 "tank" (station 5)"; without the RTU when it is null.
 std::string nameOf(const Channel& channel, const Rtu* rtu);

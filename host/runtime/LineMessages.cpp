@@ -1,12 +1,19 @@
 #include "LineMessages.h"
 
 #include "FailureText.h"
+#include "OpenFailureText.h"
 
 #include <chrono>
 
 namespace host {
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// The sources of a channel's own messages, beside its RTUs, whose ids begin at 1.
+constexpr int openSource = 0;
+constexpr int endInUseSource = -1;
 
 // A damaged answer and a foreign one are failures of two kinds.
 int kindOf(const RequestEnd& end) {
@@ -22,26 +29,52 @@ void LineMessages::requestEnded(const RequestEnd& end) {
     // Most requests are answered, and then a text is made only when a failure is over.
     const std::string reason = failureReason(end);
     const std::lock_guard<std::mutex> lock(mutex);
+    if (isGood)
+        tellEndInUse(*end.channel, end.onSecondary, true);
     if (isGood && !collapser.isFailing(source))
         return;
     const std::string who = nameOf(*end.channel, end.rtu);
     const std::optional<std::string> message =
         isGood ? collapser.succeeded(source, who)
-               : collapser.failed(source, kindOf(end), who + ": " + reason, std::chrono::steady_clock::now());
+               : collapser.failed(source, kindOf(end), who + ": " + reason, Clock::now());
     if (message)
         messages.tell(*message);
 }
 
-void LineMessages::lineOpened(const Channel& channel, bool /*onSecondary*/, int result) {
-    const FailureCollapser::Source source{channel.id, 0};
-    const std::string who = nameOf(channel, nullptr);
+void LineMessages::lineOpened(const Channel& channel, bool onSecondary, int result) {
     const std::lock_guard<std::mutex> lock(mutex);
-    const std::optional<std::string> message =
-        result == 0 ? collapser.succeeded(source, who)
-                    : collapser.failed(source, 0, who + ": " + cannotOpenReason(channel),
-                                       std::chrono::steady_clock::now());
-    if (message)
+    if (const std::optional<std::string> message = openText(channel, onSecondary, result))
         messages.tell(*message);
+    if (result == 0)
+        tellEndInUse(channel, onSecondary, false);
+}
+
+// Each end fails for reasons of its own.
+std::optional<std::string> LineMessages::openText(const Channel& channel, bool onSecondary, int result) {
+    const FailureCollapser::Source source{channel.id, openSource};
+    const std::string who = nameOf(channel, nullptr);
+    if (result == 0)
+        return collapser.succeeded(source, who);
+    const int kind = 2 * result + (onSecondary ? 1 : 0);
+    const std::string reason = cannotOpenReason(linkEndOf(channel, onSecondary), result);
+    return collapser.failed(source, kind, who + ": " + reason, Clock::now());
+}
+
+// A line whose both ends are dead changes over all the time: that is told now and again, and an end that
+// answers always.
+void LineMessages::tellEndInUse(const Channel& channel, bool onSecondary, bool hasAnswered) {
+    bool& told = toldSecondary[channel.id];
+    if (told == onSecondary)
+        return;
+    const std::string text = nameOf(channel, nullptr) + ": changed over to its " +
+                             (onSecondary ? "secondary" : "primary") + " end, " +
+                             toText(linkEndOf(channel, onSecondary));
+    const std::optional<std::string> message =
+        collapser.failed({channel.id, endInUseSource}, onSecondary ? 1 : 0, text, Clock::now());
+    if (!message && !hasAnswered)
+        return;
+    told = onSecondary;
+    messages.tell(message.value_or(text));
 }
 
 } // namespace host

@@ -1,5 +1,12 @@
 #include "Messages.h"
 
+#include "site/CountText.h"
+#include "values/TimeText.h"
+
+#include <QDateTime>
+
+#include <utility>
+
 namespace host {
 
 namespace {
@@ -8,22 +15,42 @@ constexpr std::size_t mostWaiting = 20'000; // for a screen that is slower than 
 
 } // namespace
 
-void Messages::tell(const std::string& message) {
+std::string messageLine(const Message& message) {
+    return localTimeText(message.timeMs) + "  " + message.text;
+}
+
+void Messages::tell(const std::string& text) {
     const std::lock_guard<std::mutex> lock(mutex);
+    const Message message{QDateTime::currentMSecsSinceEpoch(), text};
+    if (keeper)
+        keeper(message);
     if (waiting.size() < mostWaiting)
         waiting.push_back(message);
     else
         ++lost;
 }
 
-std::vector<std::string> Messages::take() {
+std::vector<Message> Messages::takeWithTimes() {
     const std::lock_guard<std::mutex> lock(mutex);
-    std::vector<std::string> taken;
+    std::vector<Message> taken;
     taken.swap(waiting);
     if (lost > 0)
-        taken.push_back(std::to_string(lost) + " messages were lost: they came faster than they were read");
+        taken.push_back({QDateTime::currentMSecsSinceEpoch(),
+                         countWereText(lost, "message") + " lost: more came than was read"});
     lost = 0;
     return taken;
+}
+
+std::vector<std::string> Messages::take() {
+    std::vector<std::string> texts;
+    for (Message& message : takeWithTimes())
+        texts.push_back(std::move(message.text));
+    return texts;
+}
+
+void Messages::setKeeper(Keeper messageKeeper) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    keeper = std::move(messageKeeper);
 }
 
 } // namespace host

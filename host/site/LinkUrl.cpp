@@ -36,6 +36,9 @@ ParsedLink parseUdp(const std::string& rest) {
     if (bracketed && hostEnd == std::string::npos)
         return result(end, {{"\"[\" without its \"]\"", udpExample}});
     end.host = bracketed ? rest.substr(1, hostEnd - 1) : rest.substr(0, hostEnd);
+    if (!bracketed && std::count(rest.begin(), rest.end(), ':') > 1)
+        return result(end, {{"\"" + rest + "\" is an IPv6 address without its brackets",
+                             "write udp://[" + rest + "], or udp://[" + rest + "]:5050 with a port"}});
     if (end.host.empty() || end.host.find_first_of(" /?") != std::string::npos ||
         (!bracketed && end.host.find(':') != std::string::npos))
         faults.push_back({"no host in \"udp://" + rest + "\"", udpExample});

@@ -22,7 +22,7 @@ public:
 
 // A line for people, a JSON object, and a row of comma-separated values. The latter two have the columns
 // time, channel, rtu, id, name, address, value, quality; the time is that of the value or, for a quality that
-// has turned bad, of that moment.
+// has turned bad, of that moment; a point that was never read has that of the telling.
 std::unique_ptr<ChangeText> makeLineText();
 std::unique_ptr<ChangeText> makeJsonText();
 std::unique_ptr<ChangeText> makeCsvText();

@@ -2,6 +2,9 @@
 
 #include <QDateTime>
 
+#include <cstdio>
+#include <cstdlib>
+
 namespace host {
 
 std::string utcTimeText(qint64 milliseconds) {
@@ -9,8 +12,13 @@ std::string utcTimeText(qint64 milliseconds) {
 }
 
 std::string localTimeText(qint64 milliseconds) {
-    const QString format = QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz");
-    return QDateTime::fromMSecsSinceEpoch(milliseconds).toString(format).toStdString();
+    const QDateTime time = QDateTime::fromMSecsSinceEpoch(milliseconds);
+    const std::string text = time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz")).toStdString();
+    const int minutes = time.offsetFromUtc() / 60;
+    char zone[16];
+    std::snprintf(zone, sizeof zone, "%c%02d:%02d", minutes < 0 ? '-' : '+', std::abs(minutes) / 60,
+                  std::abs(minutes) % 60);
+    return text + zone;
 }
 
 const std::string& TimeText::of(qint64 milliseconds) {

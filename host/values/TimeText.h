@@ -8,7 +8,7 @@ namespace host {
 
 // "2026-11-21T09:30:00.125Z"
 std::string utcTimeText(qint64 milliseconds);
-// "2026-11-21 10:30:00.125", where the host is
+// "2026-11-21 10:30:00.125+01:00", where the host is
 std::string localTimeText(qint64 milliseconds);
 
 // Writes times that lie close together, as those of changes do: only a new second is worked out, which for a

@@ -5,6 +5,7 @@
 #include <QDir>
 
 #include <atomic>
+#include <cstdlib>
 #include <thread>
 #include <vector>
 
@@ -42,6 +43,32 @@ TEST_F(CLoggerFiles, LinesBeginWithTheTimeTheyWereWritten) {
     EXPECT_TRUE(stamp.isValid()) << qPrintable(line);
     EXPECT_GE(stamp, start.addMSecs(-1)); // the two clocks may round differently
     EXPECT_LE(stamp, QDateTime::currentDateTime());
+}
+
+// In a zone that is not this computer's own the offset tells which time is meant.
+TEST_F(CLoggerFiles, LinesTellTheirZone) {
+    configure();
+    write(1, 0, text("a"));
+    ASSERT_TRUE(flush());
+    const QString line = stampedLines(file(1)).value(0);
+    const int minutes = QDateTime::currentDateTime().offsetFromUtc() / 60;
+    const QString zone = text("%1%2:%3 ")
+                             .arg(QLatin1Char(minutes < 0 ? '-' : '+'))
+                             .arg(std::abs(minutes) / 60, 2, 10, QLatin1Char('0'))
+                             .arg(std::abs(minutes) % 60, 2, 10, QLatin1Char('0'));
+    EXPECT_EQ(line.mid(23, 7), zone) << qPrintable(line);
+}
+
+TEST_F(CLoggerFiles, RecordsStandAsTheyAreAndWithTheirOwnTime) {
+    configure();
+    const QDateTime then(QDate(2026, 5, 1), QTime(12, 0, 0, 125));
+    const std::chrono::system_clock::time_point time{std::chrono::milliseconds(then.toMSecsSinceEpoch())};
+    CLogger::GetInstance()->writeRecord(1, time, "<< read R1");
+    CLogger::GetInstance()->writeRecord(0, time, "no answer");
+    ASSERT_TRUE(flush());
+    EXPECT_EQ(lines(file(1)), QStringList{text("<< read R1")});
+    EXPECT_EQ(lines(text("host.log")), QStringList{text("no answer")});
+    EXPECT_EQ(stampedLines(text("host.log")).value(0).left(23), text("2026-05-01 12:00:00.125"));
 }
 
 TEST_F(CLoggerFiles, NoFileExistsBeforeTheFirstLine) {

@@ -58,7 +58,7 @@ protected:
         return now;
     }
 
-    static constexpr int stampLength = 24; // "2024-05-01 12:00:00.000 "
+    static constexpr int stampLength = 30; // "2024-05-01 12:00:00.000+02:00 "
     QTemporaryDir directory;
     LoggerSettings settings;
 

@@ -160,6 +160,24 @@ TEST_F(ControlledProgram, PollsOnDemandAndShowsWhatHasChanged) {
     EXPECT_EQ(endOf(watch).status, 0);
 }
 
+TEST_F(ControlledProgram, ShowsTheVeryLinesOfTheSocketWhileItWatches) {
+    startHost();
+    QProcess& watch = start({QStringLiteral("ctl"), site, QStringLiteral("watch"), QStringLiteral("tank"),
+                             QStringLiteral("--format"), QStringLiteral("json")});
+    QByteArray shown;
+    EXPECT_TRUE(eventually([&] {
+        watch.waitForReadyRead(20);
+        shown += watch.readAllStandardOutput();
+        return shown.count('\n') >= 3;
+    }));
+    const QList<QByteArray> lines = shown.split('\n');
+    EXPECT_EQ(lines[0].toStdString(), R"({"ok":true,"points":2})");
+    EXPECT_THAT(lines[1].toStdString(), HasSubstr(R"("rtu":"tank","id":1,"name":"P1_START")"));
+    EXPECT_THAT(lines[2].toStdString(), HasSubstr(R"("rtu":"tank","id":2,"name":"LEVEL")"));
+    watch.terminate();
+    EXPECT_EQ(endOf(watch).status, 0);
+}
+
 TEST_F(ControlledProgram, TellsThatAClockWasNotSetOverEthernet) {
     startHost();
     const Ending ending = ctl("time-sync tank");

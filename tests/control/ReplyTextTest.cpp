@@ -75,10 +75,10 @@ TEST(ControlReplyText, TellsTheStatusAsATable) {
 TEST(ControlReplyText, TellsAChangeAsALine) {
     EXPECT_THAT(changeText(json(R"({"time":"2026-11-21T09:30:00.125Z","channel":"c","rtu":"hill","id":1,)"
                                 R"("name":"RUN","address":"O1","value":1,"quality":"good"})")),
-                testing::EndsWith("30:00.125  hill/RUN (O1) = 1  good"));
-    EXPECT_EQ(changeText(json(R"({"time":"1970-01-01T00:00:00.000Z","channel":"c","rtu":"hill","id":1,)"
-                              R"("name":"RUN","address":"O1","value":null,"quality":"never read"})")),
-              "hill/RUN (O1)  never read");
+                testing::AllOf(HasSubstr("30:00.125"), testing::EndsWith("  hill/RUN (O1) = 1  good")));
+    EXPECT_THAT(changeText(json(R"({"time":"2026-11-21T09:30:00.125Z","channel":"c","rtu":"hill","id":1,)"
+                                R"("name":"RUN","address":"O1","value":null,"quality":"never read"})")),
+                testing::AllOf(HasSubstr("30:00.125"), testing::EndsWith("  hill/RUN (O1)  never read")));
 }
 
 TEST(ControlReplyText, JudgesResults) {

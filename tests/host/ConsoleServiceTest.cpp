@@ -117,5 +117,5 @@ TEST_F(Frames, ThatNobodyReadsPushNoMessageOut) {
     EXPECT_TRUE(console.error.waitUntilIdle(patience));
     EXPECT_THAT(screen.shown(), HasSubstr("channel 4: the line failed\n"));
     EXPECT_EQ(shownFrames(), host::ExchangeQueue::mostWaiting);
-    EXPECT_THAT(screen.shown(), HasSubstr("100 frames were lost: they came faster than they were read\n"));
+    EXPECT_THAT(screen.shown(), HasSubstr("  100 frames were lost: more came than was read\n"));
 }

@@ -2,6 +2,10 @@
 #include "runtime/FailureCollapser.h"
 #include "runtime/FailureText.h"
 #include "runtime/LineMessages.h"
+#include "runtime/OpenFailureText.h"
+#include "values/TimeText.h"
+
+#include <QDateTime>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -128,10 +132,37 @@ TEST(FailureText, TellsALineThatFailedFromSilence) {
                 HasSubstr("check that device and cable are still plugged in"));
 }
 
-TEST(FailureText, TellsWhatToCheckWhenALineCannotBeOpened) {
-    EXPECT_THAT(cannotOpenReason(smallSite().channels[0]),
-                AllOf(HasSubstr("cannot open udp://127.0.0.1:9"), HasSubstr("check the host name")));
-    EXPECT_THAT(cannotOpenReason(serialSite().channels[0]), HasSubstr("check that the device is there"));
+// Errors as the system tells them of real devices.
+TEST(OpenFailureText, TellsTheSystemsReasonAndWhatToDo) {
+    const host::LinkEnd usb = host::SerialEnd{"/dev/no-such-device", 12'345};
+    const auto reason = [&usb](std::errc error) { return cannotOpenReason(usb, static_cast<int>(error)); };
+    const std::string failed = "cannot open serial:/dev/no-such-device?baud=12345&parity=none&stop=1: ";
+    EXPECT_EQ(reason(std::errc::no_such_file_or_directory),
+              failed + "there is no device /dev/no-such-device; plug it in, or name the one that is there");
+    EXPECT_EQ(reason(std::errc::device_or_resource_busy),
+              failed +
+                  "another program has /dev/no-such-device open; end that program, or name another device");
+    EXPECT_THAT(reason(std::errc::permission_denied),
+                HasSubstr(": this user may not open /dev/no-such-device"));
+    EXPECT_THAT(reason(std::errc::invalid_argument),
+                HasSubstr("does not do baud=12345&parity=none&stop=1; choose a baud rate that it supports"));
+    EXPECT_THAT(reason(std::errc::inappropriate_io_control_operation), HasSubstr("is no serial device"));
+    EXPECT_THAT(
+        reason(std::errc::too_many_files_open),
+        HasSubstr("(error " + std::to_string(static_cast<int>(std::errc::too_many_files_open)) + ")"));
+}
+
+TEST(OpenFailureText, TellsAHostThatIsNotKnown) {
+    const host::LinkEnd end = host::UdpEnd{"pump-house.plant", 5050};
+    EXPECT_EQ(
+        cannotOpenReason(end, static_cast<int>(std::errc::host_unreachable)),
+        "cannot open udp://pump-house.plant:5050: no address is known for pump-house.plant, or no network "
+        "leads there; check the host name and the network");
+}
+
+TEST(OpenFailureText, KnowsADeviceThatIsInUse) {
+    EXPECT_TRUE(host::isInUse(static_cast<int>(std::errc::device_or_resource_busy)));
+    EXPECT_FALSE(host::isInUse(static_cast<int>(std::errc::no_such_device)));
 }
 
 TEST(FailureCollapser, TellsTheFirstOfAKindAtOnceAndTheOthersOnceAMinute) {
@@ -231,6 +262,16 @@ TEST(FailureCollapser, KeepsOneEntryAKindHoweverManyFailuresThereAre) {
     EXPECT_EQ(collapser.entries(), 1U);
 }
 
+TEST(LineMessages, TellsEachReasonForWhichALineCannotBeOpened) {
+    const host::Site site = serialSite();
+    host::Messages messages;
+    host::LineMessages teller(messages);
+    for (const std::errc error : {std::errc::no_such_device, std::errc::permission_denied})
+        for (int i = 0; i < 2; ++i)
+            teller.lineOpened(site.channels[0], false, static_cast<int>(error));
+    EXPECT_THAT(messages.take(), ElementsAre(HasSubstr("there is no device"), HasSubstr("may not open")));
+}
+
 TEST(LineMessages, TellsALineThatCannotBeOpened) {
     const host::Site site = smallSite();
     host::Messages messages;
@@ -245,12 +286,86 @@ TEST(LineMessages, TellsALineThatCannotBeOpened) {
     EXPECT_THAT(messages.take(), ElementsAre(HasSubstr("answers again")));
 }
 
+// A redundant line, whose ends the test opens as the driver does.
+class EndInUse : public testing::Test {
+protected:
+    EndInUse() { site.channels[0].secondary = host::UdpEnd{"127.0.0.2", 9}; }
+
+    void open(bool onSecondary) { teller.lineOpened(site.channels[0], onSecondary, 0); }
+    void answer(bool onSecondary) {
+        host::RequestEnd end;
+        end.channel = &site.channels[0];
+        end.rtu = &site.channels[0].rtus[0];
+        end.onSecondary = onSecondary;
+        teller.requestEnded(end);
+    }
+
+    host::Site site = smallSite();
+    host::Messages messages;
+    host::LineMessages teller{messages};
+    const std::string toSecondary =
+        "channel 4 \"waterworks\": changed over to its secondary end, udp://127.0.0.2:9";
+    const std::string toPrimary =
+        "channel 4 \"waterworks\": changed over to its primary end, udp://127.0.0.1:9";
+};
+
+TEST_F(EndInUse, IsToldWhenItChanges) {
+    open(false);
+    answer(false);
+    EXPECT_THAT(messages.take(), IsEmpty());
+    open(true);
+    open(true); // after a lost answer
+    answer(true);
+    EXPECT_THAT(messages.take(), ElementsAre(toSecondary));
+    open(false);
+    EXPECT_THAT(messages.take(), ElementsAre(toPrimary));
+}
+
+TEST_F(EndInUse, IsToldOnceWhenNoEndAnswers) {
+    for (int i = 0; i < 10; ++i) {
+        open(true);
+        open(false);
+    }
+    EXPECT_THAT(messages.take(), ElementsAre(toSecondary, toPrimary));
+}
+
+TEST_F(EndInUse, IsToldWheneverItAnswers) {
+    for (int i = 0; i < 3; ++i)
+        open(i % 2 == 0);
+    EXPECT_THAT(messages.take(), ElementsAre(toSecondary, toPrimary));
+    answer(true);
+    EXPECT_THAT(messages.take(), ElementsAre(HasSubstr("secondary end")));
+}
+
+TEST(Messages, CarryTheTimeAtWhichTheyWereTold) {
+    host::Messages messages;
+    const qint64 before = QDateTime::currentMSecsSinceEpoch();
+    messages.tell("x");
+    const std::vector<host::Message> taken = messages.takeWithTimes();
+    ASSERT_EQ(taken.size(), 1U);
+    EXPECT_GE(taken[0].timeMs, before);
+    EXPECT_LE(taken[0].timeMs, QDateTime::currentMSecsSinceEpoch());
+    EXPECT_EQ(messageLine(taken[0]), host::localTimeText(taken[0].timeMs) + "  x");
+}
+
+TEST(Messages, AreKeptAtOnceByWhoRecordsThem) {
+    host::Messages messages;
+    std::vector<std::string> kept;
+    messages.setKeeper([&kept](const host::Message& message) { kept.push_back(message.text); });
+    messages.tell("a");
+    EXPECT_THAT(kept, ElementsAre("a"));
+    messages.setKeeper(nullptr);
+    messages.tell("b");
+    EXPECT_THAT(kept, ElementsAre("a"));
+    EXPECT_THAT(messages.take(), ElementsAre("a", "b"));
+}
+
 TEST(Messages, TellsHowManyWereLost) {
     host::Messages messages;
     for (int i = 0; i < 20'003; ++i)
         messages.tell("x");
     const std::vector<std::string> taken = messages.take();
     ASSERT_EQ(taken.size(), 20'001U);
-    EXPECT_EQ(taken.back(), "3 messages were lost: they came faster than they were read");
+    EXPECT_EQ(taken.back(), "3 messages were lost: more came than was read");
     EXPECT_THAT(messages.take(), IsEmpty());
 }

@@ -80,6 +80,12 @@ TEST(LinkUrl, NamesTheBaudRatesThatTheSystemKnowsInstead) {
     EXPECT_EQ(remedyOf("serial:/dev/x?baud=4294967295"), "the nearest that it knows: 4000000");
 }
 
+TEST(LinkUrl, HintsAtTheBracketsOfAnIpv6Address) {
+    const host::LinkFault fault = parseLinkUrl("udp://::1").faults.at(0);
+    EXPECT_EQ(fault.what, "\"::1\" is an IPv6 address without its brackets");
+    EXPECT_EQ(fault.remedy, "write udp://[::1], or udp://[::1]:5050 with a port");
+}
+
 TEST(LinkUrl, SurvivesTheWayThroughItsText) {
     for (const char* const url :
          {"udp://10.0.0.1:5050", "udp://[::1]:5050", "serial:/dev/x?baud=1200&parity=odd&stop=2"})

@@ -1,5 +1,5 @@
 #include "SecondUserPosix.h"
-#include "cli/LogDirectory.h"
+#include "services/log/LogDirectory.h"
 
 #include <QTemporaryDir>
 

@@ -8,11 +8,17 @@
 
 // The program as its users meet it.
 
+using testing::ContainsRegex;
 using testing::HasSubstr;
+using testing::Not;
 
 namespace {
 
 constexpr int patienceMs = 60'000;
+
+// With the zone: "2026-11-22 10:30:00.125+01:00"
+const std::string timePattern =
+    "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}[+-][0-9]{2}:[0-9]{2}";
 
 struct Ending {
     int status = -1;
@@ -41,6 +47,12 @@ protected:
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(text);
         return path;
+    }
+
+    std::string contentsOf(const QString& name) {
+        QFile file(directory.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
+        return file.readAll().toStdString();
     }
 
     // One RTU that nobody plays.
@@ -137,7 +149,7 @@ TEST_F(Program, KeepsTheSummaryOutOfMachineReadableOutput) {
             run({QStringLiteral("run"), site, QStringLiteral("--for"), QStringLiteral("200ms"),
                  QStringLiteral("--format"), QString::fromLatin1(format)});
         EXPECT_THAT(ending.errors, HasSubstr("requests"));
-        EXPECT_THAT(ending.output, testing::Not(HasSubstr("requests")));
+        EXPECT_THAT(ending.output, Not(HasSubstr("requests")));
     }
 }
 
@@ -177,5 +189,70 @@ TEST_F(Program, WritesLogFiles) {
     const QString logs = directory.filePath(QStringLiteral("a/b"));
     run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"), QStringLiteral("500ms"),
          QStringLiteral("--log-dir"), logs});
-    EXPECT_FALSE(QDir(logs).entryList(QDir::Files).isEmpty());
+    EXPECT_EQ(QDir(logs).entryList(QDir::Files),
+              (QStringList{QStringLiteral("channel-1.log"), QStringLiteral("host.log")}));
+}
+
+TEST_F(Program, LogsTheMessagesThatPeopleRead) {
+    const Ending ending = run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"),
+                               QStringLiteral("500ms"), QStringLiteral("--log-dir"), directory.path()});
+    const std::string message = "RTU 1 \"tank\" (station 1): no answer within 100 ms";
+    EXPECT_THAT(ending.errors, ContainsRegex("^" + timePattern + "  channel 1 .*"));
+    EXPECT_THAT(ending.errors, HasSubstr(message));
+    const std::string log = contentsOf(QStringLiteral("host.log"));
+    EXPECT_THAT(log, ContainsRegex("^" + timePattern + " channel 1 .*"));
+    EXPECT_THAT(log, HasSubstr(message));
+}
+
+// The driver's own trace of such a telegram shows zeros for the answer that never came.
+TEST_F(Program, LogsTheTelegramsThatHavePassedTheWireAndNoOthers) {
+    run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"), QStringLiteral("500ms"),
+         QStringLiteral("--log-dir"), directory.path(), QStringLiteral("--frames")});
+    const std::string log = contentsOf(QStringLiteral("channel-1.log"));
+    EXPECT_THAT(log, HasSubstr("channel-1, station 1  << read R1  | 00 00 00 10 01 00 00 00 00 01 06 "));
+    EXPECT_THAT(log, HasSubstr("channel-1, station 1  >> no answer\n"));
+    EXPECT_THAT(log, Not(HasSubstr("eceive")));
+}
+
+TEST_F(Program, KeepsNoMoreLogFilesThanItIsToldTo) {
+    run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"), QStringLiteral("1s"),
+         QStringLiteral("--log-dir"), directory.path(), QStringLiteral("--frames"),
+         QStringLiteral("--log-size"), QStringLiteral("200B"), QStringLiteral("--log-files"),
+         QStringLiteral("2")});
+    const QStringList logs = QDir(directory.path()).entryList({QStringLiteral("channel-1*")}, QDir::Files);
+    EXPECT_EQ(logs, (QStringList{QStringLiteral("channel-1.1.log"), QStringLiteral("channel-1.log")}));
+    EXPECT_LE(contentsOf(QStringLiteral("channel-1.log")).size(), 200U);
+}
+
+TEST_F(Program, TellsEachPointThatIsNeverReadOnceInEveryStream) {
+    for (const char* const format : {"lines", "json", "csv"}) {
+        const Ending ending =
+            run({QStringLiteral("run"), silentSite(), QStringLiteral("--for"), QStringLiteral("200ms"),
+                 QStringLiteral("--format"), QString::fromLatin1(format)});
+        EXPECT_THAT(ending.output, HasSubstr("LEVEL")) << format;
+        EXPECT_EQ(ending.output.find("LEVEL"), ending.output.rfind("LEVEL")) << format;
+        EXPECT_THAT(ending.output, HasSubstr("never read")) << format;
+    }
+}
+
+TEST_F(Program, TellsItsVersion) {
+    const Ending ending = run({QStringLiteral("--version")});
+    EXPECT_EQ(ending.status, 0);
+    EXPECT_EQ(ending.output, "sbus-host " PROJECT_VERSION "\n");
+}
+
+TEST_F(Program, NamesTheCommandsThatThereAreInPlaceOfAnUnknownOne) {
+    EXPECT_THAT(run({QStringLiteral("fly"), QStringLiteral("--fast")}).errors,
+                HasSubstr("there is no command \"fly\"; it is one of run, check, "));
+    EXPECT_THAT(run({QStringLiteral("ctl"), silentSite(), QStringLiteral("fly")}).errors,
+                HasSubstr("there is no command \"fly\"; it is one of "));
+    EXPECT_THAT(run({}).errors, HasSubstr("a command is missing; it is one of run, "));
+    EXPECT_THAT(run({QStringLiteral("--fly")}).errors, Not(HasSubstr("a command is missing")));
+}
+
+TEST_F(Program, NamesTheSiteInTheUsageOfEveryControlCommand) {
+    const Ending ending =
+        run({QStringLiteral("ctl"), silentSite(), QStringLiteral("write"), QStringLiteral("--help")});
+    EXPECT_EQ(ending.status, 0);
+    EXPECT_THAT(ending.output, HasSubstr("Usage: sbus-host ctl SITE write [OPTIONS] VALUES..."));
 }

@@ -34,7 +34,7 @@ TEST_P(ReadOnEveryLine, PrintsALineForEachElement) {
     EXPECT_EQ(ending.status, 0);
     EXPECT_EQ(ending.errors, "");
     EXPECT_EQ(ending.output,
-              "R10 = 123\nR11 = -1\nR30 = 1.5\nF5 = 1\nI1 = 0\nI2 = 1\nT3 = 600\nC4 = 0\nR10 = 123\n");
+              "R10 = 123\nR11 = -1\nR30:float = 1.5\nF5 = 1\nI1 = 0\nI2 = 1\nT3 = 600\nC4 = 0\nR10 = 123\n");
 }
 
 TEST_P(ReadOnEveryLine, ReadsFiveThousandRegisters) {
@@ -158,13 +158,15 @@ TEST_F(Read, GoesOnWhenTheStationComesBack) {
     const Ending ending = endOf(program);
     EXPECT_EQ(ending.status, 3) << "some readings were good, but not all";
     EXPECT_THAT(ending.output, HasSubstr("R10 = 0\n"));
+    EXPECT_THAT(ending.errors, testing::ContainsRegex("sbus-host: [0-9-]+ [0-9:.]+[+-][0-9:]+  udp://"));
 }
 
 TEST_F(Read, TellsALineThatCannotBeOpened) {
     const Ending serial = run("read serial:/no/such/device R10");
     EXPECT_EQ(serial.status, 1);
     EXPECT_THAT(serial.errors,
-                AllOf(HasSubstr("cannot open serial:/no/such/device"), HasSubstr("sbus-host ctl")));
+                AllOf(HasSubstr("cannot open serial:/no/such/device"),
+                      HasSubstr("there is no device /no/such/device"), Not(HasSubstr("sbus-host ctl"))));
     const Ending ethernet = run("read udp://no-such-host.invalid R10");
     EXPECT_EQ(ethernet.status, 1);
     EXPECT_THAT(ethernet.errors, HasSubstr("check the host name and the network"));

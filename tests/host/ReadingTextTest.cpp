@@ -23,20 +23,20 @@ TEST(ReadingText, IsAddressAndValue) {
     Point point;
     point.address = {'R', 10};
     EXPECT_EQ(readingAsText(point, 123), "R10 = 123");
-    EXPECT_EQ(readingAsText(floatRegister(), static_cast<double>(1.1F)), "R30 = 1.1");
+    EXPECT_EQ(readingAsText(floatRegister(), static_cast<double>(1.1F)), "R30:float = 1.1");
 }
 
 TEST(ReadingText, HoldsTimeAndQualityInJson) {
     EXPECT_EQ(readingAsJson(floatRegister(), good),
-              R"({"address":"R30","value":1.1,"time":"2026-11-21T12:00:00.125Z","quality":"good"})");
+              R"({"address":"R30:float","value":1.1,"time":"2026-11-21T12:00:00.125Z","quality":"good"})");
     EXPECT_EQ(readingAsJson(floatRegister(), bad),
-              R"({"address":"R30","value":null,"time":null,"quality":"bad"})");
+              R"({"address":"R30:float","value":null,"time":null,"quality":"bad"})");
 }
 
 TEST(ReadingText, HoldsTimeAndQualityInCsv) {
     EXPECT_STREQ(readingCsvHeader, "address,value,time,quality");
-    EXPECT_EQ(readingAsCsv(floatRegister(), good), "R30,1.1,2026-11-21T12:00:00.125Z,good");
-    EXPECT_EQ(readingAsCsv(floatRegister(), bad), "R30,,,bad");
+    EXPECT_EQ(readingAsCsv(floatRegister(), good), "R30:float,1.1,2026-11-21T12:00:00.125Z,good");
+    EXPECT_EQ(readingAsCsv(floatRegister(), bad), "R30:float,,,bad");
 }
 
 TEST(ProgressText, FillsWithTheWork) {

@@ -74,6 +74,33 @@ TEST(Movement, LeavesWhatWasSetAlone) {
     EXPECT_EQ(memory.get(Media::Registers, 1), 60U);
 }
 
+TEST(Movement, MovesThePointsOfTheSiteWhereverTheyAre) {
+    const std::vector<SitePoint> points = {{Media::Flags, 4'001, false},     {Media::Registers, 5'000, false},
+                                           {Media::Registers, 5'100, true},  {Media::Timers, 1'000, false},
+                                           {Media::Counters, 1'001, false},  {Media::Registers, 50, true},
+                                           {Media::Registers, 60'000, true}, {Media::Outputs, 32, false}};
+    Memory memory;
+    movePoints(memory, 0, points, 15s);
+    EXPECT_EQ(memory.get(Media::Flags, 4'001), 1U);
+    EXPECT_EQ(memory.get(Media::Registers, 5'000), 150U);
+    EXPECT_EQ(memory.get(Media::Registers, 5'100), encodeFloatWord(100.0));
+    EXPECT_EQ(memory.get(Media::Timers, 1'000), 450U);
+    EXPECT_EQ(memory.get(Media::Counters, 1'001), 7U);
+    EXPECT_NEAR(memory.getFloat(Media::Registers, 50), 0.0, 0.001); // half a minute ahead of 5100
+    EXPECT_EQ(memory.get(Media::Outputs, 32), 0U);
+}
+
+// In a range that moves in the form of the point, the range has it.
+TEST(Movement, LeavesPointsThatMoveAnywayToTheirRange) {
+    Memory memory;
+    moveElements(memory, 0, 15s);
+    const std::uint32_t sine = memory.get(Media::Registers, 150);
+    movePoints(memory, 0, {{Media::Registers, 150, false}}, 15s);
+    EXPECT_EQ(memory.get(Media::Registers, 150), sine);
+    movePoints(memory, 0, {{Media::Registers, 400, false}}, 15s);
+    EXPECT_EQ(memory.get(Media::Registers, 400), 150U);
+}
+
 TEST(Movement, FitsIntoASmallMemory) {
     MemorySizes sizes;
     sizes.set(Media::Registers, 250);

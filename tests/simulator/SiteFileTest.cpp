@@ -75,6 +75,29 @@ TEST_F(SiteFile, GivesLinesAndStations) {
     EXPECT_THAT(site.lines[0].stations, ElementsAre(5, 6));
 }
 
+TEST_F(SiteFile, TakesTheModeOfTheRtuThatNamesOne) {
+    const std::string silentOne = "[[channel.rtu]]\nid = 9\nstation = 3\n";
+    EXPECT_EQ(load(serialChannel("break", "break") + silentOne).lines.at(0).framing, Framing::BreakMode);
+    EXPECT_EQ(load(serialChannel("data", "data") + silentOne).lines.at(0).framing, Framing::DataMode);
+}
+
+TEST_F(SiteFile, GivesThePointsOfEachStation) {
+    folder.write("pump-house.csv",
+                 "id,name,address,format\n1,RUN,O32,\n2,\"FLOW, M3\",r 300,Float\n3,NONE,,\n");
+    const Site site = load(waterworks + "[[channel.rtu.point]]\nid = 1\naddress = \"F7\"\n");
+    const std::vector<SitePoint>& pumpHouse = site.lines.at(0).points.at(5);
+    ASSERT_EQ(pumpHouse.size(), 2U);
+    EXPECT_EQ(pumpHouse[0].media, Media::Outputs);
+    EXPECT_EQ(pumpHouse[0].address, 32U);
+    EXPECT_FALSE(pumpHouse[0].isFloat);
+    EXPECT_EQ(pumpHouse[1].media, Media::Registers);
+    EXPECT_EQ(pumpHouse[1].address, 300U);
+    EXPECT_TRUE(pumpHouse[1].isFloat);
+    const std::vector<SitePoint>& tank = site.lines.at(0).points.at(6);
+    ASSERT_EQ(tank.size(), 1U);
+    EXPECT_EQ(tank[0].media, Media::Flags);
+}
+
 TEST_F(SiteFile, TakesTheModeOfTheRtuWithTheHighestId) {
     EXPECT_EQ(load(serialChannel("break", "data")).lines.at(0).framing, Framing::BreakMode);
     EXPECT_EQ(load(serialChannel("data", "break")).lines.at(0).framing, Framing::DataMode);

@@ -18,6 +18,9 @@ using Clock = std::chrono::steady_clock;
 // whoever waits for the process.
 constexpr std::chrono::milliseconds lastLinesTime{100};
 
+// Records are told from the lines of RTUs, whose ids begin at 0.
+constexpr int recordSource = -1;
+
 std::string fileLine(const LogLine& line) {
     const bool isFrame = line.route == LogLine::Route::Packet;
     const int code = isFrame ? static_cast<int>(line.packetType) : static_cast<int>(line.level);
@@ -63,7 +66,7 @@ void CLogger::Backend::write(const LogLine& line) {
         watchers->notify(line);
     const std::shared_lock<std::shared_mutex> lock(filesMutex);
     if (files && (!isFrame || filesTrace))
-        files->write(line.channelId, line.rtuId, isFrame, fileLine(line));
+        files->write({line.channelId, line.rtuId, isFrame}, std::chrono::system_clock::now(), fileLine(line));
 }
 
 void CLogger::Backend::useFiles(const LoggerSettings& settings) {
@@ -155,6 +158,13 @@ void CLogger::writeConPacket(int channelId, int rtuId, Halvex::PacketType type, 
     line.startsEntry = startsEntry;
     line.text = text;
     backend->write(line);
+}
+
+void CLogger::writeRecord(int channelId, std::chrono::system_clock::time_point time,
+                          const std::string& text) {
+    const std::shared_lock<std::shared_mutex> lock(backend->filesMutex);
+    if (backend->files)
+        backend->files->write({channelId, recordSource, false}, time, text);
 }
 
 void CLogger::configure(const LoggerSettings& settings) {

@@ -23,7 +23,7 @@ constexpr std::chrono::seconds retryInterval{1};
 
 // The name of the channel's logger is the name of its file.
 std::string fileStem(int channelId) {
-    return "channel-" + std::to_string(channelId);
+    return channelId == 0 ? "host" : "channel-" + std::to_string(channelId);
 }
 
 } // namespace
@@ -118,7 +118,7 @@ private:
         auto opened = std::make_unique<spdlog::sinks::rotating_file_sink_st>(
             settings.directory + "/" + stem + ".log", std::max<std::size_t>(settings.fileBytes, 1),
             rotatedFiles, false, unbuffered);
-        opened->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
+        opened->set_pattern("%Y-%m-%d %H:%M:%S.%e%z %v");
         return opened;
     }
 
@@ -147,11 +147,12 @@ std::shared_ptr<LogFiles> LogFiles::start(const LoggerSettings& settings,
     return files;
 }
 
-void LogFiles::write(int channelId, int rtuId, bool isFrame, const std::string& line) {
-    const auto logger = loggerOf(channelId);
+void LogFiles::write(const Source& source, std::chrono::system_clock::time_point time,
+                     const std::string& line) {
+    const auto logger = loggerOf(source.channelId);
     ++posted;
-    logger->log(spdlog::source_loc{"", rtuId, ""}, isFrame ? spdlog::level::trace : spdlog::level::info,
-                line);
+    logger->log(time, spdlog::source_loc{"", source.rtuId, ""},
+                source.isFrame ? spdlog::level::trace : spdlog::level::info, line);
 }
 
 bool LogFiles::flush(Clock::time_point deadline) {

@@ -25,13 +25,12 @@ struct LogCounters {
     std::atomic<std::uint64_t> collapsed{0};
 };
 
-// The log files of one configuration, "channel-<id>.log" and their rotated predecessors. Lines go through a
-// queue to a thread of its own, which alone touches the disk: a full queue loses its oldest line, a disk that
-// refuses a line loses that one, a slow disk delays nobody else.
-// A second thread reports repeats while the files are in use and waits for the disk at their end. It is
-// detached and shares ownership, so that a disk that hangs keeps nobody: neither those who let go of the
-// files nor the end of the process.
-// Threads: any; end() comes after the last write and flush.
+// The log files of one configuration, "channel-<id>.log", "host.log" for channel 0, and their rotated
+// predecessors. Lines go through a queue to a thread of its own, which alone touches the disk: a full queue
+// loses its oldest line, a disk that refuses a line loses that one, a slow disk delays nobody else. A second
+// thread reports repeats while the files are in use and waits for the disk at their end. It is detached and
+// shares ownership, so that a disk that hangs keeps nobody: neither those who let go of the files nor the end
+// of the process. Threads: any; end() comes after the last write and flush.
 class LogFiles {
 public:
     // Throws when no thread can be started. end() must follow: until then the files own themselves.
@@ -41,7 +40,13 @@ public:
     LogFiles& operator=(const LogFiles&) = delete;
     ~LogFiles();
 
-    void write(int channelId, int rtuId, bool isFrame, const std::string& line);
+    // Where a line comes from: lines that repeat are looked for among those of one source.
+    struct Source {
+        int channelId = 0;
+        int rtuId = 0;
+        bool isFrame = false;
+    };
+    void write(const Source& source, std::chrono::system_clock::time_point time, const std::string& line);
     // Whether everything written before this call is on the disk or dropped, and repeats reported, in time.
     bool flush(std::chrono::steady_clock::time_point deadline);
     // Has what is queued written out and the files closed, and returns at once.

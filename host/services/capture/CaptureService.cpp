@@ -134,7 +134,9 @@ std::string CaptureService::Writer::noteLoss(std::size_t frameCount) {
 
 std::string CaptureService::Writer::noteSuccess() {
     const std::uint64_t before = std::exchange(lostToRefusal, 0);
-    return before == 0 ? "" : "the disk takes frames again; " + std::to_string(before) + " were lost";
+    return before == 0 ? ""
+                       : "the disk takes frames again; " + std::to_string(before) +
+                             (before == 1 ? " was lost" : " were lost");
 }
 
 void CaptureService::Writer::tell(const std::string& text) {

@@ -2,6 +2,10 @@
 
 #include "StreamWriter.h"
 #include "runtime/ExchangeText.h"
+#include "site/CountText.h"
+#include "values/TimeText.h"
+
+#include <QDateTime>
 
 #include <ControlCharacters.h>
 
@@ -42,10 +46,10 @@ void ConsoleService::show() {
 }
 
 void ConsoleService::tellNews() {
-    output->tell(takeFrames());
-    std::vector<std::string> messages = site->messages.take();
-    for (std::string& message : messages) // they quote what systems and controllers say
-        message = text::printable(message);
+    output->showFrames(takeFrames());
+    std::vector<Message> messages = site->messages.takeWithTimes();
+    for (Message& message : messages) // they quote what systems and controllers say
+        message.text = text::printable(message.text);
     output->tell(messages);
 }
 
@@ -56,8 +60,8 @@ std::vector<std::string> ConsoleService::takeFrames() {
         for (std::string& line : exchangeLines(exchangeAsJson(site->site, exchange)))
             lines.push_back(std::move(line));
     if (taken.lost > 0)
-        lines.push_back(std::to_string(taken.lost) +
-                        " frames were lost: they came faster than they were read");
+        lines.push_back(localTimeText(QDateTime::currentMSecsSinceEpoch()) + "  " +
+                        countWereText(taken.lost, "frame") + " lost: more came than was read");
     return lines;
 }
 

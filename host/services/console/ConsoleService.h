@@ -30,6 +30,8 @@ public:
 
     // Changes that are not shown because they came faster than the output was read. After stop().
     std::uint64_t lostChanges() const { return lost.load(std::memory_order_acquire); }
+    // Messages that stood on a screen that is gone. After stop().
+    std::string lastWords() const { return output ? output->lastWords() : ""; }
     // Nobody reads standard output any more. Any thread.
     bool isClosed() const { return closed.load(std::memory_order_acquire); }
 

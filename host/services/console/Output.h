@@ -1,5 +1,7 @@
 #pragma once
 
+#include "runtime/Messages.h"
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -24,9 +26,14 @@ public:
 
     // Shows what is new. False when nobody reads the output any more.
     virtual bool update() = 0;
-    virtual void tell(const std::vector<std::string>& messages) = 0;
+    virtual void tell(const std::vector<Message>& messages) = 0;
+    // Lines that carry their times.
+    virtual void showFrames(const std::vector<std::string>& lines) = 0;
     // Shows what is left, and leaves the terminal as it was found.
     virtual void finish() = 0;
+    // What people may have missed because another screen was in its place, to be told behind the summary.
+    // After finish().
+    virtual std::string lastWords() const { return {}; }
     // Changes that are not shown because they came faster than the output was read.
     virtual std::uint64_t lostChanges() const = 0;
 };

@@ -25,7 +25,7 @@ std::string progressText(std::size_t done, std::size_t all) {
            std::to_string(done) + " of " + std::to_string(all);
 }
 
-ProgressBar::ProgressBar() : isTerminal(terminal::isErrorTerminal()) {}
+ProgressBar::ProgressBar() : isTerminal(terminal::isErrorTerminal() && terminal::understandsSequences()) {}
 
 ProgressBar::~ProgressBar() {
     erase();

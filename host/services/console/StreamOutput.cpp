@@ -2,6 +2,10 @@
 
 #include "StreamWriter.h"
 
+#include <QDateTime>
+
+#include <utility>
+
 namespace host {
 
 namespace {
@@ -12,26 +16,58 @@ constexpr std::size_t mostChangesAtOnce = 65'536;
 } // namespace
 
 StreamOutput::StreamOutput(Console& console, const ValueStore& valueStore,
-                           std::unique_ptr<ChangeText> textOfChanges, const std::string& header)
-    : out(console.out), error(console.error), points(valueStore.points()),
-      changeText(std::move(textOfChanges)), reader(valueStore) {
+                           std::unique_ptr<ChangeText> textOfChanges, const std::string& header,
+                           std::chrono::milliseconds patience)
+    : out(console.out), error(console.error), store(valueStore), changeText(std::move(textOfChanges)),
+      reader(valueStore), neverReadIsToldAt(Clock::now() + patience) {
     if (!header.empty())
         out.write(header + '\n');
 }
 
 bool StreamOutput::update() {
-    if (out.isIdle())
-        writeChanges();
+    if (!out.isIdle())
+        return out.isGood();
+    writeChanges();
+    if (Clock::now() >= neverReadIsToldAt)
+        tellNeverRead();
     return out.isGood();
 }
 
-void StreamOutput::tell(const std::vector<std::string>& messages) {
-    for (const std::string& message : messages)
-        error.write(message + '\n');
+void StreamOutput::tell(const std::vector<Message>& messages) {
+    for (const Message& message : messages)
+        error.write(messageLine(message) + '\n');
+}
+
+void StreamOutput::showFrames(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines)
+        error.write(line + '\n');
 }
 
 void StreamOutput::finish() {
     while (writeChanges()) {
+    }
+    tellNeverRead();
+}
+
+void StreamOutput::tellNeverRead() {
+    if (std::exchange(isNeverReadTold, true))
+        return;
+    const PointTable& points = store.points();
+    const qint64 nowMs = QDateTime::currentMSecsSinceEpoch();
+    std::vector<PointState> states;
+    for (PointIndex next = 0; next < points.size();) {
+        store.copyStates(next, points.size() - next, states);
+        std::string lines;
+        for (PointState& state : states) {
+            const PointIndex index = next++;
+            if (state.quality != PointQuality::NeverRead)
+                continue;
+            state.changeTimeMs = nowMs;
+            changeText->append(lines, points.at(index), state);
+            lines += '\n';
+        }
+        if (!lines.empty())
+            out.write(std::move(lines));
     }
 }
 
@@ -45,7 +81,7 @@ bool StreamOutput::writeChanges() {
     std::string lines;
     lines.reserve(changes.size() * usualLine);
     for (const PointChange& change : changes) {
-        changeText->append(lines, points.at(change.index), change.state);
+        changeText->append(lines, store.points().at(change.index), change.state);
         lines += '\n';
     }
     out.write(std::move(lines));

@@ -1,6 +1,7 @@
 #include "TableLayout.h"
 
 #include "runtime/ChannelText.h"
+#include "site/CountText.h"
 #include "values/ValueText.h"
 
 #include <algorithm>
@@ -39,128 +40,20 @@ std::string ageText(qint64 milliseconds) {
 }
 
 Style styleOf(PointQuality quality) {
-    return quality == PointQuality::Good  ? Style::Plain
-           : quality == PointQuality::Bad ? Style::Bad
-                                          : Style::Dim;
+    return quality == PointQuality::Good        ? Style::Plain
+           : quality == PointQuality::NeverRead ? Style::Dim
+                                                : Style::Bad;
 }
 
-class TableBuilder {
-public:
-    TableBuilder(const TableContents& tableContents, const terminal::Size& terminalSize)
-        : contents(tableContents), points(contents.values->points()), columns(terminalSize.columns) {
-        const std::size_t room = columns > fixedColumns ? columns - fixedColumns : 0;
-        nameColumns = std::max(leastNameColumns, std::min(contents.longestName, room));
-    }
-
-    // The first point of each page of `rows` lines. There is one page even without points.
-    std::vector<std::size_t> pageStarts(std::size_t rows) const {
-        std::vector<std::size_t> starts{0};
-        std::size_t used = 0;
-        for (const PointTable::Block& block : points.blocks()) {
-            std::size_t next = block.first;
-            while (next < block.end()) {
-                const std::size_t headings = headingsBefore(next, used == 0).count();
-                if (used > 0 && used + headings + 1 > rows) {
-                    starts.push_back(next);
-                    used = 0;
-                    continue;
-                }
-                const std::size_t room = rows > used + headings ? rows - used - headings : 1;
-                const std::size_t fitting = std::min(room, block.end() - next);
-                used += headings + fitting;
-                next += fitting;
-            }
-        }
-        return starts;
-    }
-
-    // The points from `first` to before `end`, under their headings.
-    std::vector<TableLine> pageLines(std::size_t first, std::size_t end) const {
-        std::vector<TableLine> lines;
-        std::vector<PointState> states;
-        contents.values->copyStates(static_cast<PointIndex>(first), end - first, states);
-        for (std::size_t i = first; i < first + states.size(); ++i) {
-            const PointRef ref = points.at(static_cast<PointIndex>(i));
-            const Headings headings = headingsBefore(i, i == first);
-            if (headings.ofChannel)
-                lines.push_back(line(Style::Heading, channelHeading(*ref.channel)));
-            if (headings.ofRtu)
-                lines.push_back(line(Style::Heading, rtuHeading(*ref.rtu)));
-            lines.push_back(pointLine(ref, states[i - first]));
-        }
-        return lines;
-    }
-
-    TableLine line(Style style, const std::string& text) const {
-        const std::string fitted = fitText(text, std::min<std::size_t>(columns, countCharacters(text)));
-        return {style, fitted};
-    }
-
-private:
-    struct Headings {
-        bool ofChannel;
-        bool ofRtu;
-
-        std::size_t count() const { return (ofChannel ? 1U : 0U) + (ofRtu ? 1U : 0U); }
-    };
-
-    Headings headingsBefore(std::size_t index, bool atPageTop) const {
-        const PointRef ref = points.at(static_cast<PointIndex>(index));
-        const PointRef before = index > 0 ? points.at(static_cast<PointIndex>(index - 1)) : PointRef();
-        return {atPageTop || ref.channel != before.channel, atPageTop || ref.rtu != before.rtu};
-    }
-
-    std::string channelHeading(const Channel& channel) const {
-        ChannelFigures figures{&channel, {}};
-        for (const ChannelFigures& one : contents.figures.channels)
-            if (one.channel == &channel)
-                figures = one;
-        return channel.name + "  " + toText(channel.type) + "  " + endInUseText(figures) +
-               troubleText(figures.status);
-    }
-
-    std::string rtuHeading(const Rtu& rtu) const {
-        std::string text = " " + rtu.name + "  station " + std::to_string(rtu.station);
-        if (!rtu.enabled)
-            return text + "  disabled";
-        const auto figures = std::find_if(contents.figures.rtus.begin(), contents.figures.rtus.end(),
-                                          [&rtu](const RtuFigures& one) { return one.rtu == &rtu; });
-        if (figures == contents.figures.rtus.end())
-            return text;
-        const RtuStatus& status = figures->status;
-        return text + (status.connected ? "  connected" : "  NOT CONNECTED") + "  " +
-               std::to_string(status.answers) + " answers  " + std::to_string(status.timeOuts) +
-               " time-outs  " + std::to_string(status.errors) + " errors  " +
-               millisecondsText(status.lastRoundTrip);
-    }
-
-    TableLine pointLine(const PointRef& ref, const PointState& state) const {
-        const std::string between(gap, ' ');
-        return line(
-            styleOf(state.quality),
-            between + fitText(ref.point->name, nameColumns) + between +
-                fitText(toText(ref.point->address), addressColumns) + between +
-                fitText(state.hasValue() ? valueText(*ref.point, state.value) : "-", valueColumns, true) +
-                between + fitText(toText(state.quality), qualityColumns) + between +
-                fitText(state.hasValue() ? ageText(contents.nowMs - state.valueTimeMs) : "", ageColumns,
-                        true));
-    }
-
-    const TableContents& contents;
-    const PointTable& points;
-    const std::size_t columns;
-    std::size_t nameColumns = leastNameColumns;
-};
+// The bytes of the first `characters` of `text` from `start` on.
+std::size_t bytesOf(const std::string& text, std::size_t start, std::size_t characters) {
+    std::size_t end = start;
+    while (end < text.size() && (isLaterByte(text[end]) || characters-- > 0))
+        ++end;
+    return end - start;
+}
 
 } // namespace
-
-std::size_t longestNameOf(const PointTable& points) {
-    std::size_t longest = 0;
-    for (const PointTable::Block& block : points.blocks())
-        for (const Point& point : block.rtu->points)
-            longest = std::max(longest, countCharacters(point.name));
-    return longest;
-}
 
 std::string fitText(const std::string& text, std::size_t columns, bool rightAligned) {
     std::string fitted;
@@ -175,25 +68,82 @@ std::string fitText(const std::string& text, std::size_t columns, bool rightAlig
     return rightAligned ? filling + fitted : fitted + filling;
 }
 
-TablePage layOutTable(const TableContents& contents, const terminal::Size& size, std::size_t page) {
-    const TableBuilder builder(contents, size);
-    const std::size_t rows = std::max(4U, size.rows); // below, nothing sensible can be shown
-    const std::size_t messageLines = std::min({contents.messages.size(), mostTableMessages, rows / 6});
-    const std::vector<std::size_t> starts = builder.pageStarts(rows - 1 - messageLines);
+std::string cutText(const std::string& text, std::size_t columns) {
+    return fitText(text, std::min(columns, countCharacters(text)));
+}
 
-    TablePage result;
-    result.pageCount = starts.size();
-    const std::size_t shown = page % starts.size();
-    const std::size_t end = shown + 1 < starts.size() ? starts[shown + 1] : contents.values->points().size();
-    const std::vector<TableLine> lines = builder.pageLines(starts[shown], end);
-    std::string title = contents.title + "  " + localTimeText(contents.nowMs).substr(0, 19);
-    if (starts.size() > 1)
-        title += "  page " + std::to_string(shown + 1) + " of " + std::to_string(starts.size());
-    result.lines.push_back(builder.line(Style::Dim, title));
-    result.lines.insert(result.lines.end(), lines.begin(), lines.end());
-    for (std::size_t i = contents.messages.size() - messageLines; i < contents.messages.size(); ++i)
-        result.lines.push_back(builder.line(Style::Bad, contents.messages[i]));
-    return result;
+std::vector<std::string> wrapText(const std::string& text, std::size_t columns, std::size_t indent) {
+    const std::size_t room = std::max<std::size_t>(1, columns);
+    const std::size_t indented = indent < room ? indent : 0;
+    std::vector<std::string> lines;
+    for (std::size_t start = 0; start < text.size() || lines.empty();) {
+        const std::size_t before = lines.empty() ? 0 : indented;
+        std::size_t length = bytesOf(text, start, room - before);
+        if (start + length < text.size()) {
+            const std::size_t blank = text.rfind(' ', start + length);
+            if (blank != std::string::npos && blank > start)
+                length = blank - start;
+        }
+        lines.push_back(fitText(std::string(before, ' ') + text.substr(start, length),
+                                before + countCharacters(text.substr(start, length))));
+        start += length;
+        while (start < text.size() && text[start] == ' ')
+            ++start;
+        if (text.empty())
+            break;
+    }
+    return lines;
+}
+
+std::string channelHeading(const ChannelFigures& figures) {
+    const Channel& channel = *figures.channel;
+    return channel.name + "  " + toText(channel.type) + "  " + endInUseText(figures) +
+           troubleText(figures.status);
+}
+
+std::string rtuHeading(const Rtu& rtu, const RtuFigures* figures) {
+    const std::string text = " " + rtu.name + "  station " + std::to_string(rtu.station);
+    if (!rtu.enabled)
+        return text + "  disabled";
+    if (figures == nullptr)
+        return text;
+    const RtuStatus& status = figures->status;
+    return text + (status.connected ? "  connected" : "  NOT CONNECTED") + "  " +
+           countText(status.answers, "answer") + "  " + countText(status.timeOuts, "time-out") + "  " +
+           countText(status.errors, "error") + "  " + millisecondsText(status.lastRoundTrip);
+}
+
+std::string channelHealth(const ChannelStatus& status) {
+    return std::string(status.connected ? "open" : "NOT OPEN") + "  " +
+           countText(status.failedOpens, "failed open") + "  " +
+           countText(status.channelErrors, "channel error") + "  " + countText(status.linkChanges, "change") +
+           " of ends  " + countText(status.scanOverruns, "scan overrun") + "  without a connection for " +
+           ageText(static_cast<qint64>(status.failedMs)) + " in all";
+}
+
+PointColumns::PointColumns(const PointTable& pointTable, bool withRtu) : hasRtu(withRtu) {
+    for (const PointTable::Block& block : pointTable.blocks()) {
+        const std::size_t before = withRtu ? countCharacters(block.rtu->name) + 1 : 0;
+        for (const Point& point : block.rtu->points)
+            longestName = std::max(longestName, before + countCharacters(point.name));
+    }
+}
+
+TableLine PointColumns::line(const PointRef& ref, const PointState& state, qint64 nowMs,
+                             std::size_t columns) const {
+    const std::size_t room = columns > fixedColumns ? columns - fixedColumns : 0;
+    const std::size_t nameColumns = std::max(leastNameColumns, std::min(longestName, room));
+    const std::string name = (hasRtu ? ref.rtu->name + '/' : "") + ref.point->name;
+    const std::string between(gap, ' ');
+    return {
+        styleOf(state.quality),
+        cutText(between + fitText(name, nameColumns) + between +
+                    fitText(toText(ref.point->address), addressColumns) + between +
+                    fitText(state.hasValue() ? valueText(*ref.point, state.value) : "-", valueColumns, true) +
+                    between + fitText(toText(state.quality), qualityColumns) + between +
+                    fitText(state.hasValue() ? ageText(nowMs - state.valueTimeMs) : "", ageColumns, true),
+                columns),
+        false};
 }
 
 } // namespace host

@@ -1,44 +1,48 @@
 #pragma once
 
-#include "Terminal.h"
 #include "runtime/HostRuntime.h"
 #include "values/ValueStore.h"
 
+#include <string>
+#include <vector>
+
 namespace host {
-
-// More of them would take too much of the table's room.
-constexpr std::size_t mostTableMessages = 4;
-
-// What a redraw of the table shows.
-struct TableContents {
-    std::string title;
-    qint64 nowMs = 0; // since 1970: what ages are counted from
-    const ValueStore* values = nullptr;
-    std::size_t longestName = 0; // of all points, in characters
-    SiteFigures figures;
-    std::vector<std::string> messages; // the newest last; as many as find room, mostTableMessages at most
-};
 
 struct TableLine {
     enum class Style { Plain, Heading, Bad, Dim };
     Style style = Style::Plain;
     std::string text;
+    bool isSelected = false;
 };
-
-struct TablePage {
-    std::vector<TableLine> lines; // no more than the terminal's rows, none wider than its columns
-    std::size_t pageCount = 1;
-};
-
-// Lays page `page` (counted round) of the table out for a terminal of `size`. Points that do not fit onto one
-// page go to the next ones, each under the headings of its channel and RTU.
-TablePage layOutTable(const TableContents& contents, const terminal::Size& size, std::size_t page);
 
 // `text` in a field of `columns` characters, cut or filled with blanks. Counts characters, not bytes, and
 // shows control characters as "?".
 std::string fitText(const std::string& text, std::size_t columns, bool rightAligned = false);
+// `text` without what goes beyond so many characters.
+std::string cutText(const std::string& text, std::size_t columns);
+// `text` in lines of at most so many characters, broken at blanks where there are some; those behind the
+// first one begin with `indent` blanks.
+std::vector<std::string> wrapText(const std::string& text, std::size_t columns, std::size_t indent);
 
-// For TableContents; looks at every name.
-std::size_t longestNameOf(const PointTable& points);
+// "waterworks  SBus-Ethernet  udp://127.0.0.1:5050  3 channel errors"
+std::string channelHeading(const ChannelFigures& figures);
+// " pump-house  station 5  connected  12 answers  0 time-outs  0 errors  0.03 ms"; `figures` may be null.
+std::string rtuHeading(const Rtu& rtu, const RtuFigures* figures);
+// What stands behind a channel's heading where it is looked at closer.
+std::string channelHealth(const ChannelStatus& status);
+
+// The columns of a table of points.
+class PointColumns {
+public:
+    // `withRtu`: names have their RTU's in front. Looks at every name.
+    PointColumns(const PointTable& pointTable, bool withRtu);
+
+    // The line of a point for a terminal of so many columns.
+    TableLine line(const PointRef& ref, const PointState& state, qint64 nowMs, std::size_t columns) const;
+
+private:
+    const bool hasRtu;
+    std::size_t longestName = 0;
+};
 
 } // namespace host

@@ -1,9 +1,9 @@
 #include "TableOutput.h"
 
 #include "StreamWriter.h"
-#include "TableLayout.h"
 #include "Terminal.h"
 #include "TerminalSequences.h"
+#include "site/CountText.h"
 
 #include <QDateTime>
 
@@ -15,70 +15,104 @@ constexpr std::chrono::milliseconds redrawPeriod{250};
 constexpr std::chrono::seconds pageTime{5};
 constexpr std::chrono::milliseconds lastWrite{200}; // for a terminal that is slow, or was stopped
 
-const char* sequenceFor(TableLine::Style style) {
-    switch (style) {
-    case TableLine::Style::Heading:
-        return terminal::bold;
-    case TableLine::Style::Bad:
-        return terminal::red;
-    case TableLine::Style::Dim:
-        return terminal::dim;
-    case TableLine::Style::Plain:
-        break;
-    }
-    return "";
-}
-
 } // namespace
 
 TableOutput::TableOutput(Console& console, const std::string& tableTitle, const ValueStore& valueStore,
                          FiguresSource figuresSource)
-    : out(console.out), error(console.error), title(tableTitle), store(valueStore),
-      longestName(longestNameOf(store.points())), figures(std::move(figuresSource)) {
+    : out(console.out), error(console.error), figures(std::move(figuresSource)), view(tableTitle, valueStore),
+      screen(terminal::mayUseColours()) {
     terminal::prepare();
-    terminal::noteScreenTaken(true);
-    out.write(terminal::enterScreen);
-    ownsTerminal = true;
+    takeTerminal();
 }
 
 TableOutput::~TableOutput() {
     finish();
 }
 
-bool TableOutput::update() {
-    const Clock::time_point now = Clock::now();
-    if (now - drawnAt < redrawPeriod || !out.isIdle())
-        return out.isGood();
-    drawnAt = now;
-    const TableContents contents{
-        title, QDateTime::currentMSecsSinceEpoch(), &store, longestName, figures(), newestMessages};
-    const auto page = static_cast<std::size_t>((now - startedAt) / pageTime);
-    std::string screen = terminal::home;
-    const TablePage laidOut = layOutTable(contents, terminal::size(), page);
-    for (const TableLine& line : laidOut.lines) {
-        screen += &line == &laidOut.lines.front() ? "" : "\r\n";
-        screen += sequenceFor(line.style) + line.text + terminal::plain + terminal::clearLineEnd;
-    }
-    out.write(screen + terminal::clearBelow);
-    return out.isGood();
+void TableOutput::takeTerminal() {
+    if (ownsTerminal || !terminal::isForeground())
+        return;
+    terminal::noteScreenTaken(true);
+    terminal::beginKeys();
+    out.write(terminal::enterScreen);
+    screen.forget();
+    ownsTerminal = true;
 }
 
-void TableOutput::tell(const std::vector<std::string>& messages) {
-    newestMessages.insert(newestMessages.end(), messages.begin(), messages.end());
-    if (newestMessages.size() > mostTableMessages)
-        newestMessages.erase(newestMessages.begin(), newestMessages.end() - mostTableMessages);
-    if (!terminal::isErrorTerminal())
-        for (const std::string& message : messages)
-            error.write(message + '\n');
-}
-
-void TableOutput::finish() {
+void TableOutput::leaveTerminal() {
     if (!ownsTerminal)
         return;
     ownsTerminal = false;
     out.write(terminal::leaveScreen);
-    if (out.waitUntilIdle(lastWrite))
+    const bool isWritten = out.waitUntilIdle(lastWrite);
+    terminal::endKeys();
+    if (isWritten)
         terminal::noteScreenTaken(false);
+}
+
+bool TableOutput::update() {
+    if (terminal::takeRestRequest()) {
+        leaveTerminal();
+        terminal::rest();
+    }
+    if (terminal::takeReturn() || !terminal::isForeground())
+        leaveTerminal(); // whoever had it meanwhile has set it for himself
+    takeTerminal();
+    if (!ownsTerminal)
+        return out.isGood();
+    const bool isAsked = handleKeys();
+    const Clock::time_point now = Clock::now();
+    if (!view.isInHand() && now - turnedAt >= pageTime) {
+        turnedAt = now;
+        view.turnPage();
+    }
+    if ((isAsked || now - drawnAt >= redrawPeriod) && out.isIdle())
+        draw();
+    return out.isGood();
+}
+
+bool TableOutput::handleKeys() {
+    const std::vector<TableKey> pressed = keys.decode(terminal::readKeys());
+    for (const TableKey& key : pressed)
+        view.handle(key);
+    return !pressed.empty();
+}
+
+void TableOutput::draw() {
+    drawnAt = Clock::now();
+    const terminal::Size size = terminal::size();
+    std::string text = screen.draw(view.rows(size, QDateTime::currentMSecsSinceEpoch(), figures()), size);
+    if (!text.empty())
+        out.write(std::move(text));
+}
+
+void TableOutput::tell(const std::vector<Message>& messages) {
+    for (const Message& message : messages) {
+        view.tell(message);
+        if (!terminal::isErrorTerminal())
+            error.write(messageLine(message) + '\n');
+    }
+}
+
+void TableOutput::showFrames(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines)
+        error.write(line + '\n');
+}
+
+void TableOutput::finish() {
+    leaveTerminal();
+}
+
+// What was written to another place as it came is not repeated.
+std::string TableOutput::lastWords() const {
+    if (!terminal::isErrorTerminal())
+        return {};
+    std::string text;
+    if (view.forgottenMessages() > 0)
+        text = countText(view.forgottenMessages(), "message") + " before these\n";
+    for (const Message& message : view.messages())
+        text += messageLine(message) + '\n';
+    return text;
 }
 
 } // namespace host

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Output.h"
+#include "Screen.h"
+#include "TableView.h"
 
 #include <chrono>
 
@@ -9,8 +11,9 @@ namespace host {
 class StreamWriter;
 struct Console;
 
-// A table on the terminal that redraws itself. Takes the terminal over until finish(). Pages that do not fit
-// take turns. Messages appear below the table, and on standard error too where that is another place.
+// A table on the terminal that redraws itself and obeys keys. Takes the terminal over until finish(), and
+// gives it back while the program rests or works in the background. Where nobody has touched a key, pages
+// that do not fit take turns.
 class TableOutput : public Output {
 public:
     TableOutput(Console& console, const std::string& tableTitle, const ValueStore& valueStore,
@@ -18,23 +21,31 @@ public:
     ~TableOutput() override;
 
     bool update() override;
-    void tell(const std::vector<std::string>& messages) override;
+    // Messages appear below the table, and on standard error too where that is another place.
+    void tell(const std::vector<Message>& messages) override;
+    void showFrames(const std::vector<std::string>& lines) override;
     void finish() override;
     std::uint64_t lostChanges() const override { return 0; } // it shows states
+    std::string lastWords() const override;
 
 private:
     using Clock = std::chrono::steady_clock;
 
+    void takeTerminal();
+    void leaveTerminal();
+    // Whether a key has come.
+    bool handleKeys();
+    void draw();
+
     StreamWriter& out;
     StreamWriter& error;
-    const std::string title;
-    const ValueStore& store;
-    const std::size_t longestName;
     const FiguresSource figures;
+    TableView view;
+    Screen screen;
+    KeyDecoder keys;
     bool ownsTerminal = false;
-    const Clock::time_point startedAt = Clock::now();
+    Clock::time_point turnedAt = Clock::now();
     Clock::time_point drawnAt{};
-    std::vector<std::string> newestMessages;
 };
 
 } // namespace host

@@ -3,6 +3,7 @@
 #include "TerminalSequences.h"
 
 #include <atomic>
+#include <cstdlib>
 
 namespace host::terminal {
 
@@ -18,8 +19,15 @@ void noteScreenTaken(bool taken) {
 }
 
 void restoreInSignal() {
-    if (isScreenTaken)
-        writeInSignal(leaveScreen, sizeof leaveScreen - 1);
+    if (!isScreenTaken)
+        return;
+    writeInSignal(leaveScreen, sizeof leaveScreen - 1);
+    endKeys();
+}
+
+bool mayUseColours() {
+    const char* const refusal = std::getenv("NO_COLOR");
+    return refusal == nullptr || *refusal == '\0';
 }
 
 } // namespace host::terminal

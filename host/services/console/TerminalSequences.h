@@ -11,6 +11,7 @@ constexpr char clearBelow[] = "\x1b[J";
 constexpr char bold[] = "\x1b[1m";
 constexpr char red[] = "\x1b[31m";
 constexpr char dim[] = "\x1b[2m";
+constexpr char reverse[] = "\x1b[7m";
 constexpr char plain[] = "\x1b[0m";
 
 } // namespace host::terminal

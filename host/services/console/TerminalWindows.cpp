@@ -36,6 +36,33 @@ void prepare() {
     SetConsoleOutputCP(CP_UTF8);
 }
 
+// Keys are not read here: pages take turns.
+bool understandsSequences() {
+    return true;
+}
+
+bool isForeground() {
+    return true;
+}
+
+void beginKeys() {}
+
+void endKeys() {}
+
+std::string readKeys() {
+    return {};
+}
+
+bool takeRestRequest() {
+    return false;
+}
+
+bool takeReturn() {
+    return false;
+}
+
+void rest() {}
+
 void survivePipeEnd() {} // a write to a closed pipe fails here without a signal
 
 void writeInSignal(const char* text, std::size_t length) {

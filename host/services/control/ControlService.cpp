@@ -3,6 +3,7 @@
 #include "commands/CommandPlan.h"
 #include "values/ValueText.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 
 #include <algorithm>
@@ -329,8 +330,11 @@ bool ControlService::tellCurrentValues(ClientId client, std::size_t most) {
         }
         const std::size_t wanted = std::min<std::size_t>(most, block.end() - watch.nextCurrent);
         const std::uint64_t firstChange = store.copyStates(watch.nextCurrent, wanted, states);
-        for (const PointState& state : states)
+        for (PointState& state : states) {
+            if (state.quality == PointQuality::NeverRead)
+                state.changeTimeMs = QDateTime::currentMSecsSinceEpoch();
             settings.send(client, changeLine(points.at(watch.nextCurrent++), state));
+        }
         watch.pieces.push_back({watch.nextCurrent, firstChange});
         most -= states.size();
     }

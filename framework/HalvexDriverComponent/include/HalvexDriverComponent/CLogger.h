@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -42,8 +43,8 @@ struct LoggerFigures {
     std::uint64_t collapsed = 0; // repeats of the line before, reported as one line with their count
 };
 
-// The host's log: one file per channel, written behind the caller's back, and subscribers that see each
-// line as it comes. No operation waits for a disk or throws. Any thread.
+// The host's log: one file per channel and one of the host itself, written behind the caller's back, and
+// subscribers that see each line as it comes. No operation waits for a disk or throws. Any thread.
 class HALVEXDRIVERCOMPONENT_EXPORT CLogger {
 public:
     static CLogger* GetInstance();
@@ -53,6 +54,10 @@ public:
     // Returns at once while nobody looks at the frame trace.
     void writeConPacket(int channelId, int rtuId, Halvex::PacketType type, const QString& text,
                         bool startsEntry);
+
+    // A record of the host's own for a channel's file, as it is and with its own time; channel 0 is the host
+    // itself, whose file is "host.log". Subscribers do not see it.
+    void writeRecord(int channelId, std::chrono::system_clock::time_point time, const std::string& text);
 
     // Replaces the settings; lines written before go where they were meant to. Host's main thread.
     void configure(const LoggerSettings& settings);

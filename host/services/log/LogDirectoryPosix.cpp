@@ -49,7 +49,8 @@ std::string makeDirectory(const std::string& path) {
 }
 
 bool isLogFile(const files::path& file) {
-    return file.filename().string().rfind("channel-", 0) == 0;
+    const std::string name = file.filename().string();
+    return name.rfind("channel-", 0) == 0 || name.rfind("host.", 0) == 0;
 }
 
 } // namespace
