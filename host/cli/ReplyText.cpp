@@ -120,6 +120,21 @@ std::string tableText(const std::vector<Row>& rows) {
     return table;
 }
 
+// "capture  frames 12  lost 0", a line for each.
+std::string servicesText(const QJsonObject& services) {
+    std::string lines;
+    for (auto service = services.begin(); service != services.end(); ++service) {
+        const QJsonObject figures = service.value().toObject();
+        lines += service.key().toStdString();
+        for (QString name : figures.keys()) {
+            const std::string value = numberText(figures, name.toUtf8().constData());
+            lines += "  " + name.replace(QLatin1Char('_'), QLatin1Char(' ')).toStdString() + " " + value;
+        }
+        lines += '\n';
+    }
+    return lines;
+}
+
 } // namespace
 
 std::string resultsText(const QJsonObject& reply) {
@@ -139,7 +154,7 @@ std::string statusText(const QJsonObject& reply) {
             rows.push_back(rowFor(rtu.toObject()));
         tables += channelHeading(channel) + '\n' + tableText(rows);
     }
-    return tables;
+    return tables + servicesText(reply.value(QStringLiteral("services")).toObject());
 }
 
 std::string changeText(const QJsonObject& change) {

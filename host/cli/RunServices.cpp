@@ -41,6 +41,7 @@ RunServices::RunServices(const RunOptions& options, OutputFormat format, const H
     runningSite = std::make_unique<RunningSite>(runningSiteOf(host, *pulses));
     if (options.log) // the first: it starts before, and ends after, all that have something to say
         services.push_back(std::make_unique<SiteLog>(*options.log));
+    runningSite->serviceFigures = [this] { return figures(); };
     services.push_back(std::move(pulses));
     services.push_back(std::make_unique<ClockSchedule>(host.site, host.dispatcher, tell));
     auto shown = std::make_unique<ConsoleService>(
@@ -49,6 +50,7 @@ RunServices::RunServices(const RunOptions& options, OutputFormat format, const H
     services.push_back(std::move(shown));
     if (options.capture)
         services.push_back(std::make_unique<CaptureService>(*options.capture));
+    // The last one to start and the first to stop: it tells the others' figures.
     if (options.takesControl)
         services.push_back(std::make_unique<ControlSocket>(options.controlPath, options.sitePath));
 }
@@ -66,6 +68,13 @@ std::string RunServices::start() {
         }
     }
     return {};
+}
+
+std::vector<ServiceFigures> RunServices::figures() const {
+    std::vector<ServiceFigures> all;
+    for (const std::unique_ptr<Service>& service : services)
+        all.push_back({service->name(), service->figures()});
+    return all;
 }
 
 void RunServices::stop() {

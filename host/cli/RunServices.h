@@ -43,6 +43,9 @@ public:
     PulseSupervisor& pulses() { return *pulseSupervisor; }
 
 private:
+    std::string startOne(Service& service);
+    std::vector<ServiceFigures> figures() const;
+
     std::vector<std::unique_ptr<Service>> services;
     const ConsoleService* consoleService = nullptr; // one of them
     PulseSupervisor* pulseSupervisor = nullptr;     // another one

@@ -4,6 +4,7 @@
 #include "runtime/ExchangeFeed.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/Messages.h"
+#include "services/ServiceFigures.h"
 #include "values/ValueStore.h"
 
 #include <functional>
@@ -22,6 +23,10 @@ struct RunningSite {
     std::function<Halvex::DriverErrorResult(int channelId, int rtuId)> requestPoll;
     // Whether the last request of an RTU that failed was refused by its controller.
     std::function<bool(int channelId, int rtuId)> wasRefused;
+    // What the services tell of themselves.
+    std::function<std::vector<ServiceFigures>()> serviceFigures = [] {
+        return std::vector<ServiceFigures>();
+    };
 };
 
 } // namespace host

@@ -1,18 +1,13 @@
 #pragma once
 
-#include <cstdint>
+#include "ServiceFigures.h"
+
 #include <string>
 #include <vector>
 
 namespace host {
 
 struct RunningSite;
-
-// A figure that a service tells of itself: "clients" 3, "lost" 0.
-struct ServiceFigure {
-    std::string name;
-    std::uint64_t value = 0;
-};
 
 // What runs beside the lines of a site: shows its values, takes commands, keeps a record. None can hold up a
 // line: each works on a thread of its own, what waits for it is bounded, and what it loses is one of its

@@ -136,7 +136,9 @@ TEST_F(ControlledProgram, ShowsTheStatusAsATable) {
     const Ending ending = ctl("status");
     EXPECT_EQ(ending.status, 0);
     EXPECT_THAT(ending.output, AllOf(HasSubstr("waterworks  SBus-Ethernet  udp://127.0.0.1:"),
-                                     HasSubstr("pump-house        5  connected"), HasSubstr("never read")));
+                                     HasSubstr("pump-house        5  connected"), HasSubstr("never read"),
+                                     HasSubstr("\nconsole  lost 0\n")));
+    EXPECT_THAT(ctl("status --format json").output, HasSubstr(R"("pulses":{"switched_off":0,"watched":0})"));
 }
 
 TEST_F(ControlledProgram, PollsOnDemandAndShowsWhatHasChanged) {

@@ -61,7 +61,7 @@ TEST(ControlReplyText, TellsTheStatusAsATable) {
     const Site site = controlSite();
     const FakeHost fake(site);
     const HostFigures figures = fake.siteFigures();
-    const std::string table = statusText(statusParts(figures.channels, figures.rtus));
+    const std::string table = statusText(statusParts(figures));
     EXPECT_EQ(
         table.substr(0, table.find("reservoirs")),
         "waterworks  SBus-Ethernet  udp://127.0.0.1:9  connected\n"
@@ -70,6 +70,16 @@ TEST(ControlReplyText, TellsTheStatusAsATable) {
         " pump-house        5  connected         0       12          0       0  1.50 ms  0.00 ms     0    0  "
         "         3\n");
     EXPECT_THAT(table, HasSubstr("disabled"));
+}
+
+TEST(ControlReplyText, TellsWhatTheServicesTellOfThemselves) {
+    HostFigures figures;
+    figures.services = {
+        {"pulses", {{"watched", 2}, {"switched off", 1}}}, {"capture", {{"lost", 7}}}, {"control", {}}};
+    const QJsonObject parts = statusParts(figures);
+    EXPECT_EQ(QJsonDocument(parts).toJson(QJsonDocument::Compact),
+              R"({"channels":[],"services":{"capture":{"lost":7},"pulses":{"switched_off":1,"watched":2}}})");
+    EXPECT_EQ(statusText(parts), "capture  lost 7\npulses  switched off 1  watched 2\n");
 }
 
 TEST(ControlReplyText, TellsAChangeAsALine) {

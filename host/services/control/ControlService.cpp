@@ -258,7 +258,7 @@ void ControlService::handle(ClientId client, const QJsonValue& id, const StatusR
     const Clock::time_point now = settings.now();
     if (!statusTime || now - *statusTime >= statusAge) {
         const HostFigures figures = controlled.siteFigures();
-        statusCache = statusParts(figures.channels, figures.rtus);
+        statusCache = statusParts(figures);
         statusTime = now;
     }
     settings.send(client, reply(id, true, statusCache));

@@ -66,7 +66,7 @@ Halvex::DriverErrorResult ControlSocket::requestPoll(int channelId, int rtuId) {
 
 HostFigures ControlSocket::siteFigures() const {
     const SiteFigures figures = running->figures();
-    return {figures.channels, collectOutcomes(figures.rtus, running->values)};
+    return {figures.channels, collectOutcomes(figures.rtus, running->values), running->serviceFigures()};
 }
 
 } // namespace host

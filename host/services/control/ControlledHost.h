@@ -3,12 +3,14 @@
 #include "commands/Command.h"
 #include "runtime/ExchangeFeed.h"
 #include "runtime/RtuOutcome.h"
+#include "services/ServiceFigures.h"
 
 namespace host {
 
 struct HostFigures {
     std::vector<ChannelFigures> channels;
     std::vector<RtuOutcome> rtus;
+    std::vector<ServiceFigures> services;
 };
 
 // The running host, as the control server sees it. Called on the server's thread.

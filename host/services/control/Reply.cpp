@@ -75,6 +75,19 @@ QJsonObject toJson(const ChannelFigures& figures, const QJsonArray& rtus) {
             {QStringLiteral("rtus"), rtus}};
 }
 
+// "switched off" is "switched_off" here. A service without figures tells nothing.
+QJsonObject toJson(const std::vector<ServiceFigures>& services) {
+    QJsonObject all;
+    for (const ServiceFigures& service : services) {
+        QJsonObject own;
+        for (const ServiceFigure& figure : service.figures)
+            own.insert(text(figure.name).replace(QLatin1Char(' '), QLatin1Char('_')), number(figure.value));
+        if (!own.isEmpty())
+            all.insert(text(service.name), own);
+    }
+    return all;
+}
+
 } // namespace
 
 bool isSuccess(const CommandOutcome& outcome) {
@@ -118,16 +131,16 @@ QByteArray reply(const QJsonValue& id, bool ok, QJsonObject parts) {
     return QJsonDocument(parts).toJson(QJsonDocument::Compact);
 }
 
-QJsonObject statusParts(const std::vector<ChannelFigures>& channels, const std::vector<RtuOutcome>& rtus) {
+QJsonObject statusParts(const HostFigures& figures) {
     QJsonArray list;
-    for (const ChannelFigures& one : channels) {
+    for (const ChannelFigures& one : figures.channels) {
         QJsonArray own;
-        for (const RtuOutcome& outcome : rtus)
+        for (const RtuOutcome& outcome : figures.rtus)
             if (outcome.figures.channel == one.channel)
                 own.append(toJson(outcome));
         list.append(toJson(one, own));
     }
-    return {{QStringLiteral("channels"), list}};
+    return {{QStringLiteral("channels"), list}, {QStringLiteral("services"), toJson(figures.services)}};
 }
 
 } // namespace host

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "ControlledHost.h"
 #include "SiteNames.h"
-#include "runtime/RtuOutcome.h"
 
 #include <HalvexDriverComponent/Halvex.h>
 
@@ -44,7 +44,7 @@ QByteArray errorReply(const QJsonValue& id, ReplyFault code, const std::string& 
 // {"id":..., "ok":..., parts}
 QByteArray reply(const QJsonValue& id, bool ok, QJsonObject parts);
 
-// {"channels":[...]}
-QJsonObject statusParts(const std::vector<ChannelFigures>& channels, const std::vector<RtuOutcome>& rtus);
+// {"channels":[...], "services":{...}}
+QJsonObject statusParts(const HostFigures& figures);
 
 } // namespace host
