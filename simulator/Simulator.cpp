@@ -6,6 +6,7 @@
 
 #include <future>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 
 #include <asio/executor_work_guard.hpp>
@@ -59,14 +60,23 @@ std::string Simulator::start() {
         return {};
     running = std::make_unique<Running>();
     std::string error = openEnds();
-    if (!error.empty()) {
+    if (error.empty())
+        error = startThread();
+    if (!error.empty())
         running.reset();
-        return error;
-    }
+    return error;
+}
+
+std::string Simulator::startThread() {
     if (options.move)
         moveAndWait(Clock::now());
-    running->thread = std::thread([this] { running->context.run(); });
-    return {};
+    try {
+        running->thread = std::thread([this] { running->context.run(); });
+        return {};
+    } catch (const std::system_error&) {
+        return "the system has no thread to give for the controllers; raise its limit of processes and "
+               "threads (ulimit -u), or end other programs";
+    }
 }
 
 void Simulator::stop() {

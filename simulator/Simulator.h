@@ -69,6 +69,7 @@ private:
 
     Line& line(int lineId) const;
     std::string openEnds();
+    std::string startThread();
     void moveAndWait(Clock::time_point begin);
     // Calls function(LineEnd&) on the simulator's thread, waits for it and returns what it returned; while
     // stopped, calls nothing and returns a default.

@@ -6,6 +6,7 @@
 #include "plan/LineChecks.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/LineMessages.h"
+#include "runtime/StartThread.h"
 #include "services/console/ConsoleService.h"
 #include "services/console/StopSignal.h"
 #include "services/console/StreamWriter.h"
@@ -115,11 +116,15 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
         });
     RunServices services(options, format, {site, store, messages, runtime, dispatcher, console});
     fault = services.start();
+    if (!fault.empty())
+        return failed(fault);
+    fault = runtime.run();
     if (!fault.empty()) {
-        dispatcher.stop(); // before the services that it tells results are gone
+        services.stop();
+        dispatcher.stop();
+        runtime.stopAtOnce();
         return failed(fault);
     }
-    runtime.run();
     stopsignal::holdSecond();
     OutputWatch output(options, console, services.console());
     waitForTheEnd(options, output);

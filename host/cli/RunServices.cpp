@@ -1,6 +1,7 @@
 #include "RunServices.h"
 
 #include "commands/CommandDispatcher.h"
+#include "runtime/StartThread.h"
 #include "services/capture/CaptureService.h"
 #include "services/clocks/ClockSchedule.h"
 #include "services/console/ConsoleService.h"
@@ -59,9 +60,17 @@ RunServices::~RunServices() {
     stop();
 }
 
+std::string RunServices::startOne(Service& service) {
+    try {
+        return service.start(*runningSite);
+    } catch (const ThreadRefused& refusal) {
+        return refusal.what();
+    }
+}
+
 std::string RunServices::start() {
     for (const std::unique_ptr<Service>& service : services) {
-        std::string fault = service->start(*runningSite);
+        std::string fault = startOne(*service);
         if (!fault.empty()) {
             stop();
             return fault;

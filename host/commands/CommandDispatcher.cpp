@@ -4,6 +4,7 @@
 #include "DriverCall.h"
 #include "plan/CommandTimeLimit.h"
 #include "runtime/FailureText.h"
+#include "runtime/StartThread.h"
 
 #include <HalvexDriverComponent/CReply.h>
 #include <HalvexDriverComponent/CRtu.h>
@@ -43,7 +44,7 @@ CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& f
                                      AskIfRefused askIfRefused, const TimeLimit& timeLimit)
     : isRefused(std::move(askIfRefused)), mailbox(std::make_shared<Mailbox>()) {
     addLines(commandedSite, findRtu, timeLimit);
-    thread = std::thread([this] { run(); });
+    thread = startThread("the commands", [this] { run(); });
 }
 
 CommandDispatcher::~CommandDispatcher() {

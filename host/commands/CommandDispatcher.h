@@ -43,7 +43,8 @@ public:
     static constexpr std::chrono::milliseconds longestReopening{500};
 
     // Asks `findRtu` for every RTU of the site at once and never again. Asks `askIfRefused` on the channels'
-    // threads whether a command that the driver takes for done was refused; it must outlive the RTUs.
+    // threads whether a command that the driver takes for done was refused; it must outlive the RTUs. Throws
+    // ThreadRefused.
     CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu, AskIfRefused askIfRefused);
     CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu, AskIfRefused askIfRefused,
                       const TimeLimit& timeLimit);

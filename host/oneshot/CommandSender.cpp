@@ -10,9 +10,8 @@
 #include <HalvexDriverComponent/CReply.h>
 #include <HalvexDriverComponent/CRtu.h>
 
-#include <algorithm>
 #include <future>
-#include <limits>
+#include <memory>
 #include <thread>
 #include <utility>
 
@@ -111,9 +110,12 @@ CommandEnding CommandSender::send(const CommandAction& action) {
             writeEnd.reset();
         }
         auto* const reply = new CReply(rtu->GetChannel());
+        const auto promise = std::make_shared<std::promise<DriverErrorResult>>();
+        std::future<DriverErrorResult> replied = promise->get_future();
+        reply->notify([promise](DriverErrorResult result) { promise->set_value(result); });
         const auto answer = static_cast<DriverErrorResult>(callDriver(*rtu, action, reply));
         if (answer == DriverErrorResult::Success) {
-            const DriverErrorResult result = awaitReply(reply);
+            const DriverErrorResult result = awaitReply(replied);
             if (result == DriverErrorResult::ChannelError && !hasSentWrite() && tries < mostTries)
                 continue;
             return endingOf(result);
@@ -124,21 +126,16 @@ CommandEnding CommandSender::send(const CommandAction& action) {
     }
 }
 
-// The wait for a reply cannot be taken up again once it is over, so it is left to another thread while this
-// one looks for a signal. The end of the channel ends it, too.
-DriverErrorResult CommandSender::awaitReply(CReply* reply) {
-    const auto longest = 2 * line.timeout + std::chrono::milliseconds(patienceBeyondTimeOut);
-    const int patience =
-        static_cast<int>(std::min<long long>(longest.count(), std::numeric_limits<int>::max()));
-    std::future<std::optional<DriverErrorResult>> result =
-        std::async(std::launch::async, [reply, patience] { return reply->wait(patience); });
-    while (result.wait_for(lookPeriod) != std::future_status::ready) {
-        if (!stopsignal::isRequested())
-            continue;
-        runtime.stopAtOnce();
-        break;
+// A signal ends the wait, because the end of the channel ends the reply.
+DriverErrorResult CommandSender::awaitReply(std::future<DriverErrorResult>& replied) {
+    const Clock::time_point patience = Clock::now() + 2 * line.timeout + patienceBeyondTimeOut;
+    while (replied.wait_for(lookPeriod) != std::future_status::ready) {
+        if (stopsignal::isRequested())
+            runtime.stopAtOnce();
+        else if (Clock::now() > patience)
+            return DriverErrorResult::TimeOut;
     }
-    return result.get().value_or(DriverErrorResult::TimeOut);
+    return replied.get();
 }
 
 CommandEnding CommandSender::endingOf(DriverErrorResult result) {

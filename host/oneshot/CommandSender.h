@@ -7,10 +7,9 @@
 #include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
 #include <HalvexDriverLink/CLink.h>
 
+#include <future>
 #include <mutex>
 #include <optional>
-
-class CReply;
 
 namespace host {
 
@@ -52,7 +51,7 @@ private:
     // Why there is no line; empty when it is open.
     std::string awaitLine();
     bool hasSentWrite() const;
-    Halvex::DriverErrorResult awaitReply(CReply* reply);
+    Halvex::DriverErrorResult awaitReply(std::future<Halvex::DriverErrorResult>& replied);
     CommandEnding endingOf(Halvex::DriverErrorResult result);
 
     const ControllerLine line;

@@ -1,6 +1,7 @@
 #include "HostRuntime.h"
 
 #include "FailureText.h"
+#include "StartThread.h"
 
 #include <HalvexAbstractDriver/DriverPluginInterface.h>
 #include <HalvexDriverComponent/CChannel.h>
@@ -44,14 +45,19 @@ HostRuntime::~HostRuntime() {
 
 std::string HostRuntime::start(const std::string& pluginPath) {
     std::string fault = prepare(pluginPath);
-    if (fault.empty())
-        run();
+    if (!fault.empty())
+        return fault;
+    fault = run();
+    if (!fault.empty())
+        stopAtOnce();
     return fault;
 }
 
-void HostRuntime::run() {
+std::string HostRuntime::run() {
     for (const RunningChannel& running : channels)
-        running.channel->start();
+        if (!running.channel->StartThread())
+            return nameOf(*running.configured, nullptr) + ": " + threadRefusal("its line");
+    return {};
 }
 
 std::string HostRuntime::prepare(const std::string& pluginPath) {

@@ -58,8 +58,8 @@ public:
 
     // Loads the plug-in and makes every channel. Empty, or what went wrong; then there are none.
     std::string prepare(const std::string& pluginPath);
-    // Starts every channel's thread.
-    void run();
+    // Starts every channel's thread. Empty, or which line has none; then those before it run until stop().
+    std::string run();
     // Both.
     std::string start(const std::string& pluginPath);
     // Ends the channels' threads, closes and deletes the channels, ends the driver and unloads it. A request

@@ -1,5 +1,7 @@
 #include "PeriodicThread.h"
 
+#include "runtime/StartThread.h"
+
 #include <utility>
 
 namespace host {
@@ -8,8 +10,9 @@ PeriodicThread::~PeriodicThread() {
     stop();
 }
 
-void PeriodicThread::start(std::chrono::milliseconds pause, std::function<void()> turn) {
-    thread = std::thread([this, pause, called = std::move(turn)] { run(pause, called); });
+void PeriodicThread::start(const std::string& purpose, std::chrono::milliseconds pause,
+                           std::function<void()> turn) {
+    thread = startThread(purpose, [this, pause, called = std::move(turn)] { run(pause, called); });
 }
 
 void PeriodicThread::run(std::chrono::milliseconds pause, const std::function<void()>& turn) {

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <string>
 #include <thread>
 
 namespace host {
@@ -17,8 +18,8 @@ public:
     PeriodicThread& operator=(const PeriodicThread&) = delete;
     ~PeriodicThread();
 
-    // The first turn comes at once.
-    void start(std::chrono::milliseconds pause, std::function<void()> turn);
+    // The first turn comes at once. Throws ThreadRefused; `purpose` is what its message says it was for.
+    void start(const std::string& purpose, std::chrono::milliseconds pause, std::function<void()> turn);
     // Ends a pause at once and waits for a turn in progress. Nothing when it was never started.
     void stop();
     bool isRunning() const { return thread.joinable(); }

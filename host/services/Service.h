@@ -23,7 +23,8 @@ public:
     // For people: "control", "capture".
     virtual std::string name() const = 0;
     // The lines are made, and run once every service has started. The site outlives the service's end. Empty,
-    // or why it cannot start: what happened and what to check.
+    // or why it cannot start: what happened and what to check. Throws ThreadRefused when the system has no
+    // thread for it.
     virtual std::string start(RunningSite& runningSite) = 0;
     // Ends within a second, whatever its other side does. Nothing when it was never started.
     virtual void stop() = 0;

@@ -18,6 +18,32 @@ TEST(CThread, StartsWithoutShutdown) {
     EXPECT_FALSE(CThread().IsShutdown());
 }
 
+TEST(CThread, TellsThatItRuns) {
+    LoopingThread thread;
+    EXPECT_TRUE(thread.StartThread());
+    EXPECT_TRUE(thread.isRunning());
+    EXPECT_TRUE(thread.StartThread()); // already
+    thread.SetShutdown(true);
+    EXPECT_TRUE(thread.wait());
+    thread.SetShutdown(false);
+    EXPECT_TRUE(thread.StartThread()); // once more
+    EXPECT_TRUE(thread.isRunning());
+    thread.SetShutdown(true);
+    EXPECT_TRUE(thread.wait());
+}
+
+TEST(CThread, TellsThatTheSystemHasNoThreadToGive) {
+    LoopingThread thread;
+    thread.setStackSize(1); // less than the system lets a thread have
+    EXPECT_FALSE(thread.StartThread());
+    EXPECT_FALSE(thread.isRunning());
+    EXPECT_TRUE(thread.wait(0)); // nobody hangs on it
+    thread.setStackSize(0);
+    EXPECT_TRUE(thread.StartThread());
+    thread.SetShutdown(true);
+    EXPECT_TRUE(thread.wait());
+}
+
 TEST(CThread, ShutdownSetOnAnotherThreadEndsTheLoop) {
     LoopingThread thread;
     thread.start();

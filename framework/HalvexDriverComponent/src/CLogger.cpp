@@ -167,14 +167,14 @@ void CLogger::writeRecord(int channelId, std::chrono::system_clock::time_point t
         backend->files->write({channelId, recordSource, false}, time, text);
 }
 
-void CLogger::configure(const LoggerSettings& settings) {
+bool CLogger::configure(const LoggerSettings& settings) {
     const std::lock_guard<std::mutex> lock(backend->settingsMutex);
     backend->collectRetired(Clock::now());
     try {
         backend->useFiles(settings);
+        return true;
     } catch (const std::exception&) {
-        // The files stay as they were, and the channels run on.
-        return;
+        return false; // the channels run on
     }
 }
 

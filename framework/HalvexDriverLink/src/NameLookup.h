@@ -14,7 +14,8 @@
 // Threads: one at a time.
 class NameLookup {
 public:
-    // `host` is an address or a name. `mayWait` says whether to go on waiting for an answer.
+    // `host` is an address or a name. `mayWait` says whether to go on waiting for an answer. Throws
+    // std::system_error when the system has no thread to give.
     asio::ip::udp::endpoint find(const std::string& host, std::uint16_t port,
                                  const std::function<bool()>& mayWait, asio::error_code& error);
 

@@ -1,10 +1,10 @@
 #include "CaptureService.h"
 
 #include "CapturedDatagrams.h"
+#include "runtime/StartThread.h"
 
 #include <condition_variable>
 #include <mutex>
-#include <thread>
 #include <utility>
 
 namespace host {
@@ -179,10 +179,11 @@ std::string CaptureService::start(RunningSite& runningSite) {
 
 std::string CaptureService::begin(Messages& messages) {
     std::string fault = writer->begin(messages);
-    hasBegun = fault.empty();
-    if (hasBegun)
-        std::thread([shared = writer] { shared->writeUntilEnded(); }).detach();
-    return fault;
+    if (!fault.empty())
+        return fault;
+    startThread("the capture", [shared = writer] { shared->writeUntilEnded(); }).detach();
+    hasBegun = true;
+    return {};
 }
 
 std::unique_ptr<ExchangeFeed::Watch> CaptureService::follow(ExchangeFeed& feed) const {

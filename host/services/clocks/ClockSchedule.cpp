@@ -30,7 +30,8 @@ ClockSchedule::~ClockSchedule() {
 
 std::string ClockSchedule::start(RunningSite& runningSite) {
     if (!entries.empty())
-        thread.start(lookPeriod, [this, &runningSite] { look(runningSite.figures().rtus); });
+        thread.start("the controllers' clocks", lookPeriod,
+                     [this, &runningSite] { look(runningSite.figures().rtus); });
     return {};
 }
 

@@ -32,7 +32,12 @@ std::string ConsoleService::start(RunningSite& runningSite) {
     output = makeOutput(format, console, title, site->values, site->figures);
     if (showsFrames)
         watch = site->exchanges.watch([this](const Exchange& exchange) { frames.add(exchange); });
-    thread.start(updatePeriod, [this] { show(); });
+    try {
+        thread.start("the console", updatePeriod, [this] { show(); });
+    } catch (...) {
+        output.reset(); // gives the terminal back for the message
+        throw;
+    }
     return {};
 }
 

@@ -1,6 +1,7 @@
 #include "StreamWriter.h"
 
 #include "OutputReader.h"
+#include "runtime/StartThread.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -72,7 +73,7 @@ void StreamWriter::State::writeUntilClosed() {
 
 StreamWriter::StreamWriter(std::ostream& stream, AskForReader isReaderGone)
     : state(std::make_shared<State>(stream, std::move(isReaderGone))) {
-    std::thread([shared = state] { shared->writeUntilClosed(); }).detach();
+    startThread("the output", [shared = state] { shared->writeUntilClosed(); }).detach();
 }
 
 StreamWriter::~StreamWriter() {

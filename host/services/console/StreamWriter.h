@@ -18,7 +18,7 @@ class StreamWriter {
 public:
     using AskForReader = std::function<bool()>;
 
-    // Asks `isReaderGone`, on its own thread, when a write has failed.
+    // Asks `isReaderGone`, on its own thread, when a write has failed. Throws ThreadRefused.
     explicit StreamWriter(
         std::ostream& stream, AskForReader isReaderGone = [] { return true; });
     StreamWriter(const StreamWriter&) = delete;

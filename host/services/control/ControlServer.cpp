@@ -2,6 +2,7 @@
 
 #include "ControlListener.h"
 #include "DescriptorLimit.h"
+#include "runtime/StartThread.h"
 
 #include <algorithm>
 
@@ -35,6 +36,9 @@ std::string ControlServer::start(const ControlDoor& door) {
     if (counted.clients == 0)
         counted.clients = clientsAllowed();
     thread.start();
+    // Nobody would ever answer what is asked of the listener below.
+    if (!thread.isRunning())
+        throw ThreadRefused(threadRefusal("the control socket"));
     listener->moveToThread(&thread);
     std::string fault;
     QMetaObject::invokeMethod(

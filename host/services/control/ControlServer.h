@@ -21,7 +21,7 @@ public:
     ControlServer& operator=(const ControlServer&) = delete;
     ~ControlServer();
 
-    // Empty, or why nothing listens at the door's path.
+    // Empty, or why nothing listens at the door's path. Throws ThreadRefused.
     std::string start(const ControlDoor& door);
     // Who waits for a reply is told that none will come, then every connection ends.
     void stop();

@@ -2,6 +2,7 @@
 
 #include "LogDirectory.h"
 #include "runtime/ExchangeText.h"
+#include "runtime/StartThread.h"
 
 #include <ControlCharacters.h>
 #include <HalvexDriverComponent/CLogger.h>
@@ -41,7 +42,8 @@ std::string SiteLog::start(RunningSite& runningSite) {
     settings.directory = options.directory;
     settings.fileBytes = options.fileBytes;
     settings.filesPerChannel = options.files;
-    CLogger::GetInstance()->configure(settings);
+    if (!CLogger::GetInstance()->configure(settings))
+        return threadRefusal("the log files");
     site = &runningSite;
     site->messages.setKeeper(
         [](const Message& message) { record(hostItself, message.timeMs, text::printable(message.text)); });

@@ -3,6 +3,7 @@
 #include "commands/CommandPlan.h"
 #include "commands/CommandText.h"
 #include "runtime/FailureText.h"
+#include "runtime/StartThread.h"
 #include "services/RunningSite.h"
 
 #include <algorithm>
@@ -68,7 +69,7 @@ PulseSupervisor::~PulseSupervisor() {
 std::string PulseSupervisor::start(RunningSite& runningSite) {
     if (memory && (memory->isThere() || hasPulses(runningSite.site)))
         takeUpLeftOver(runningSite.site);
-    thread = std::thread([this] { run(); });
+    thread = startThread("the pulses", [this] { run(); });
     return {};
 }
 

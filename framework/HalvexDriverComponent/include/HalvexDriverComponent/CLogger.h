@@ -59,8 +59,9 @@ public:
     // itself, whose file is "host.log". Subscribers do not see it.
     void writeRecord(int channelId, std::chrono::system_clock::time_point time, const std::string& text);
 
-    // Replaces the settings; lines written before go where they were meant to. Host's main thread.
-    void configure(const LoggerSettings& settings);
+    // Replaces the settings; lines written before go where they were meant to. False when the system has no
+    // thread or memory for the files: then all stays as it was. Host's main thread.
+    bool configure(const LoggerSettings& settings);
     // Waits until what was written is on the disk or dropped, at most `timeoutMs`.
     bool flush(int timeoutMs);
     LoggerFigures figures() const;
