@@ -1,10 +1,25 @@
 #include "Program.h"
 
+#include <DescriptorLimit.h>
+#include <OutOfMemory.h>
 #include <StandardDescriptors.h>
 
+#include <exception>
 #include <iostream>
+
+namespace {
+
+MADE_FIRST const outofmemory::Watch memoryWatch("sbus-sim", sim::exitUsage, nullptr);
+
+} // namespace
 
 int main(int argc, char** argv) {
     openClosedStandardDescriptors();
-    return sim::runProgram(argc, argv, std::cout, std::cerr);
+    descriptors::raiseLimit();
+    try {
+        return sim::runProgram(argc, argv, std::cout, std::cerr);
+    } catch (const std::exception& failure) { // no descriptor is left
+        std::cerr << "sbus-sim: " << failure.what() << std::endl;
+        return sim::exitUsage;
+    }
 }

@@ -4,6 +4,7 @@
 #include "CommandNames.h"
 #include "CtlArguments.h"
 #include "ImportCommand.h"
+#include "LastWords.h"
 #include "LogArguments.h"
 #include "RunCommand.h"
 #include "ScanArguments.h"
@@ -15,6 +16,8 @@
 
 #include <CLI/CLI.hpp>
 #include <ControlCharacters.h>
+#include <DescriptorLimit.h>
+#include <OutOfMemory.h>
 #include <QCoreApplication>
 
 #include <sstream>
@@ -159,9 +162,13 @@ int runProgram(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     openClosedStandardDescriptors();
+    host::takeQtMessages();
+    descriptors::raiseLimit();
     host::terminal::survivePipeEnd();
     try {
         return host::statusWithOutput(runProgram(argc, argv));
+    } catch (const std::bad_alloc&) {
+        outofmemory::endProgram();
     } catch (const std::exception& failure) {
         std::cerr << "sbus-host: " << text::printable(failure.what()) << '\n';
         return static_cast<int>(ExitStatus::Configuration);

@@ -4,6 +4,7 @@
 #include "RunServices.h"
 #include "commands/CommandDispatcher.h"
 #include "plan/LineChecks.h"
+#include "plan/DescriptorNeed.h"
 #include "runtime/HostRuntime.h"
 #include "runtime/LineMessages.h"
 #include "runtime/StartThread.h"
@@ -18,6 +19,7 @@
 #include "site/Loopback.h"
 
 #include <ControlCharacters.h>
+#include <DescriptorLimit.h>
 #include <HalvexDriverComponent/CLogger.h>
 
 #include <cstdlib>
@@ -47,6 +49,19 @@ OutputFormat chooseFormat(const RunOptions& options) {
 
 bool isForReading(OutputFormat format) {
     return format == OutputFormat::Table || format == OutputFormat::Lines;
+}
+
+// Empty, or by how much the site is too large for this process. Qt ends a program that has no descriptor left
+// for a thread, so this is asked before anything is opened.
+std::string descriptorFault(const Site& site, const RunOptions& options) {
+    const std::size_t needed = descriptorsNeeded(
+        site, {options.log.has_value(), options.capture.has_value(), options.takesControl});
+    const std::size_t allowed = descriptors::limit();
+    if (needed <= allowed)
+        return {};
+    return "the site needs up to " + std::to_string(needed) +
+           " files and sockets at once, and this process may have " + std::to_string(allowed) +
+           "; raise its limit (ulimit -Hn, or LimitNOFILE= of its service), or divide the site";
 }
 
 void waitForTheEnd(const RunOptions& options, OutputWatch& output) {
@@ -163,6 +178,8 @@ ExitStatus runSite(const RunOptions& options) {
         std::cerr << toText(finding) << '\n';
     if (loaded.findings.hasErrors())
         return ExitStatus::Configuration;
+    if (const std::string fault = descriptorFault(loaded.site, options); !fault.empty())
+        return failed(fault);
     if (options.isOnLoopback)
         moveToLoopback(loaded.site, loopbackFolderOf(options.sitePath));
     terminal::survivePipeEnd();

@@ -1,7 +1,6 @@
 #include "FakeHost.h"
 #include "cli/ControlClient.h"
 #include "services/control/ControlServer.h"
-#include "services/control/DescriptorLimit.h"
 #include "services/control/ListeningSocket.h"
 
 #include <QLocalSocket>
@@ -55,20 +54,6 @@ int connectTo(int socket, const std::string& path) {
 }
 
 } // namespace
-
-TEST(DescriptorLimit, IsRaisedAsFarAsTheSystemLets) {
-    const LowDescriptorLimit low(128);
-    rlimit limit{};
-    getrlimit(RLIMIT_NOFILE, &limit);
-    EXPECT_EQ(limit.rlim_cur, 128U);
-    const std::size_t wanted = std::min<rlim_t>(256, limit.rlim_max);
-    EXPECT_EQ(host::raiseDescriptorLimit(wanted), wanted);
-    getrlimit(RLIMIT_NOFILE, &limit);
-    EXPECT_EQ(limit.rlim_cur, wanted);
-    EXPECT_EQ(host::raiseDescriptorLimit(100), 100U); // never lowered
-    getrlimit(RLIMIT_NOFILE, &limit);
-    EXPECT_EQ(limit.rlim_cur, wanted);
-}
 
 TEST(ServerWithoutDescriptors, ListensAgainOnceThereAreSome) {
     const QTemporaryDir folder;

@@ -1,8 +1,10 @@
 #include "ControlServer.h"
 
 #include "ControlListener.h"
-#include "DescriptorLimit.h"
+#include "plan/DescriptorNeed.h"
 #include "runtime/StartThread.h"
+
+#include <DescriptorLimit.h>
 
 #include <algorithm>
 
@@ -10,20 +12,20 @@ namespace host {
 
 namespace {
 
-constexpr std::size_t mostClients = 1'500;    // a thousand and some that come and go
-constexpr std::size_t otherDescriptors = 500; // lines, log files, the plug-in
-constexpr std::size_t wantedDescriptors = 4'096;
+constexpr std::size_t mostClients = 1'500; // a thousand and some that come and go
 
-std::size_t clientsAllowed() {
-    const std::size_t limit = raiseDescriptorLimit(wantedDescriptors);
-    const std::size_t left = limit > 2 * otherDescriptors ? limit - otherDescriptors : limit / 2;
-    return std::min(mostClients, left);
+// What the site leaves.
+std::size_t clientsAllowed(const Site& site) {
+    const std::size_t limit = descriptors::limit();
+    const std::size_t others = descriptorsNeeded(site, {true, true, true}) - leastControlClients;
+    return limit > others + leastControlClients ? std::min(mostClients, limit - others) : leastControlClients;
 }
 
 } // namespace
 
 ControlServer::ControlServer(ControlledHost& controlledHost, const ValueStore& valueStore)
-    : listener(std::make_unique<ControlListener>(controlledHost, valueStore)) {
+    : allowedClients(clientsAllowed(controlledHost.site())),
+      listener(std::make_unique<ControlListener>(controlledHost, valueStore)) {
     thread.setObjectName(QStringLiteral("control"));
 }
 
@@ -34,7 +36,7 @@ ControlServer::~ControlServer() {
 std::string ControlServer::start(const ControlDoor& door) {
     ControlDoor counted = door;
     if (counted.clients == 0)
-        counted.clients = clientsAllowed();
+        counted.clients = allowedClients;
     thread.start();
     // Nobody would ever answer what is asked of the listener below.
     if (!thread.isRunning())

@@ -27,6 +27,7 @@ public:
     void stop();
 
 private:
+    const std::size_t allowedClients; // by the descriptors
     QThread thread;
     std::unique_ptr<ControlListener> listener; // lives on the thread
 };
