@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -61,6 +62,10 @@ std::string DriverPlugin::load(const std::string& path) {
     const QString absolute = QFileInfo(QString::fromStdString(file)).absoluteFilePath();
     if (!QFileInfo::exists(absolute))
         return "plug-in " + file + " is not there; name the driver's file with --plugin";
+    QFile probe(absolute);
+    if (!probe.open(QIODevice::ReadOnly))
+        return "plug-in " + file + " cannot be read: " + probe.errorString().toStdString();
+    probe.close();
     loader = std::make_unique<QPluginLoader>(absolute);
     const std::string fault = metadataFault(loader->metaData());
     if (!fault.empty())

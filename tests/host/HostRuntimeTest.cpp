@@ -66,6 +66,7 @@ TEST(DriverPlugin, IsRefusedWhenItIsAnythingElse) {
     DriverPlugin plugin;
     EXPECT_THAT(plugin.load(path.toStdString()), HasSubstr("is no Qt plug-in"));
     EXPECT_THAT(plugin.load("/no/such/SBusDriver.so"), HasSubstr("is not there"));
+    EXPECT_THAT(plugin.load(directory.path().toStdString()), HasSubstr("cannot be read: "));
     EXPECT_EQ(plugin.driver(), nullptr);
 }
 
