@@ -54,8 +54,8 @@ bool isForReading(OutputFormat format) {
 // Empty, or by how much the site is too large for this process. Qt ends a program that has no descriptor left
 // for a thread, so this is asked before anything is opened.
 std::string descriptorFault(const Site& site, const RunOptions& options) {
-    const std::size_t needed = descriptorsNeeded(
-        site, {options.log.has_value(), options.capture.has_value(), options.takesControl});
+    const std::size_t needed =
+        descriptorsNeeded(site, {options.log.has_value(), options.capture.has_value(), options.takesControl});
     const std::size_t allowed = descriptors::limit();
     if (needed <= allowed)
         return {};
