@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Abilities.h"
 #include "EndPoint.h"
 #include "Telegram.h"
 
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -15,7 +17,8 @@ struct LineSite {
     Framing framing = Framing::Ethernet;
     EndPoint primary;
     std::optional<EndPoint> secondary;
-    std::vector<int> stations; // 0 to 254; a station named twice is one controller
+    std::vector<int> stations;          // 0 to 254; a station named twice is one controller
+    std::map<int, Abilities> abilities; // by station; of those that can do less
 };
 
 // What there is to play. Made in code, or read from a file with loadSite().

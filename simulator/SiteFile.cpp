@@ -29,6 +29,7 @@ private:
     void readChannel(const toml::table& channel, Site& site);
     void readEnd(const toml::table& channel, const char* key, EndPoint& end);
     void readRtus(const toml::table& channel, LineSite& line);
+    Abilities readAbilities(const toml::table& rtu);
     std::optional<Framing> readTransmitType(const toml::table& rtu);
 
     // Whether a text holds what a terminal would obey instead of showing it.
@@ -148,8 +149,10 @@ void Loader::readRtus(const toml::table& channel, LineSite& line) {
         const auto station = require<std::int64_t>(rtu, "station", stationRule);
         if (station && (*station < 0 || *station > broadcastStation))
             note(*rtu.get("station"), "station", stationRule);
-        else if (station && *station != broadcastStation)
+        else if (station && *station != broadcastStation) {
             line.stations.push_back(static_cast<int>(*station));
+            addAbilities(line.abilities[line.stations.back()], readAbilities(rtu));
+        }
 
         // As on the host's side, the RTU with the highest id decides for the whole line.
         const auto framing = readTransmitType(rtu);
@@ -158,6 +161,27 @@ void Loader::readRtus(const toml::table& channel, LineSite& line) {
             lastId = id;
         }
     });
+}
+
+// The controller takes no more than its site file says of it.
+Abilities Loader::readAbilities(const toml::table& rtu) {
+    Abilities abilities;
+    const auto read = [&](const char* key, std::optional<unsigned>& limit) {
+        if (!rtu.contains(key))
+            return;
+        const char* rule = "must be a whole number above 0";
+        const auto most = require<std::int64_t>(rtu, key, rule);
+        if (most && *most < 1)
+            note(*rtu.get(key), key, rule);
+        else if (most)
+            limit = static_cast<unsigned>(*most);
+    };
+    read("max_read_words", abilities.readWords);
+    read("max_read_bits", abilities.readBits);
+    read("max_write_words", abilities.writeWords);
+    if (rtu["single_writes"].value_or(false))
+        abilities.writeWords = 1;
+    return abilities;
 }
 
 std::optional<Framing> Loader::readTransmitType(const toml::table& rtu) {
