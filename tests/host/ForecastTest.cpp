@@ -178,5 +178,5 @@ TEST(Forecast, WrapsTheListOfTelegrams) {
     addPoints(rtu, 'R', 0, 40);
     rtu.limits.readWords = 1;
     const host::Site site{{lineWith(rtu, LineType::Ethernet)}};
-    EXPECT_THAT(describeSite(site), HasSubstr("\n                   R7 R9 R11"));
+    EXPECT_THAT(describeSite(site), HasSubstr("\n                   R5 R7 R9 R11"));
 }
