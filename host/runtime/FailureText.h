@@ -15,6 +15,9 @@ std::string cannotOpenReason(const Channel& channel);
 // What the controller said when it refused: "acknowledge code 1".
 std::string refusalText(const RequestEnd& end);
 
+// "the controller does not have R17 and R205: ..."
+std::string refusalNewsText(const RefusalNews& news);
+
 // "channel 1 "waterworks", RTU 2 "tank" (station 5)"; without the RTU when it is null.
 std::string nameOf(const Channel& channel, const Rtu* rtu);
 

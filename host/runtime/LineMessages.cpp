@@ -32,6 +32,10 @@ void LineMessages::requestEnded(const RequestEnd& end) {
         messages.tell(*message);
 }
 
+void LineMessages::refusalsFound(const Channel& channel, const Rtu& rtu, const RefusalNews& news) {
+    messages.tell(nameOf(channel, &rtu) + ": " + refusalNewsText(news));
+}
+
 void LineMessages::lineOpened(const Channel& channel, bool /*onSecondary*/, int result) {
     const FailureCollapser::Source source{channel.id, 0};
     const std::string who = nameOf(channel, nullptr);

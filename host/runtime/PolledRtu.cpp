@@ -115,6 +115,8 @@ void PolledRtu::begin(int kind, bool triesRefused) {
     roundKind = kind;
     isAsked = false;
     lastFailure.reset();
+    lastRefusal.reset();
+    hasAnswer = false;
     round.emplace(std::vector<PollRound::Step>{{Sender::First, telegramsOf(plan, kind)},
                                                {Sender::Second, telegramsOf(plan.second, kind)}},
                   triesRefused ? refusals.toTryAgain() : std::vector<ReadTelegram>(), rtu.attempts);
@@ -179,14 +181,16 @@ void PolledRtu::requestEnded(bool ofSecond, const RequestEnd& end, const std::op
     else if (end.kind != RequestEnd::Kind::Answered && isAsked && asksSecond() == ofSecond)
         readAgain(end, ofSecond, round->current().telegrams.front()); // it could not be sent
     if (round->isOver())
-        finish(round->lost().empty() ? RequestEnd() : lastFailure.value_or(end));
+        finish(outcome());
 }
 
 void PolledRtu::readAgain(const RequestEnd& end, bool ofSecond, const ReadTelegram& last) {
     const bool isOurs = asksSecond() == ofSecond && holds(round->current().telegrams, last);
     if (end.kind == RequestEnd::Kind::Answered) {
+        hasAnswer = true;
         answered(isOurs && last == round->current().telegrams.back(), ofSecond, last);
     } else if (end.kind == RequestEnd::Kind::Refused) {
+        lastRefusal = end;
         refused(isOurs, last);
     } else if (isOurs) {
         isAsked = false;
@@ -246,6 +250,13 @@ std::set<unsigned> PolledRtu::wantedElements(const ReadTelegram& telegram) const
             !refusals.isAbsent(point.address))
             wanted.insert(point.address.number);
     return wanted;
+}
+
+// A controller that has refused single elements has answered.
+RequestEnd PolledRtu::outcome() const {
+    if (!round->lost().empty() && lastFailure)
+        return *lastFailure;
+    return hasAnswer ? RequestEnd() : lastRefusal.value_or(RequestEnd());
 }
 
 void PolledRtu::finish(const RequestEnd& how) {

@@ -59,6 +59,7 @@ private:
     void readAgain(const RequestEnd& end, bool ofSecond, const ReadTelegram& last);
     void answered(bool isOurs, bool ofSecond, const ReadTelegram& last);
     void refused(bool isOurs, const ReadTelegram& at);
+    RequestEnd outcome() const;
     void finish(const RequestEnd& how);
     void tellNews();
     std::set<unsigned> wantedElements(const ReadTelegram& telegram) const;
@@ -87,7 +88,9 @@ private:
     int roundKind = 0;
     bool isAsked = false;                  // the driver has been asked for the current step
     std::optional<RequestEnd> lastFailure; // in this round
-    RefusalNews news;                      // of this round
+    std::optional<RequestEnd> lastRefusal; // likewise
+    bool hasAnswer = false;                // likewise: the controller has given something
+    RefusalNews news;                      // likewise
 };
 
 } // namespace host

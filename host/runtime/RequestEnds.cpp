@@ -73,10 +73,16 @@ void RequestEnds::publishRtuStatus(int channelId, int rtuId, const RtuStatus& st
         if (counted != line->second.counted.end())
             if (const std::optional<RequestEnd> end = endOf(line->second, counted->second, status))
                 tellEnd(line->second, rtuId, *end);
-        if (line->second.rtus.count(rtuId) == 0)
-            return; // of the host's own making
+        if (isSecond(line->second, rtuId))
+            return;
     }
     core.publishRtuStatus(channelId, rtuId, status);
+}
+
+// Of the host's own making, which nobody else knows.
+bool RequestEnds::isSecond(const Line& line, int driverRtuId) {
+    const Rtu* const polled = line.poller == nullptr ? nullptr : line.poller->configuredOf(driverRtuId);
+    return polled != nullptr && polled->id != driverRtuId;
 }
 
 // Nothing when the status counts no request more than the last one did.

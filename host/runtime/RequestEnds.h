@@ -74,6 +74,7 @@ private:
         std::unique_ptr<LinePoller> poller;
     };
 
+    static bool isSecond(const Line& line, int driverRtuId);
     std::optional<RequestEnd> endOf(Line& line, Counted& counted, const RtuStatus& status);
     void tell(Requests& requests, const RequestEnd& end);
     void tellEnd(Line& line, int driverRtuId, const RequestEnd& end);

@@ -39,9 +39,16 @@ std::string ageText(qint64 milliseconds) {
 }
 
 Style styleOf(PointQuality quality) {
-    return quality == PointQuality::Good  ? Style::Plain
-           : quality == PointQuality::Bad ? Style::Bad
-                                          : Style::Dim;
+    switch (quality) {
+    case PointQuality::Good:
+        return Style::Plain;
+    case PointQuality::Bad:
+    case PointQuality::Refused:
+        return Style::Bad;
+    case PointQuality::NeverRead:
+        break;
+    }
+    return Style::Dim;
 }
 
 class TableBuilder {
