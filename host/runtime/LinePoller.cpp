@@ -201,16 +201,19 @@ void LinePoller::hear(Station& station, const RequestEnd& end) {
             rtu->giveUp();
 }
 
-void LinePoller::lineOpened(int result) {
+void LinePoller::lineOpened(bool onSecondary, int result) {
+    const bool isOtherEnd = std::exchange(isOnSecondary, onSecondary) != onSecondary;
+    if (result != 0 || isOtherEnd)
+        for (auto& [number, station] : stations) {
+            station.isTrying = false;
+            station.rest.heard();
+        }
     for (const auto& entry : entries) {
         if (result == 0)
             entry->rtu->lineOpened();
         else
             entry->rtu->lineLost();
     }
-    if (result != 0)
-        for (auto& [number, station] : stations)
-            station.isTrying = false;
 }
 
 } // namespace host

@@ -42,7 +42,8 @@ public:
     void readEnded(int driverRtuId, const RequestEnd& end, const std::optional<ReadTelegram>& last);
     // A command has ended.
     void commandEnded(int driverRtuId, const RequestEnd& end);
-    void lineOpened(int result);
+    // A try to open the line, with its result. What was silent because of the line is asked afresh.
+    void lineOpened(bool onSecondary, int result);
 
     // Asks for an integrity poll, at the next turn. Any thread. False for an RTU that is not polled.
     bool wish(int rtuId);
@@ -85,6 +86,7 @@ private:
     std::map<unsigned, Station> stations; // by number
     std::vector<std::unique_ptr<Entry>> entries;
     std::map<int, Carrier> carriers; // by the driver RTU's id; fixed once the thread runs
+    bool isOnSecondary = false;      // the end in use
     bool wasConnected = false;       // at the last turn
     bool hasRequestEnded = false;    // since
 };

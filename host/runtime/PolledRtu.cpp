@@ -158,7 +158,7 @@ void PolledRtu::lineLost() {
 
 void PolledRtu::giveUp() {
     wantedKinds.clear();
-    marks.turnAllBad();
+    turnAllBad();
     if (!round)
         return;
     round->giveUp();
@@ -167,7 +167,13 @@ void PolledRtu::giveUp() {
     finish(lastFailure.value_or(silence));
 }
 
+void PolledRtu::turnAllBad() {
+    if (std::exchange(mayBeGood, false))
+        marks.turnAllBad();
+}
+
 void PolledRtu::requestEnded(bool ofSecond, const RequestEnd& end, const std::optional<ReadTelegram>& last) {
+    mayBeGood = mayBeGood || (last && end.kind == RequestEnd::Kind::Answered);
     if (isQuiet) {
         if (end.kind == RequestEnd::Kind::NoAnswer && last)
             listener.pollEnded(end);

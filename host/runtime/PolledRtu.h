@@ -61,6 +61,7 @@ private:
     void refused(bool isOurs, const ReadTelegram& at);
     RequestEnd outcome() const;
     void finish(const RequestEnd& how);
+    void turnAllBad();
     void tellNews();
     std::set<unsigned> wantedElements(const ReadTelegram& telegram) const;
     void holdFirst(const std::vector<ReadTelegram>& telegrams);
@@ -80,6 +81,7 @@ private:
     bool isPlanOld = false; // refusals have changed since
     bool hasChanged = true; // something is to be done in the next turn
     bool isQuiet = false;
+    bool mayBeGood = false; // something was read since all values turned bad
     std::vector<ReadTelegram> firstHolds;
     std::vector<ReadTelegram> secondHolds;
 

@@ -17,7 +17,7 @@ RequestEnds::RequestEnds(const Site& site, HalvexDriverCoreInterface& hostCore, 
         line.observer =
             std::make_unique<LineObserver>(channel, feed, [this, &channel, &line](bool second, int result) {
                 if (line.poller != nullptr)
-                    line.poller->lineOpened(result);
+                    line.poller->lineOpened(second, result);
                 if (listener != nullptr)
                     listener->lineOpened(channel, second, result);
             });
@@ -72,7 +72,7 @@ void RequestEnds::publishRtuStatus(int channelId, int rtuId, const RtuStatus& st
         const auto counted = line->second.counted.find(rtuId);
         if (counted != line->second.counted.end())
             if (const std::optional<RequestEnd> end = endOf(line->second, counted->second, status))
-                tellEnd(line->second, rtuId, *end);
+                tellEnd(line->second, rtuId, *end, status);
         if (isSecond(line->second, rtuId))
             return;
     }
@@ -125,9 +125,8 @@ void RequestEnds::tell(Requests& requests, const RequestEnd& end) {
 
 // What becomes of a read is the poller's to say. A command that was refused offline may end on another
 // thread.
-void RequestEnds::tellEnd(Line& line, int driverRtuId, const RequestEnd& end) {
-    Counted& counted = line.counted.at(driverRtuId);
-    Requests& requests = *counted.requests;
+void RequestEnds::tellEnd(Line& line, int driverRtuId, const RequestEnd& end, const RtuStatus& status) {
+    Requests& requests = *line.counted.at(driverRtuId).requests;
     if (line.poller == nullptr || line.poller->configuredOf(driverRtuId) == nullptr) {
         tell(requests, end);
         return;
@@ -137,7 +136,7 @@ void RequestEnds::tellEnd(Line& line, int driverRtuId, const RequestEnd& end) {
     const bool isCommand =
         !isOnItsThread || (end.hasTelegram && isWriteTelegram(observer.framing(), observer.lastTelegram()));
     if (end.hasTelegram || end.kind != Kind::Answered)
-        countAttempt(requests.figures, counted.status);
+        countAttempt(requests.figures, status);
     if (!isCommand) {
         line.poller->readEnded(driverRtuId, end, end.hasTelegram ? lastRead(observer) : std::nullopt);
         return;

@@ -77,7 +77,7 @@ private:
     static bool isSecond(const Line& line, int driverRtuId);
     std::optional<RequestEnd> endOf(Line& line, Counted& counted, const RtuStatus& status);
     void tell(Requests& requests, const RequestEnd& end);
-    void tellEnd(Line& line, int driverRtuId, const RequestEnd& end);
+    void tellEnd(Line& line, int driverRtuId, const RequestEnd& end, const RtuStatus& status);
     void countAttempt(Figures& figures, const RtuStatus& status);
     void countEnd(const RequestEnd& end, Figures& figures);
     static std::optional<ReadTelegram> lastRead(const LineObserver& observer);

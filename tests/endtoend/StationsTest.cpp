@@ -281,6 +281,25 @@ TEST_P(LineWithDeadStations, AsksOneThatRestsWhenSomebodyWantsToKnow) {
     }));
 }
 
+// A UDP line is never gone: it opens whoever is at its other end.
+TEST(SerialLineWithADeadStation, AsksItAfreshWhenTheLineItselfWasGone) {
+    StationPlant plant(LineType::SerialDataMode, {1, 8});
+    for (const int station : {1, 8}) {
+        plant.addPoints(station, 'R', 0, 13);
+        plant.rtu(station).timeout = 100ms;
+    }
+    plant.setScan(6s, 200ms);
+    plant.controllers().silence(lineId, 1, true);
+    plant.rtu(1).retry = {1h, 1h};
+    plant.start();
+    ASSERT_TRUE(eventually([&] { return plant.telegrams(1) >= 3 && !plant.figures(1).status.connected; }));
+    plant.controllers().cut(lineId);
+    ASSERT_TRUE(eventually([&] { return plant.countPoints(8, PointQuality::Bad) == 13; }));
+    plant.controllers().silence(lineId, 1, false);
+    ASSERT_EQ(plant.controllers().restore(lineId), "");
+    ASSERT_TRUE(eventually([&] { return plant.countPoints(1, PointQuality::Good) == 13; }));
+}
+
 namespace {
 
 class LineWithLosses : public EveryLine {};
