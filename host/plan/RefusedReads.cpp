@@ -23,6 +23,11 @@ std::vector<ReadTelegram> RefusedReads::refused(const ReadTelegram& telegram,
     const char media = telegram.media;
     const unsigned first = *wanted.begin();
     const unsigned last = *wanted.rbegin();
+    const bool isConfirmed = doubtful.count({media, first}) > 0;
+    for (const unsigned element : wanted)
+        doubtful.insert({media, element});
+    if (telegram.count == 1 && !isConfirmed)
+        return {};
     if (telegram.count == 1) {
         absentElements.insert({media, first});
         for (auto cut = cuts.begin(); cut != cuts.end();)
@@ -39,6 +44,8 @@ std::vector<ReadTelegram> RefusedReads::refused(const ReadTelegram& telegram,
 bool RefusedReads::answered(const ReadTelegram& telegram) {
     const std::size_t before = absentElements.size() + cuts.size();
     const auto isRead = [&](const ReadTelegram& other) { return contains(telegram, other); };
+    doubtful.erase(doubtful.lower_bound({telegram.media, telegram.first}),
+                   doubtful.upper_bound({telegram.media, telegram.last()}));
     for (auto element = absentElements.begin(); element != absentElements.end();)
         element = isRead(alone(*element)) ? absentElements.erase(element) : std::next(element);
     for (auto cut = cuts.begin(); cut != cuts.end();)

@@ -214,6 +214,9 @@ void PolledRtu::answered(bool isOurs, bool ofSecond, const ReadTelegram& last) {
             if (last.count == 1)
                 news.found.push_back({last.media, last.first});
         }
+        if (refusals.hasDoubts())
+            for (const ReadTelegram& telegram : asked)
+                refusals.answered(telegram);
         round->answered();
     } else {
         const std::vector<ReadTelegram>& held = ofSecond ? secondHolds : firstHolds;
@@ -237,7 +240,8 @@ void PolledRtu::refused(bool isOurs, const ReadTelegram& at) {
         wanted.empty() ? std::vector<ReadTelegram>() : refusals.refused(at, wanted);
     if (at.count == 1 && !wanted.empty()) {
         const ElementAddress element{at.media, at.first};
-        news.absent.push_back(element);
+        if (refusals.isAbsent(element))
+            news.absent.push_back(element);
         marks.refuse(element);
     } else if (pieces.size() > 1) {
         news.tooLong.push_back(at);

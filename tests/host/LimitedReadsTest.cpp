@@ -110,8 +110,10 @@ unsigned poll(const Rtu& rtu, const Controller& controller, RefusedReads& refuse
     while (!toSend.empty()) {
         const ReadTelegram telegram = toSend.back();
         toSend.pop_back();
-        if (controller.answers(telegram))
+        if (controller.answers(telegram)) {
+            refused.answered(telegram);
             continue;
+        }
         ++refusals;
         for (const ReadTelegram& piece : refused.refused(telegram, wantedOf(rtu, telegram)))
             toSend.push_back(piece);
@@ -158,6 +160,7 @@ TEST(LimitedReads, ReadAGapInVainToSaveATelegram) {
 TEST(LimitedReads, LeaveAnAbsentElementOut) {
     const Rtu rtu = rtuWith({{'R', run(0, 10)}});
     RefusedReads refused;
+    refused.refused({'R', 4, 2}, {4, 5});
     refused.refused({'R', 4, 1}, {4});
     const host::RtuReadPlan plan = planReads(rtu, refused);
     EXPECT_THAT(plan.analog, ElementsAre(ReadTelegram{'R', 0, 4}, ReadTelegram{'R', 5, 5}));

@@ -34,10 +34,29 @@ TEST(RefusedReads, HalvesATelegramThatIsRefused) {
 TEST(RefusedReads, TakesAnElementThatIsRefusedAloneForAbsent) {
     RefusedReads reads;
     EXPECT_THAT(refuse(reads, {'R', 12, 1}), IsEmpty());
+    EXPECT_FALSE(reads.isAbsent({'R', 12})) << "it may be a passing refusal";
+    EXPECT_THAT(refuse(reads, {'R', 12, 1}), IsEmpty());
     EXPECT_TRUE(reads.isAbsent({'R', 12}));
     EXPECT_FALSE(reads.isAbsent({'T', 12}));
     EXPECT_FALSE(reads.mayJoin('R', 11, 13));
     EXPECT_TRUE(reads.mayJoin('R', 13, 14));
+}
+
+TEST(RefusedReads, ForgetsAPassingRefusal) {
+    RefusedReads reads;
+    refuse(reads, {'R', 12, 1});
+    EXPECT_TRUE(reads.hasDoubts());
+    reads.answered({'R', 10, 5});
+    EXPECT_FALSE(reads.hasDoubts());
+    refuse(reads, {'R', 12, 1});
+    EXPECT_FALSE(reads.isAbsent({'R', 12}));
+}
+
+TEST(RefusedReads, TakesTheRefusalOfATelegramForThatOfItsElementsToo) {
+    RefusedReads reads;
+    refuse(reads, {'R', 12, 2});
+    refuse(reads, {'R', 13, 1});
+    EXPECT_TRUE(reads.isAbsent({'R', 13}));
 }
 
 TEST(RefusedReads, KeepsACutWhereNoElementIsToBlame) {
@@ -76,12 +95,14 @@ TEST(RefusedReads, TriesAbsentElementsAndTheShortestCutTelegramsAgain) {
     refuse(reads, {'R', 0, 8});
     refuse(reads, {'R', 0, 4});
     refuse(reads, {'R', 70, 1});
+    refuse(reads, {'R', 70, 1});
     EXPECT_THAT(reads.toTryAgain(), ElementsAre(ReadTelegram{'R', 70, 1}, ReadTelegram{'R', 0, 4}));
 }
 
 TEST(RefusedReads, TakesBackWhatIsAnswered) {
     RefusedReads reads;
     refuse(reads, {'R', 0, 4});
+    refuse(reads, {'R', 70, 1});
     refuse(reads, {'R', 70, 1});
     EXPECT_FALSE(reads.answered({'R', 0, 2}));
     EXPECT_TRUE(reads.answered({'R', 0, 4}));
