@@ -14,7 +14,7 @@ host::LoadedSite siteWith(const std::string& keys) {
                               keys +
                               "\n[[channel.rtu.point]]\nid = 1\nname = \"P\"\nkind = \"analog\"\n"
                               "address = \"R1\"\n",
-                          "site.toml", [](const std::string&) { return std::nullopt; });
+                          "site.toml", [](const std::string&) { return text::FileText(); });
 }
 
 host::Rtu rtuWith(const std::string& keys) {
