@@ -58,15 +58,21 @@ void Line::broadcast(const Request& request, Clock::time_point now) {
     ++tally.broadcasts;
     bool done = false;
     for (auto& [station, controller] : controllers) {
-        if (!controller->silent && obey(controller->memory, request).verdict == Verdict::Done)
+        if (!controller->silent && obeyedBy(*controller, request).verdict == Verdict::Done)
             done = true;
     }
     if (done)
         record(request, now);
 }
 
+Outcome Line::obeyedBy(Controller& controller, const Request& request) {
+    if (!controller.abilities.allow(request))
+        return {Verdict::RangeError, {}};
+    return obey(controller.memory, request);
+}
+
 Outcome Line::answerOf(Controller& controller, const Request& request, Clock::time_point now) {
-    Outcome outcome = obey(controller.memory, request);
+    Outcome outcome = obeyedBy(controller, request);
     StationCounts& station = tally.stations[request.station];
     switch (outcome.verdict) {
     case Verdict::Data:
@@ -154,6 +160,15 @@ bool Line::silence(int station, bool silent) {
     if (entry == controllers.end())
         return false;
     entry->second->silent = silent;
+    return true;
+}
+
+bool Line::limit(int station, const Abilities& abilities) {
+    const std::lock_guard lock(mutex);
+    const auto entry = controllers.find(station);
+    if (entry == controllers.end())
+        return false;
+    entry->second->abilities = abilities;
     return true;
 }
 

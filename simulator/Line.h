@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Abilities.h"
 #include "Counts.h"
 #include "Faults.h"
 #include "Outcome.h"
@@ -33,6 +34,8 @@ public:
     Memory* memory(int station);
     // A silenced controller neither obeys nor answers. False for a station that is not here.
     bool silence(int station, bool silent);
+    // From now on. False for a station that is not here.
+    bool limit(int station, const Abilities& abilities);
     // Starts the mishaps afresh from the seed.
     void setFaults(const Faults& newFaults);
 
@@ -45,10 +48,12 @@ private:
     struct Controller {
         explicit Controller(const MemorySizes& sizes) : memory(sizes) {}
         Memory memory;
+        Abilities abilities;
         bool silent = false;
     };
 
     void broadcast(const Request& request, Clock::time_point now);
+    static Outcome obeyedBy(Controller& controller, const Request& request);
     Outcome answerOf(Controller& controller, const Request& request, Clock::time_point now);
     void record(const Request& request, Clock::time_point now);
     Bytes wrapOutcome(const Outcome& outcome, std::uint16_t sequence) const;
@@ -60,7 +65,7 @@ private:
     const std::size_t recordsKept;                          // of each kind
     std::map<int, std::unique_ptr<Controller>> controllers; // fixed after construction
 
-    mutable std::mutex mutex; // guards what follows, and Controller::silent
+    mutable std::mutex mutex; // guards what follows, and the controllers but for their memories
     Faults faults;
     MishapGenerator mishaps;
     LineCounts tally;

@@ -7,6 +7,7 @@
 
 #include <ControlCharacters.h>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <optional>
@@ -28,6 +29,8 @@ struct Arguments {
     std::string siteFile;
     std::vector<std::string> settings;
     std::vector<std::string> sizes;
+    std::vector<std::string> limits;
+    std::vector<std::string> absents;
     std::string faults;
     std::optional<std::string> lateDelay;
     std::optional<std::string> duration;
@@ -55,6 +58,14 @@ void declare(CLI::App& app, Arguments& arguments) {
     app.add_option("--seed", arguments.options.seed, "of the faults: the same seed, the same faults (1)");
     app.add_flag("--pace", arguments.options.pace, "send serial bytes at the line's baud rate");
     app.add_option("--size", arguments.sizes, "elements that a controller has, as in R=16384")
+        ->take_all()
+        ->expected(1);
+    app.add_option("--limit", arguments.limits,
+                   "elements that a controller takes in one telegram, as in 5/read_words=20; also read_bits, "
+                   "write_words")
+        ->take_all()
+        ->expected(1);
+    app.add_option("--absent", arguments.absents, "an element that a controller does not have, as in 5/R17")
         ->take_all()
         ->expected(1);
     app.add_option("--for", arguments.duration, "end after this time, as in 10s");
@@ -115,6 +126,33 @@ void endAtHangUp(asio::signal_set& signals) {
 #else
     static_cast<void>(signals); // elsewhere there is no such signal
 #endif
+}
+
+// Adds to the abilities of the site's controllers.
+void readAbilities(const Arguments& arguments, Site& site, std::vector<std::string>& errors) {
+    const auto add = [&](const char* option, const std::string& text, auto parse) {
+        AbilitySetting setting;
+        std::string error;
+        bool found = false;
+        if (!parse(text, setting, error)) {
+            errors.push_back(std::string(option) + ": " + error);
+            return;
+        }
+        for (LineSite& line : site.lines) {
+            const auto& stations = line.stations;
+            if ((setting.lineId && *setting.lineId != line.id) ||
+                std::find(stations.begin(), stations.end(), setting.station) == stations.end())
+                continue;
+            addAbilities(line.abilities[setting.station], setting.abilities);
+            found = true;
+        }
+        if (!found)
+            errors.push_back(std::string(option) + ": '" + text + "': no such station on its line");
+    };
+    for (const std::string& text : arguments.limits)
+        add("--limit", text, parseLimit);
+    for (const std::string& text : arguments.absents)
+        add("--absent", text, parseAbsent);
 }
 
 // Returns at a signal, or after `duration` where there is one.
@@ -182,6 +220,7 @@ int runProgram(int argc, const char* const* argv, std::ostream& out, std::ostrea
     Site site = loadSite(arguments.siteFile, errors);
     if (arguments.isOnLoopback)
         site = onLoopback(std::move(site), folderOf(arguments.siteFile));
+    readAbilities(arguments, site, errors);
     if (!errors.empty())
         return report(errors, err);
     return play(site, arguments, settings, duration, out, err);

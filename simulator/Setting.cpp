@@ -24,6 +24,8 @@ std::optional<std::uint32_t> parseValue(std::string_view text, Media media) {
     return number ? std::optional(static_cast<std::uint32_t>(*number)) : std::nullopt;
 }
 
+} // namespace
+
 bool parseStation(std::string_view text, Setting& setting) {
     if (text.find(':') != std::string_view::npos) {
         const auto line = parseInteger(takeUntil(text, ':'), std::numeric_limits<int>::min(),
@@ -53,8 +55,6 @@ bool parseElement(std::string_view text, Setting& setting) {
     setting.address = static_cast<unsigned>(*address);
     return true;
 }
-
-} // namespace
 
 bool parseSetting(const std::string& text, Setting& setting, std::string& error) {
     std::string_view rest = text;

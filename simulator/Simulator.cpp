@@ -46,6 +46,8 @@ Simulator::Simulator(Site site, const Options& simulatorOptions)
         auto made = std::make_unique<Line>(each.id, each.framing, each.stations, options.sizes, options.seed,
                                            options.records);
         made->setFaults(options.faults);
+        for (const auto& [station, abilities] : each.abilities)
+            made->limit(station, abilities);
         if (!lines.emplace(each.id, std::move(made)).second)
             throw std::invalid_argument("two lines have the id " + std::to_string(each.id));
     }
@@ -174,6 +176,12 @@ void Simulator::setFaults(int lineId, const Faults& faults) {
 
 void Simulator::silence(int lineId, int station, bool silent) {
     if (!line(lineId).silence(station, silent))
+        throw std::out_of_range("line " + std::to_string(lineId) + " has no station " +
+                                std::to_string(station));
+}
+
+void Simulator::limit(int lineId, int station, const Abilities& abilities) {
+    if (!line(lineId).limit(station, abilities))
         throw std::out_of_range("line " + std::to_string(lineId) + " has no station " +
                                 std::to_string(station));
 }

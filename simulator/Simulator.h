@@ -49,6 +49,8 @@ public:
     std::string apply(const Setting& setting);
     // From now on, and with the mishaps begun afresh from the seed.
     void setFaults(int lineId, const Faults& faults);
+    // What a controller can do, from now on.
+    void limit(int lineId, int station, const Abilities& abilities);
     // A silent controller neither obeys nor answers until it returns.
     void silence(int lineId, int station, bool silent);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Abilities.h"
 #include "EndPoint.h"
 #include "SitePoint.h"
 #include "Telegram.h"
@@ -18,6 +19,7 @@ struct LineSite {
     EndPoint primary;
     std::optional<EndPoint> secondary;
     std::vector<int> stations;                    // 0 to 254; a station named twice is one controller
+    std::map<int, Abilities> abilities;           // by station; of those that can do less
     std::map<int, std::vector<SitePoint>> points; // by station
 };
 

@@ -31,6 +31,7 @@ private:
     void readEnd(const toml::table& channel, const char* key, EndPoint& end);
     void readRtus(const toml::table& channel, LineSite& line);
     void readPoints(const toml::table& rtu, std::vector<SitePoint>& points) const;
+    Abilities readAbilities(const toml::table& rtu);
     std::optional<Framing> readTransmitType(const toml::table& rtu);
 
     // Whether a text holds what a terminal would obey instead of showing it.
@@ -150,8 +151,10 @@ void Loader::readRtus(const toml::table& channel, LineSite& line) {
         const auto station = require<std::int64_t>(rtu, "station", stationRule);
         if (station && (*station < 0 || *station > broadcastStation))
             note(*rtu.get("station"), "station", stationRule);
-        else if (station && *station != broadcastStation)
+        else if (station && *station != broadcastStation) {
             line.stations.push_back(static_cast<int>(*station));
+            addAbilities(line.abilities[line.stations.back()], readAbilities(rtu));
+        }
 
         if (station)
             readPoints(rtu, line.points[static_cast<int>(*station)]);
@@ -184,8 +187,28 @@ void Loader::readPoints(const toml::table& rtu, std::vector<SitePoint>& points) 
                 points.push_back(*parsed);
 }
 
-// Nothing when the RTU says nothing of it.
+// The controller takes no more than its site file says of it.
+Abilities Loader::readAbilities(const toml::table& rtu) {
+    Abilities abilities;
+    const auto read = [&](const char* key, std::optional<unsigned>& limit) {
+        if (!rtu.contains(key))
+            return;
+        const char* rule = "must be a whole number above 0";
+        const auto most = require<std::int64_t>(rtu, key, rule);
+        if (most && *most < 1)
+            note(*rtu.get(key), key, rule);
+        else if (most)
+            limit = static_cast<unsigned>(*most);
+    };
+    read("max_read_words", abilities.readWords);
+    read("max_read_bits", abilities.readBits);
+    read("max_write_words", abilities.writeWords);
+    if (rtu["single_writes"].value_or(false))
+        abilities.writeWords = 1;
+    return abilities;
+}
 
+// Nothing when the RTU says nothing of it.
 std::optional<Framing> Loader::readTransmitType(const toml::table& rtu) {
     if (!rtu.contains("transmit_type"))
         return std::nullopt;

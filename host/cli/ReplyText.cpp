@@ -89,6 +89,7 @@ Row rowFor(const QJsonObject& rtu) {
             numberText(rtu, "station"),
             stateText(rtu),
             numberText(rtu, "requests"),
+            numberText(rtu, "attempts"),
             numberText(rtu, "answers"),
             numberText(rtu, "time_outs"),
             numberText(rtu, "errors"),
@@ -96,6 +97,7 @@ Row rowFor(const QJsonObject& rtu) {
             roundTrip("slowest_round_trip_ms"),
             numberText(rtu, "good_points"),
             numberText(rtu, "bad_points"),
+            numberText(rtu, "refused_points"),
             numberText(rtu, "never_read_points")};
 }
 
@@ -148,8 +150,8 @@ std::string statusText(const QJsonObject& reply) {
     std::string tables;
     for (const auto& element : reply.value(QStringLiteral("channels")).toArray()) {
         const QJsonObject channel = element.toObject();
-        std::vector<Row> rows{{"RTU", "station", "state", "requests", "answers", "time-outs", "errors",
-                               "last", "slowest", "good", "bad", "never read"}};
+        std::vector<Row> rows{{"RTU", "station", "state", "requests", "attempts", "answers", "time-outs",
+                               "errors", "last", "slowest", "good", "bad", "refused", "never read"}};
         for (const auto& rtu : channel.value(QStringLiteral("rtus")).toArray())
             rows.push_back(rowFor(rtu.toObject()));
         tables += channelHeading(channel) + '\n' + tableText(rows);

@@ -21,6 +21,7 @@
 #include <ControlCharacters.h>
 #include <DescriptorLimit.h>
 #include <HalvexDriverComponent/CLogger.h>
+#include <HalvexDriverComponent/CRtu.h>
 
 #include <cstdlib>
 #include <iostream>
@@ -121,6 +122,7 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     Messages messages;
     LineMessages lineMessages(messages);
     HostRuntime runtime(site, store, &lineMessages);
+    runtime.supervisePolls();
     std::string fault = runtime.prepare(options.pluginPath);
     if (!fault.empty())
         return failed(fault);
@@ -128,6 +130,10 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
         site, [&runtime](int channelId, int rtuId) { return runtime.findRtu(channelId, rtuId); },
         [&runtime](int channelId, int rtuId) {
             return runtime.requestEnds().wasLastRequestRefused(channelId, rtuId);
+        },
+        [&runtime](CRtu& rtu, const CommandAction& action, CReply* reply) {
+            const std::unique_lock<std::mutex> hold = runtime.holdPoints(rtu.chennelId());
+            return callDriver(rtu, action, reply);
         });
     RunServices services(options, format, {site, store, messages, runtime, dispatcher, console});
     fault = services.start();

@@ -37,12 +37,15 @@ struct CommandDispatcher::Mailbox {
 };
 
 CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu,
-                                     AskIfRefused askIfRefused)
-    : CommandDispatcher(commandedSite, findRtu, std::move(askIfRefused), commandTimeLimit) {}
+                                     AskIfRefused askIfRefused, CallDriver driverCall)
+    : CommandDispatcher(commandedSite, findRtu, std::move(askIfRefused), commandTimeLimit,
+                        std::move(driverCall)) {}
 
 CommandDispatcher::CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu,
-                                     AskIfRefused askIfRefused, const TimeLimit& timeLimit)
-    : isRefused(std::move(askIfRefused)), mailbox(std::make_shared<Mailbox>()) {
+                                     AskIfRefused askIfRefused, const TimeLimit& timeLimit,
+                                     CallDriver driverCall)
+    : isRefused(std::move(askIfRefused)), callsDriver(std::move(driverCall)),
+      mailbox(std::make_shared<Mailbox>()) {
     addLines(commandedSite, findRtu, timeLimit);
     thread = startThread("the commands", [this] { run(); });
 }
@@ -277,7 +280,7 @@ void CommandDispatcher::makeCall(const Call& call) {
         const bool isUntold = ended == Result::Success && refused;
         box->put({number, {isUntold ? Result::BadData : ended, true, refused}});
     });
-    const auto result = static_cast<Result>(callDriver(rtu, call.action, reply));
+    const auto result = static_cast<Result>(callsDriver(rtu, call.action, reply));
     if (result == Result::Success)
         return;
     reply->release();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Command.h"
+#include "DriverCall.h"
 #include "site/Site.h"
 
 #include <chrono>
@@ -36,6 +37,8 @@ public:
     using FindRtu = std::function<CRtu*(int channelId, int rtuId)>;
     using AskIfRefused = std::function<bool(int channelId, int rtuId)>;
     using TimeLimit = std::function<std::chrono::milliseconds(const Channel&)>;
+    // Calls the driver's operation, as callDriver() does.
+    using CallDriver = std::function<int(CRtu&, const CommandAction&, CReply*)>;
 
     // Commands that wait for an RTU behind the one in progress.
     static constexpr std::size_t mostWaiting = 1'000;
@@ -45,9 +48,10 @@ public:
     // Asks `findRtu` for every RTU of the site at once and never again. Asks `askIfRefused` on the channels'
     // threads whether a command that the driver takes for done was refused; it must outlive the RTUs. Throws
     // ThreadRefused.
-    CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu, AskIfRefused askIfRefused);
     CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu, AskIfRefused askIfRefused,
-                      const TimeLimit& timeLimit);
+                      CallDriver driverCall = callDriver);
+    CommandDispatcher(const Site& commandedSite, const FindRtu& findRtu, AskIfRefused askIfRefused,
+                      const TimeLimit& timeLimit, CallDriver driverCall = callDriver);
     CommandDispatcher(const CommandDispatcher&) = delete;
     CommandDispatcher& operator=(const CommandDispatcher&) = delete;
     ~CommandDispatcher() override;
@@ -136,6 +140,7 @@ private:
     void makeCall(const Call& call);
 
     const AskIfRefused isRefused;
+    const CallDriver callsDriver;
 
     // Fixed after construction.
     std::map<std::pair<int, int>, RtuLane> lanes; // by channel and RTU

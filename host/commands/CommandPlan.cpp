@@ -158,7 +158,8 @@ std::vector<CommandAction> planDriverCalls(const Rtu& rtu, const CommandAction& 
     else
         return {action};
     std::vector<CommandAction> calls;
-    for (const WordCommand& command : planWordWrites(writes))
+    const unsigned longest = std::min(rtu.limits.writeWords.value_or(longestWriteList), longestWriteList);
+    for (const WordCommand& command : planWordWrites(writes, longest))
         calls.push_back(actionOf(command));
     return calls;
 }

@@ -51,7 +51,11 @@ std::string telegramText(const ReadTelegram& telegram) {
 void checkRtu(const Channel& channel, const LinkEnd& end, const Rtu& rtu, Findings& findings) {
     std::optional<Fault> worst;
     std::size_t faults = 0;
-    for (const ReadTelegram& telegram : allTelegrams(planReads(rtu))) {
+    const RtuReadPlan plan = planReads(rtu);
+    std::vector<ReadTelegram> telegrams = allTelegrams(plan);
+    const std::vector<ReadTelegram> ofSecond = allTelegrams(plan.second);
+    telegrams.insert(telegrams.end(), ofSecond.begin(), ofSecond.end());
+    for (const ReadTelegram& telegram : telegrams) {
         std::optional<Fault> fault = faultOf(channel, end, rtu, telegram);
         faults += fault ? 1 : 0;
         if (fault && (!worst || fault->isWorseThan(*worst)))

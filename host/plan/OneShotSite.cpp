@@ -88,9 +88,7 @@ std::string elementsText(const Rtu& rtu) {
     std::string text;
     for (const ReadTelegram& telegram : allTelegrams(planReads(rtu))) {
         text += text.empty() ? "" : ", ";
-        text += toText(ElementAddress{telegram.media, telegram.first});
-        if (telegram.count > 1)
-            text += ".." + std::to_string(telegram.first + telegram.count - 1);
+        text += toText(telegram);
     }
     return text;
 }

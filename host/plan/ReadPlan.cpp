@@ -1,7 +1,6 @@
 #include "ReadPlan.h"
 
 #include <algorithm>
-#include <map>
 
 namespace host {
 
@@ -72,29 +71,93 @@ std::vector<ReadTelegram> planTelegrams(char media, const std::set<unsigned>& el
     return telegrams;
 }
 
-RtuReadPlan planReads(const Rtu& rtu) {
-    std::map<char, std::set<unsigned>> elementsOfMedia; // in the driver's order of media
-    for (const Point& point : rtu.points)
-        if (point.isPolled)
-            elementsOfMedia[point.address.media].insert(point.address.number);
+namespace {
 
+std::vector<ReadTelegram>& telegramsOf(ReadShare& share, char media) {
+    return isBitMedia(media) ? share.status : share.analog;
+}
+
+void append(std::vector<ReadTelegram>& telegrams, const std::vector<ReadTelegram>& more) {
+    telegrams.insert(telegrams.end(), more.begin(), more.end());
+}
+
+RtuReadPlan planWhole(const Rtu& rtu) {
     RtuReadPlan plan;
-    for (auto& [media, elements] : elementsOfMedia) {
+    for (auto& [media, elements] : polledElements(rtu)) {
+        std::set<unsigned> all = elements;
         for (const unsigned element : hiddenElements(media, elements)) {
-            elements.insert(element);
+            all.insert(element);
             plan.hidden.push_back({media, element});
         }
-        std::vector<ReadTelegram>& telegrams = isBitMedia(media) ? plan.status : plan.analog;
-        const std::vector<ReadTelegram> more = planTelegrams(media, elements);
-        telegrams.insert(telegrams.end(), more.begin(), more.end());
+        append(telegramsOf(plan, media), planTelegrams(media, all));
     }
     return plan;
 }
 
-std::vector<ReadTelegram> allTelegrams(const RtuReadPlan& plan) {
-    std::vector<ReadTelegram> all = plan.status;
-    all.insert(all.end(), plan.analog.begin(), plan.analog.end());
-    return all;
+// Each telegram takes as much as it may, so that there are as few as possible.
+std::vector<ReadTelegram> cutTelegrams(const Rtu& rtu, const RefusedReads& refused, char media,
+                                       const std::set<unsigned>& elements) {
+    const std::optional<unsigned> limit = isBitMedia(media) ? rtu.limits.readBits : rtu.limits.readWords;
+    const unsigned most = std::min(limit.value_or(readLimit(media) - 1), readLimit(media) - 1);
+    std::vector<ReadTelegram> telegrams;
+    for (const unsigned element : elements) {
+        if (refused.isAbsent({media, element}))
+            continue;
+        ReadTelegram* const open = telegrams.empty() ? nullptr : &telegrams.back();
+        if (open != nullptr && element - open->last() - 1 <= rtu.limits.gap && element - open->first < most &&
+            refused.mayJoin(media, open->last(), element))
+            open->count = element - open->first + 1;
+        else
+            telegrams.push_back({media, element, 1});
+    }
+    return telegrams;
+}
+
+bool touchesLast(const std::vector<ReadTelegram>& telegrams, const ReadTelegram& next) {
+    return !telegrams.empty() && telegrams.back().media == next.media &&
+           telegrams.back().last() + 1 == next.first;
+}
+
+RtuReadPlan planCut(const Rtu& rtu, const RefusedReads& refused) {
+    RtuReadPlan plan;
+    for (const auto& [media, elements] : polledElements(rtu))
+        for (const ReadTelegram& telegram : cutTelegrams(rtu, refused, media, elements)) {
+            ReadShare& share = touchesLast(telegramsOf(plan, media), telegram) ? plan.second : plan;
+            telegramsOf(share, media).push_back(telegram);
+            for (unsigned element = telegram.first; element <= telegram.last(); ++element)
+                if (elements.count(element) == 0)
+                    share.hidden.push_back({media, element});
+        }
+    return plan;
+}
+
+} // namespace
+
+bool hasReadLimits(const Rtu& rtu) {
+    return rtu.limits.readWords || rtu.limits.readBits || rtu.limits.gap > 0;
+}
+
+RtuReadPlan planReads(const Rtu& rtu, const RefusedReads& refused) {
+    return hasReadLimits(rtu) || !refused.isEmpty() ? planCut(rtu, refused) : planWhole(rtu);
+}
+
+std::map<char, std::set<unsigned>> polledElements(const Rtu& rtu) {
+    std::map<char, std::set<unsigned>> elementsOfMedia;
+    for (const Point& point : rtu.points)
+        if (point.isPolled)
+            elementsOfMedia[point.address.media].insert(point.address.number);
+    return elementsOfMedia;
+}
+
+std::string toText(const ReadTelegram& telegram) {
+    const std::string first = toText(ElementAddress{telegram.media, telegram.first});
+    return telegram.count > 1 ? first + ".." + std::to_string(telegram.last()) : first;
+}
+
+std::vector<ReadTelegram> allTelegrams(const ReadShare& share) {
+    std::vector<ReadTelegram> telegrams = share.status;
+    append(telegrams, share.analog);
+    return telegrams;
 }
 
 } // namespace host

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "ReadTelegram.h"
+#include "RefusedReads.h"
 #include "site/Site.h"
 
+#include <map>
 #include <set>
 #include <vector>
 
@@ -14,13 +17,6 @@
 // read of counters, and with another run behind it the first element of that run is taken for a neighbour. So
 // no run may end on the first element behind a cut: its length must not be a multiple of (limit - 1), plus 1.
 namespace host {
-
-// The elements of one read telegram: `count` of them from `first` on.
-struct ReadTelegram {
-    char media = 'R';
-    unsigned first = 0;
-    unsigned count = 0;
-};
 
 // 32 for timers and counters, 128 for the others.
 unsigned readLimit(char media);
@@ -35,14 +31,31 @@ std::vector<unsigned> hiddenElements(char media, const std::set<unsigned>& eleme
 // The telegrams that the driver makes of `elements`, none of whose runs may have a critical length.
 std::vector<ReadTelegram> planTelegrams(char media, const std::set<unsigned>& elements);
 
-// What one RTU is asked for.
-struct RtuReadPlan {
+// What one of the driver's RTUs is given to read.
+struct ReadShare {
     std::vector<ReadTelegram> status; // by a status poll
     std::vector<ReadTelegram> analog; // by an analog poll; an integrity poll asks for both
     std::vector<ElementAddress> hidden;
 };
-RtuReadPlan planReads(const Rtu& rtu);
-// Those of an integrity poll.
-std::vector<ReadTelegram> allTelegrams(const RtuReadPlan& plan);
+
+// What one RTU of the site is asked for: by the driver's RTU of the same id, and by a second one of the same
+// station, which has what must not stand beside a telegram of the first.
+struct RtuReadPlan : ReadShare {
+    ReadShare second;
+};
+
+// Without limits and refusals the first RTU has all, cut as the driver does it. Otherwise the host cuts: as
+// few telegrams as the limits, the cuts and the absent elements allow. The driver would join two that touch,
+// so one of them goes to the second RTU.
+RtuReadPlan planReads(const Rtu& rtu, const RefusedReads& refused = {});
+
+// Whether the site file tells of a controller that can do less.
+bool hasReadLimits(const Rtu& rtu);
+
+// The elements that the points of `rtu` read, by media in the driver's order.
+std::map<char, std::set<unsigned>> polledElements(const Rtu& rtu);
+
+// All telegrams of a share, in the order of an integrity poll.
+std::vector<ReadTelegram> allTelegrams(const ReadShare& share);
 
 } // namespace host

@@ -44,6 +44,8 @@ void describeShielding(std::ostream& out, const RtuForecast& forecast) {
         if (point.writtenAddress)
             out << "    address " << *point.writtenAddress << " of \"" << point.name << "\" is taken as "
                 << toText(point.address) << '\n';
+    if (hasReadLimits(*forecast.rtu))
+        return; // its telegrams are told one by one
     for (const ElementAddress& hidden : forecast.plan.hidden)
         out << "    hidden point " << toText(hidden)
             << " added: the run of consecutive elements beside it would not be read in full without it\n";
@@ -57,6 +59,27 @@ void describeSharedElements(std::ostream& out, const Rtu& rtu) {
             << "\" as a float; a command to either changes both\n";
 }
 
+// Of a controller with limits, whose telegrams are not those that the driver makes of itself.
+void describeTelegrams(std::ostream& out, const RtuForecast& forecast) {
+    constexpr std::size_t longestLine = 100;
+    const std::string heading = "    telegrams     ";
+    std::string line = heading;
+    const auto append = [&](const std::vector<ReadTelegram>& telegrams) {
+        for (const ReadTelegram& telegram : telegrams) {
+            const std::string text = " " + toText(telegram);
+            if (line.size() + text.size() > longestLine) {
+                out << line << '\n';
+                line = std::string(heading.size(), ' ');
+            }
+            line += text;
+        }
+    };
+    for (const ReadShare* const share :
+         {static_cast<const ReadShare*>(&forecast.plan), &forecast.plan.second})
+        append(allTelegrams(*share));
+    out << line << '\n';
+}
+
 void describeRtu(std::ostream& out, const RtuForecast& forecast) {
     const Rtu& rtu = *forecast.rtu;
     out << "  RTU " << rtu.id << " \"" << rtu.name << "\", station " << rtu.station << ": "
@@ -67,6 +90,8 @@ void describeRtu(std::ostream& out, const RtuForecast& forecast) {
     describePoll(out, "integrity poll", forecast.integrity, rtu.scan.integrity);
     describePoll(out, "status poll", forecast.status, rtu.scan.status);
     describePoll(out, "analog poll", forecast.analog, rtu.scan.analog);
+    if (hasReadLimits(rtu))
+        describeTelegrams(out, forecast);
     if (rtu.timeSync)
         out << "    clock set      every " << std::setw(6) << durationText(*rtu.timeSync) << '\n';
 }

@@ -4,6 +4,9 @@
 #include "telegram/AnswerTelegram.h"
 #include "telegram/TelegramText.h"
 
+#include <algorithm>
+#include <set>
+
 namespace host {
 
 namespace {
@@ -67,7 +70,41 @@ std::string badAnswer(const RequestEnd& end) {
                      : "; check for answers later than the time-out");
 }
 
+constexpr std::size_t mostElementsTold = 20;
+
+// "R17, R205..207 and 4 more"
+std::string elementsText(const std::vector<ElementAddress>& elements) {
+    const std::set<ElementAddress> inOrder(elements.begin(), elements.end());
+    std::vector<ReadTelegram> runs;
+    for (const ElementAddress& element : inOrder) {
+        if (!runs.empty() && runs.back().media == element.media && runs.back().last() + 1 == element.number)
+            ++runs.back().count;
+        else
+            runs.push_back({element.media, element.number, 1});
+    }
+    std::string text;
+    for (std::size_t i = 0; i < std::min(runs.size(), mostElementsTold); ++i)
+        text += (i == 0 ? "" : ", ") + toText(runs[i]);
+    return runs.size() > mostElementsTold ? text + " and more" : text;
+}
+
 } // namespace
+
+std::string refusalNewsText(const RefusalNews& news) {
+    std::string text;
+    if (!news.absent.empty())
+        text += "; the controller does not have " + elementsText(news.absent) +
+                ": their points are refused, the others are read; correct their addresses in the point table";
+    if (!news.found.empty())
+        text += "; the controller has " + elementsText(news.found) + " again";
+    if (!news.tooLong.empty())
+        text += "; the controller refuses " + std::to_string(news.tooLong.front().count) +
+                " elements in one telegram (" + toText(news.tooLong.front()) +
+                "), so they are read in parts; tell its limit with " +
+                (isBitMedia(news.tooLong.front().media) ? "max_read_bits" : "max_read_words") +
+                ", or leave out max_gap";
+    return text.empty() ? text : text.substr(2);
+}
 
 std::string failureReason(const RequestEnd& end) {
     switch (end.kind) {

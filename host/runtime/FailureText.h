@@ -16,6 +16,9 @@ std::string refusalText(const RequestEnd& end);
 // The primary end where there is no other.
 const LinkEnd& linkEndOf(const Channel& channel, bool onSecondary);
 
+// "the controller does not have R17 and R205: ..."
+std::string refusalNewsText(const RefusalNews& news);
+
 // "channel 1 "waterworks", RTU 2 "tank" (station 5)"; without the RTU when it is null.
 std::string nameOf(const Channel& channel, const Rtu* rtu);
 

@@ -43,6 +43,10 @@ HostRuntime::~HostRuntime() {
     stop();
 }
 
+void HostRuntime::supervisePolls() {
+    isSupervised = true;
+}
+
 std::string HostRuntime::start(const std::string& pluginPath) {
     std::string fault = prepare(pluginPath);
     if (!fault.empty())
@@ -91,9 +95,13 @@ std::string HostRuntime::makeChannel(const Channel& configured) {
                                            : nullptr);
     for (const Rtu& rtu : configured.rtus)
         addRtu(*channel, rtu);
-    channels.push_back({&configured, std::move(channel)});
+    LinePoller* const poller = isSupervised ? &ends.makePoller(configured, *channel) : nullptr;
+    channel->SetPollTaker(poller);
+    channels.push_back({&configured, std::move(channel), poller});
     if (!channels.back().channel->InitChannel())
         return who + ": the plug-in cannot prepare the line";
+    if (poller != nullptr)
+        poller->prepare();
     return {};
 }
 
@@ -106,7 +114,7 @@ std::unique_ptr<CLink> HostRuntime::makeLinkOf(const LinkEnd& end, LinkObserver&
 void HostRuntime::addRtu(CChannel& channel, const Rtu& rtu) {
     CRtu* const made = channel.AddRtu(makeRtuRecord(rtu));
     // The plug-in polls every RTU when its line connects. One without points has nothing to poll.
-    if (made != nullptr && rtu.enabled)
+    if (made != nullptr && rtu.enabled && !isSupervised)
         addPoints(*made, rtu);
 }
 
@@ -155,8 +163,17 @@ std::vector<RtuFigures> HostRuntime::rtuFigures() const {
         for (const Rtu& rtu : running.configured->rtus)
             if (const CRtu* const made = running.channel->GetRtuMap().value(rtu.id)) {
                 const int channelId = running.configured->id;
-                RtuFigures one{running.configured, &rtu, made->GetRtuStatus(),
-                               ends.wasRefused(channelId, rtu.id)};
+                RtuFigures one;
+                one.channel = running.configured;
+                one.rtu = &rtu;
+                one.status = made->GetRtuStatus();
+                one.attempts = one.status.requests;
+                one.wasRefused = ends.wasRefused(channelId, rtu.id);
+                if (const auto supervised = ends.figuresOf(channelId, rtu.id)) {
+                    one.status = supervised->status;
+                    one.status.connected = running.channel->IsConnect() && one.status.answers > 0;
+                    one.attempts = supervised->attempts;
+                }
                 one.status.connected = one.status.connected && !ends.isSilent(channelId, rtu.id);
                 figures.push_back(one);
             }
@@ -180,6 +197,12 @@ CRtu* HostRuntime::findRtu(int channelId, int rtuId) const {
     return running == nullptr ? nullptr : running->channel->GetRtuMap().value(rtuId);
 }
 
+std::unique_lock<std::mutex> HostRuntime::holdPoints(int channelId) const {
+    const RunningChannel* const running = find(channelId);
+    return running == nullptr || running->poller == nullptr ? std::unique_lock<std::mutex>()
+                                                            : running->poller->holdPoints();
+}
+
 Halvex::DriverErrorResult HostRuntime::requestPoll(int channelId, int rtuId) const {
     CRtu* const rtu = findRtu(channelId, rtuId);
     if (rtu == nullptr)
@@ -187,6 +210,9 @@ Halvex::DriverErrorResult HostRuntime::requestPoll(int channelId, int rtuId) con
     // The driver would keep the wish until the line is open, and then poll anyway.
     if (!rtu->GetChannel()->IsConnect())
         return Halvex::DriverErrorResult::ChannelError;
+    if (const RunningChannel* const running = find(channelId);
+        running->poller != nullptr && running->poller->wish(rtuId))
+        return Halvex::DriverErrorResult::Success;
     // Without a reply: the driver drops a wish that equals a pending one, and its reply would never come.
     return static_cast<Halvex::DriverErrorResult>(
         rtu->RequestPoll(static_cast<int>(Halvex::PollKind::Integrity), nullptr));

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,7 @@ struct RtuFigures {
     const Channel* channel = nullptr;
     const Rtu* rtu = nullptr;
     RtuStatus status;        // not connected when the last request found no answer
+    quint64 attempts = 0;    // requests of the driver's that its polls and commands took
     bool wasRefused = false; // the last of its requests that failed
 };
 
@@ -56,6 +58,10 @@ public:
     HostRuntime& operator=(const HostRuntime&) = delete;
     ~HostRuntime();
 
+    // Before prepare(): polls are repeated, refused telegrams taken apart, silent stations left to rest, as
+    // the site file says. Otherwise the driver's requests stand for themselves.
+    void supervisePolls();
+
     // Loads the plug-in and makes every channel. Empty, or what went wrong; then there are none.
     std::string prepare(const std::string& pluginPath);
     // Starts every channel's thread. Empty, or which line has none; then those before it run until stop().
@@ -73,6 +79,8 @@ public:
     ChannelStatus channelStatus(const Channel& channel) const;
     // Null when there is none.
     CRtu* findRtu(int channelId, int rtuId) const;
+    // While this is held, the driver may be given commands for the RTUs of a channel.
+    std::unique_lock<std::mutex> holdPoints(int channelId) const;
     // Asks an RTU for an integrity poll. The result tells only whether the driver took the wish over.
     Halvex::DriverErrorResult requestPoll(int channelId, int rtuId) const;
     // Every telegram of every line and its answer.
@@ -84,6 +92,7 @@ private:
     struct RunningChannel {
         const Channel* configured = nullptr;
         std::unique_ptr<CChannel> channel;
+        LinePoller* poller = nullptr; // where polls are supervised
     };
 
     std::string makeChannel(const Channel& configured);
@@ -98,6 +107,7 @@ private:
     const LinkFactory makeEnd;
     DriverPlugin plugin; // outlives the channels, whose code is the plug-in's
     std::vector<RunningChannel> channels;
+    bool isSupervised = false;
 };
 
 // The host's records for the driver. The number of a point in them is its position in its RTU, from 0 on.

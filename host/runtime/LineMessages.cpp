@@ -41,6 +41,10 @@ void LineMessages::requestEnded(const RequestEnd& end) {
         messages.tell(*message);
 }
 
+void LineMessages::refusalsFound(const Channel& channel, const Rtu& rtu, const RefusalNews& news) {
+    messages.tell(nameOf(channel, &rtu) + ": " + refusalNewsText(news));
+}
+
 void LineMessages::lineOpened(const Channel& channel, bool onSecondary, int result) {
     const std::lock_guard<std::mutex> lock(mutex);
     if (const std::optional<std::string> message = openText(channel, onSecondary, result))

@@ -16,6 +16,7 @@ public:
     explicit LineMessages(Messages& messagesForPeople) : messages(messagesForPeople) {}
 
     void requestEnded(const RequestEnd& end) override;
+    void refusalsFound(const Channel& channel, const Rtu& rtu, const RefusalNews& news) override;
     void lineOpened(const Channel& channel, bool onSecondary, int result) override;
 
 private:

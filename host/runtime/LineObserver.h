@@ -46,6 +46,9 @@ public:
     RequestTrace endRequest();
     // Made anew at each call.
     Exchange lastExchange() const;
+    // The bytes of its telegram.
+    const TelegramBytes& lastTelegram() const { return current.sent; }
+    Framing framing() const { return current.framing; }
 
     bool onSecondary() const { return current.onSecondary; }
     // Whether this is the thread that uses the links. Any thread.

@@ -1,5 +1,7 @@
 #include "HostRuntime.h"
 
+#include "DriverPoints.h"
+#include "plan/ElementSet.h"
 #include "plan/ReadPlan.h"
 
 #include <HalvexDriverComponent/CRtu.h>
@@ -77,6 +79,65 @@ StatusPoint releaseTwin(const Rtu& rtu, const Point& pulsePoint) {
     return statusPoint(twin, releaseTwinOf(rtu, pulsePoint));
 }
 
+std::vector<ElementAddress> elementsOf(const std::vector<ReadTelegram>& telegrams) {
+    std::vector<ElementAddress> elements;
+    for (const ReadTelegram& telegram : telegrams)
+        for (unsigned number = telegram.first; number <= telegram.last(); ++number)
+            elements.push_back({telegram.media, number});
+    return elements;
+}
+
+void addReadPoints(CPointList& list, const Rtu& rtu, const std::vector<ReadTelegram>& telegrams) {
+    const ElementSet elements(telegrams);
+    std::set<ElementAddress> read;
+    for (const Point& point : rtu.points) {
+        if (!point.isPolled || !elements.contains(point.address))
+            continue;
+        read.insert(point.address);
+        if (point.kind == PointKind::Status)
+            list.AddStatusPoint(statusPoint(point, numberOf(rtu, point)));
+        else
+            list.AddAnalogPoint(analogPoint(point, numberOf(rtu, point)));
+    }
+    unsigned number = firstHiddenNumber;
+    for (const ElementAddress& element : elementsOf(telegrams))
+        if (read.count(element) == 0)
+            addHiddenPoint(list, number++, element);
+}
+
+// The driver keeps the polls of an RTU that has no points any more.
+void addUnreadPoint(CPointList& list) {
+    StatusPoint point;
+    point.number = firstHiddenNumber;
+    list.AddStatusPoint(point);
+}
+
+// The driver splits addresses when it makes its polls, and looks for the parts when it is given a command.
+void addCommandedPoint(CPointList& list, const Point& point, unsigned number) {
+    AnalogPoint record = analogPoint(point, number);
+    record.address = QString(QLatin1Char(point.address.media));
+    record.addressNumber = text(point.address.number);
+    list.AddAnalogPoint(record);
+}
+
+// Behind the making of the polls, so that they are not read.
+void addCommandedPoints(CPointList& list, const Rtu& rtu) {
+    for (const Point& point : rtu.points) {
+        const unsigned number = numberOf(rtu, point);
+        if (point.kind == PointKind::Status && list.GetStatusPoint(number) == nullptr)
+            list.AddStatusPoint(statusPoint(point, number));
+        if (point.kind == PointKind::Analog && list.GetAnalogPoint(number) == nullptr)
+            addCommandedPoint(list, point, number);
+        if (isReleasedByDriver(point) && !isOffCommandItsRelease(point))
+            list.AddStatusPoint(releaseTwin(rtu, point));
+        if (!point.isFloat)
+            continue;
+        Point twin = point;
+        twin.isFloat = false;
+        addCommandedPoint(list, twin, integerTwinOf(rtu, point));
+    }
+}
+
 std::unique_ptr<CLink> makeLink(const UdpEnd& end) {
     return std::make_unique<CLinkUdp>(UdpSettings{end.host, static_cast<std::uint16_t>(end.port)});
 }
@@ -125,6 +186,20 @@ void addPoints(CRtu& target, const Rtu& rtu) {
             addHiddenPoint(list, integerTwinOf(rtu, point), point.address);
         else if (isReleasedByDriver(point) && !isOffCommandItsRelease(point))
             list.AddStatusPoint(releaseTwin(rtu, point));
+}
+
+void givePointsToRead(CRtu& target, const Rtu& rtu, const std::vector<ReadTelegram>& telegrams) {
+    CPointList& list = *target.GetPointList();
+    list.Clear();
+    addReadPoints(list, rtu, telegrams);
+    if (telegrams.empty())
+        addUnreadPoint(list);
+    target.InitRtu();
+}
+
+void givePointsToReadAndCommand(CRtu& target, const Rtu& rtu, const std::vector<ReadTelegram>& telegrams) {
+    givePointsToRead(target, rtu, telegrams);
+    addCommandedPoints(*target.GetPointList(), rtu);
 }
 
 unsigned integerTwinOf(const Rtu& rtu, const Point& floatPoint) {

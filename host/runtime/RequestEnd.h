@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plan/ReadTelegram.h"
 #include "site/Site.h"
 #include "telegram/Exchange.h"
 
@@ -25,6 +26,17 @@ struct RequestEnd {
     // answered or had no telegram.
     std::optional<Exchange> exchange;
     bool onSecondary = false; // the end in use
+    bool isTimeOut = false;   // what the driver counts a failure as
+    bool hasTelegram = false; // at least one was sent
+};
+
+// What a poll has found out about what a controller reads.
+struct RefusalNews {
+    std::vector<ElementAddress> absent; // refused alone: the controller does not have them
+    std::vector<ElementAddress> found;  // refused before, and answered now
+    std::vector<ReadTelegram> tooLong;  // refused as a whole, and answered in parts
+
+    bool isEmpty() const { return absent.empty() && found.empty() && tooLong.empty(); }
 };
 
 // Who hears of the lines of a site. Called on the lines' threads, and of a request that was never sent on the
@@ -33,7 +45,9 @@ class LineListener {
 public:
     virtual ~LineListener() = default;
 
+    // A request, or a poll with all its attempts.
     virtual void requestEnded(const RequestEnd& end) = 0;
+    virtual void refusalsFound(const Channel& /*channel*/, const Rtu& /*rtu*/, const RefusalNews& /*news*/) {}
     // A try to open the line: 0, or the system's error number.
     virtual void lineOpened(const Channel& channel, bool onSecondary, int result) = 0;
 };

@@ -1,6 +1,8 @@
 #include "RequestEnds.h"
 
-#include <utility>
+#include "telegram/RequestTelegram.h"
+
+#include <algorithm>
 
 namespace host {
 
@@ -13,13 +15,36 @@ RequestEnds::RequestEnds(const Site& site, HalvexDriverCoreInterface& hostCore, 
         Line& line = lines[channel.id];
         line.channel = &channel;
         line.observer =
-            std::make_unique<LineObserver>(channel, feed, [this, &channel](bool second, int result) {
+            std::make_unique<LineObserver>(channel, feed, [this, &channel, &line](bool second, int result) {
+                if (line.poller != nullptr)
+                    line.poller->lineOpened(second, result);
                 if (listener != nullptr)
                     listener->lineOpened(channel, second, result);
             });
-        for (const Rtu& rtu : channel.rtus)
-            line.rtus[rtu.id].rtu = &rtu;
+        for (const Rtu& rtu : channel.rtus) {
+            Requests& requests = line.rtus[rtu.id];
+            requests.rtu = &rtu;
+            line.counted[rtu.id].requests = &requests;
+        }
     }
+}
+
+LinePoller& RequestEnds::makePoller(const Channel& channel, CChannel& driverChannel) {
+    Line& line = lines.at(channel.id);
+    const auto pollEnded = [this, &line](const RequestEnd& end) {
+        Requests& requests = line.rtus.at(end.rtu->id);
+        countEnd(end, requests.figures);
+        tell(requests, end);
+    };
+    const auto refusalsFound = [this, &channel](const Rtu& rtu, const RefusalNews& news) {
+        if (listener != nullptr)
+            listener->refusalsFound(channel, rtu, news);
+    };
+    line.poller = std::make_unique<LinePoller>(channel, driverChannel, core,
+                                               LinePoller::Listener{pollEnded, refusalsFound});
+    for (const int id : line.poller->driverRtuIds())
+        line.counted[id].requests = &line.rtus.at(line.poller->configuredOf(id)->id);
+    return *line.poller;
 }
 
 LineObserver& RequestEnds::observerOf(int channelId) {
@@ -27,7 +52,13 @@ LineObserver& RequestEnds::observerOf(int channelId) {
 }
 
 void RequestEnds::publishPoints(int channelId, int rtuId, const QVector<PointUpdate>& updates) {
-    core.publishPoints(channelId, rtuId, updates);
+    const auto line = lines.find(channelId);
+    const Rtu* const polled =
+        line == lines.end() || !line->second.poller ? nullptr : line->second.poller->configuredOf(rtuId);
+    if (polled == nullptr)
+        core.publishPoints(channelId, rtuId, updates);
+    else if (!updates.isEmpty() && updates.front().quality == PointQuality::Good)
+        core.publishPoints(channelId, polled->id, updates);
 }
 
 void RequestEnds::publishChannelStatus(int channelId, const ChannelStatus& status) {
@@ -38,42 +69,114 @@ void RequestEnds::publishChannelStatus(int channelId, const ChannelStatus& statu
 void RequestEnds::publishRtuStatus(int channelId, int rtuId, const RtuStatus& status) {
     const auto line = lines.find(channelId);
     if (line != lines.end()) {
-        const auto requests = line->second.rtus.find(rtuId);
-        if (requests != line->second.rtus.end())
-            if (const std::optional<RequestEnd> end = endOf(line->second, requests->second, status))
-                if (listener != nullptr)
-                    listener->requestEnded(*end);
+        const auto counted = line->second.counted.find(rtuId);
+        if (counted != line->second.counted.end())
+            if (const std::optional<RequestEnd> end = endOf(line->second, counted->second, status))
+                tellEnd(line->second, rtuId, *end, status);
+        if (isSecond(line->second, rtuId))
+            return;
     }
     core.publishRtuStatus(channelId, rtuId, status);
 }
 
+// Of the host's own making, which nobody else knows.
+bool RequestEnds::isSecond(const Line& line, int driverRtuId) {
+    const Rtu* const polled = line.poller == nullptr ? nullptr : line.poller->configuredOf(driverRtuId);
+    return polled != nullptr && polled->id != driverRtuId;
+}
+
 // Nothing when the status counts no request more than the last one did.
-std::optional<RequestEnd> RequestEnds::endOf(Line& line, Requests& requests, const RtuStatus& status) {
+std::optional<RequestEnd> RequestEnds::endOf(Line& line, Counted& counted, const RtuStatus& status) {
+    RequestEnd end;
     bool isAnswered = false;
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        if (status.requests <= requests.ended)
+        if (status.requests <= counted.status.requests)
             return std::nullopt;
-        requests.ended = status.requests;
-        isAnswered = status.answers > std::exchange(requests.answers, status.answers);
+        isAnswered = status.answers > counted.status.answers;
+        end.isTimeOut = status.timeOuts > counted.status.timeOuts;
+        counted.status = status;
     }
-    RequestEnd end;
     end.channel = line.channel;
-    end.rtu = requests.rtu;
-    if (line.observer->isOnItsThread()) {
-        const LineObserver::RequestTrace trace = line.observer->endRequest();
-        if (trace.refusedWrite)
-            end.exchange = trace.refusedWrite;
-        else if (trace.hasExchange && !isAnswered)
-            end.exchange = line.observer->lastExchange();
-        end.kind = kindOf(trace, isAnswered, end.exchange);
-        end.onSecondary = line.observer->onSecondary();
-    } else {
+    end.rtu = counted.requests->rtu;
+    if (!line.observer->isOnItsThread()) {
         end.kind = isAnswered ? Kind::Answered : Kind::NotSent;
+        return end;
     }
-    const std::lock_guard<std::mutex> lock(mutex);
-    remember(requests, end.kind);
+    const LineObserver::RequestTrace trace = line.observer->endRequest();
+    if (trace.refusedWrite)
+        end.exchange = trace.refusedWrite;
+    else if (trace.hasExchange && !isAnswered)
+        end.exchange = line.observer->lastExchange();
+    end.kind = kindOf(trace, isAnswered, end.exchange);
+    end.hasTelegram = trace.hasExchange;
+    end.onSecondary = line.observer->onSecondary();
     return end;
+}
+
+void RequestEnds::tell(Requests& requests, const RequestEnd& end) {
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        remember(requests, end.kind);
+    }
+    if (listener != nullptr)
+        listener->requestEnded(end);
+}
+
+// What becomes of a read is the poller's to say. A command that was refused offline may end on another
+// thread.
+void RequestEnds::tellEnd(Line& line, int driverRtuId, const RequestEnd& end, const RtuStatus& status) {
+    Requests& requests = *line.counted.at(driverRtuId).requests;
+    if (line.poller == nullptr || line.poller->configuredOf(driverRtuId) == nullptr) {
+        tell(requests, end);
+        return;
+    }
+    const LineObserver& observer = *line.observer;
+    const bool isOnItsThread = observer.isOnItsThread();
+    const bool isCommand =
+        !isOnItsThread || (end.hasTelegram && isWriteTelegram(observer.framing(), observer.lastTelegram()));
+    if (end.hasTelegram || end.kind != Kind::Answered)
+        countAttempt(requests.figures, status);
+    if (!isCommand) {
+        line.poller->readEnded(driverRtuId, end, end.hasTelegram ? lastRead(observer) : std::nullopt);
+        return;
+    }
+    countEnd(end, requests.figures);
+    tell(requests, end);
+    if (isOnItsThread)
+        line.poller->commandEnded(driverRtuId, end);
+}
+
+void RequestEnds::countAttempt(Figures& figures, const RtuStatus& status) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    ++figures.attempts;
+    figures.status.lastRoundTrip = status.lastRoundTrip;
+    figures.status.slowestRoundTrip = std::max(figures.status.slowestRoundTrip, status.slowestRoundTrip);
+}
+
+void RequestEnds::countEnd(const RequestEnd& end, Figures& figures) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    RtuStatus& status = figures.status;
+    ++status.requests;
+    if (end.kind == Kind::Answered)
+        ++status.answers;
+    else
+        ++(end.isTimeOut ? status.timeOuts : status.errors);
+}
+
+std::optional<ReadTelegram> RequestEnds::lastRead(const LineObserver& observer) {
+    const std::optional<RequestTelegram> request = readRequest(observer.framing(), observer.lastTelegram());
+    if (!request)
+        return std::nullopt;
+    return ReadTelegram{request->media, request->first, static_cast<unsigned>(request->count)};
+}
+
+std::optional<RequestEnds::Figures> RequestEnds::figuresOf(int channelId, int rtuId) const {
+    const auto line = lines.find(channelId);
+    if (line == lines.end() || !line->second.poller || line->second.poller->configuredOf(rtuId) == nullptr)
+        return std::nullopt;
+    const std::lock_guard<std::mutex> lock(mutex);
+    return line->second.rtus.at(rtuId).figures;
 }
 
 RequestEnd::Kind RequestEnds::kindOf(const LineObserver::RequestTrace& trace, bool isAnswered,

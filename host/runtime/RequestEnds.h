@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LineObserver.h"
+#include "LinePoller.h"
 #include "RequestEnd.h"
 
 #include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
@@ -14,15 +15,19 @@ namespace host {
 
 // Stands between the driver and the host's core: passes all on, and makes of each RTU status that counts one
 // more request, joined with what has passed the line, the end of that request. Remembers how the last
-// requests of each RTU ended.
-// Threads: the core's operations on the driver's; what asks for the last requests on any. Site, core, feed
-// and listener outlive it; it outlives the driver and its links.
+// requests of each RTU ended. On a line that has a poller, which then decides what becomes of a failure,
+// values turn bad when it says so alone, and what is told and remembered of polls are their ends with all
+// attempts. Threads: the core's operations on the driver's; what asks for the last requests on any. Site,
+// core, feed and listener outlive it; it outlives the driver and its links.
 class RequestEnds : public HalvexDriverCoreInterface {
 public:
     // `lineListener` may be null.
     RequestEnds(const Site& site, HalvexDriverCoreInterface& hostCore, ExchangeFeed& feed,
                 LineListener* lineListener);
     ~RequestEnds() override = default;
+
+    // Makes the poller of a channel that has its RTUs, but not yet their points. It lives as long as this.
+    LinePoller& makePoller(const Channel& channel, CChannel& driverChannel);
 
     // The observer of a channel's links. The channel is one of the site's.
     LineObserver& observerOf(int channelId);
@@ -41,22 +46,41 @@ public:
     // time the line is opened anew it is set before anything has answered.
     bool isSilent(int channelId, int rtuId) const;
 
+    // Of an RTU whose line has a poller: its polls and commands, and how many requests they took.
+    struct Figures {
+        RtuStatus status; // but for the connected flag
+        quint64 attempts = 0;
+    };
+    std::optional<Figures> figuresOf(int channelId, int rtuId) const;
+
 private:
     struct Requests {
         const Rtu* rtu = nullptr;
-        quint64 ended = 0; // counted so far
-        quint64 answers = 0;
+        Figures figures;
         bool isSilent = false;
         bool wasRefused = false;     // the last one that failed
         bool wasLastRefused = false; // the very last one
     };
+    // What one of the driver's RTUs has counted so far.
+    struct Counted {
+        Requests* requests = nullptr; // of the RTU of the site for which it works
+        RtuStatus status;
+    };
     struct Line {
         const Channel* channel = nullptr;
         std::unique_ptr<LineObserver> observer;
-        std::map<int, Requests> rtus; // by id
+        std::map<int, Requests> rtus;   // by id
+        std::map<int, Counted> counted; // by the driver RTU's id
+        std::unique_ptr<LinePoller> poller;
     };
 
-    std::optional<RequestEnd> endOf(Line& line, Requests& requests, const RtuStatus& status);
+    static bool isSecond(const Line& line, int driverRtuId);
+    std::optional<RequestEnd> endOf(Line& line, Counted& counted, const RtuStatus& status);
+    void tell(Requests& requests, const RequestEnd& end);
+    void tellEnd(Line& line, int driverRtuId, const RequestEnd& end, const RtuStatus& status);
+    void countAttempt(Figures& figures, const RtuStatus& status);
+    void countEnd(const RequestEnd& end, Figures& figures);
+    static std::optional<ReadTelegram> lastRead(const LineObserver& observer);
     static RequestEnd::Kind kindOf(const LineObserver::RequestTrace& trace, bool isAnswered,
                                    const std::optional<Exchange>& last);
     static void remember(Requests& requests, RequestEnd::Kind kind);

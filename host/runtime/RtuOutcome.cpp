@@ -11,6 +11,8 @@ void count(RtuOutcome& outcome, PointQuality quality) {
         ++outcome.goodPoints;
     else if (quality == PointQuality::Bad)
         ++outcome.badPoints;
+    else if (quality == PointQuality::Refused)
+        ++outcome.refusedPoints;
     else
         ++outcome.neverReadPoints;
 }
@@ -30,9 +32,11 @@ ExitStatus judge(const RtuOutcome& outcome) {
     const RtuStatus& status = outcome.figures.status;
     if (!rtu.enabled || rtu.points.empty())
         return ExitStatus::Good; // nobody asks it
-    if (outcome.figures.wasRefused && outcome.badPoints + outcome.neverReadPoints > 0)
+    if (outcome.figures.wasRefused && outcome.badPoints + outcome.refusedPoints + outcome.neverReadPoints > 0)
         return ExitStatus::Refused;
-    return status.answers == 0 || !status.connected ? ExitStatus::CommunicationFailed : ExitStatus::Good;
+    if (status.answers == 0 || !status.connected)
+        return ExitStatus::CommunicationFailed;
+    return outcome.refusedPoints > 0 ? ExitStatus::Refused : ExitStatus::Good;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 
 namespace host {
 
@@ -18,6 +19,9 @@ inline bool operator==(const ElementAddress& a, const ElementAddress& b) {
 }
 inline bool operator!=(const ElementAddress& a, const ElementAddress& b) {
     return !(a == b);
+}
+inline bool operator<(const ElementAddress& a, const ElementAddress& b) {
+    return std::tie(a.media, a.number) < std::tie(b.media, b.number);
 }
 
 // The plain form, "R7": the only one under which the driver finds a point again.

@@ -45,6 +45,21 @@ struct ScanTimes {
     std::chrono::milliseconds analog{2'000};
 };
 
+// What a controller takes of one telegram, where that is less than the driver puts into it. Registers, timers
+// and counters are words; inputs, outputs and flags are bits.
+struct TelegramLimits {
+    std::optional<unsigned> readWords;
+    std::optional<unsigned> readBits;
+    std::optional<unsigned> writeWords;
+    unsigned gap = 0; // elements in a row that a telegram may read in vain to save another telegram
+};
+
+// How long a station that does not answer is left alone: each pause is twice the one before.
+struct RetryPauses {
+    std::chrono::milliseconds first{5'000};
+    std::chrono::milliseconds longest{60'000};
+};
+
 struct Rtu {
     int id = 0; // unique within its channel
     std::string name;
@@ -54,6 +69,9 @@ struct Rtu {
     TransmitType transmitType = TransmitType::Data; // serial lines; the same for all RTUs of a line
     unsigned breakDelayMs = 10;                     // likewise
     ScanTimes scan;
+    TelegramLimits limits;
+    unsigned attempts = 3; // how often a telegram is sent, at most, before its poll has failed
+    RetryPauses retry;
     std::optional<std::chrono::milliseconds> timeSync; // how often the clock is set; none: never
     std::vector<Point> points;                         // in the order of the file
     std::string pointFile;                             // where they stand: a point table or the site file

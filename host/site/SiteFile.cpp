@@ -4,6 +4,7 @@
 #include "PointFields.h"
 #include "PointTableFile.h"
 #include "SiteChecks.h"
+#include "StationKeys.h"
 #include "TomlTable.h"
 
 #include <TomlShape.h>
@@ -145,6 +146,7 @@ private:
         rtu.timeSync = table.duration("time_sync");
         lineSettings.push_back(readLineSetting(table, rtu));
         readScan(table, rtu);
+        readStationKeys(table, rtu, loaded.findings);
         readPoints(table, rtu);
         table.rejectUnknownKeys();
         channel.rtus.push_back(std::move(rtu));

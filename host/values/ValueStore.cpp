@@ -27,6 +27,9 @@ void ValueStore::publishPoints(int channelId, int rtuId, const QVector<PointUpda
 void ValueStore::update(PointIndex index, const PointUpdate& update, qint64 nowMs) {
     PointState& state = states[index];
     const bool isGood = update.quality == PointQuality::Good;
+    // A value that is not good does not turn bad.
+    if (update.quality == PointQuality::Bad && state.quality != PointQuality::Good)
+        return;
     const bool isChange = state.quality != update.quality || (isGood && state.value != update.value);
     if (isGood) {
         state.value = update.value;

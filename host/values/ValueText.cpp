@@ -49,6 +49,8 @@ const char* toText(PointQuality quality) {
         return "good";
     case PointQuality::Bad:
         return "bad";
+    case PointQuality::Refused:
+        return "refused";
     case PointQuality::NeverRead:
         break;
     }

@@ -15,7 +15,7 @@ void appendValue(std::string& text, const Point& point, double value);
 // What the controller holds when `value`, which fits, was written to the point: of a float single precision.
 double heldValue(const Point& point, double value);
 
-const char* toText(PointQuality quality); // "good", "bad", "never read"
+const char* toText(PointQuality quality); // "good", "bad", "refused", "never read"
 
 // "0.05 ms"
 std::string millisecondsText(std::chrono::microseconds duration);

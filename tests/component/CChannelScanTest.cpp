@@ -26,6 +26,18 @@ protected:
     TaskChannel channel;
 };
 
+class NotingTaker : public PollTaker {
+public:
+    void takeTurn(const std::vector<DuePoll>& due) override {
+        ++turns;
+        for (const DuePoll& poll : due)
+            kinds << poll.kind;
+    }
+
+    int turns = 0;
+    Kinds kinds;
+};
+
 } // namespace
 
 TEST_F(CChannelScan, AsksForThePollsThatAreDue) {
@@ -160,4 +172,46 @@ TEST(CChannelScanClock, RunsOnASteadyClockByItself) {
     while (rtu->polls.size() < 3)
         channel.CheckScan();
     EXPECT_EQ(rtu->polls.first(), 0);
+}
+
+TEST_F(CChannelScan, LeavesThePollsThatAreDueToTheTaker) {
+    NotingTaker taker;
+    channel.SetPollTaker(&taker);
+    TestRtu* rtu = channel.addRtu(1, periods);
+    checkAt(0);
+    checkAt(300);
+    EXPECT_EQ(taker.kinds, (Kinds{0, 1}));
+    EXPECT_TRUE(rtu->polls.isEmpty());
+}
+
+TEST_F(CChannelScan, GivesTheTakerItsTurnWhileNotConnectedToo) {
+    NotingTaker taker;
+    channel.SetPollTaker(&taker);
+    channel.addRtu(1, periods);
+    channel.SetConnect(false);
+    checkAt(0);
+    EXPECT_EQ(taker.turns, 1);
+    EXPECT_TRUE(taker.kinds.isEmpty());
+}
+
+TEST_F(CChannelScan, TheTakerHearsOfSilentRtusToo) {
+    NotingTaker taker;
+    channel.SetPollTaker(&taker);
+    channel.SetLinks(std::make_unique<ScriptedLink>());
+    TestRtu* silent = channel.addRtu(1, periods);
+    channel.addRtu(2, {0, 0, 0});
+    silent->PutRtuStatus(false, false, 0, 0, 1, 0);
+    for (qint64 time = 0; time < 900; time += 10)
+        checkAt(time);
+    EXPECT_EQ(taker.kinds, (Kinds{0, 1, 2}));
+}
+
+TEST_F(CChannelScan, ARequestWithoutATelegramSaysNothingAboutTheLineOfATaker) {
+    NotingTaker taker;
+    channel.SetPollTaker(&taker);
+    channel.SetLinks(std::make_unique<ScriptedLink>());
+    TestRtu* silent = channel.addRtu(1, periods);
+    silent->PutRtuStatus(false, false, 0, 0, 1, 0);
+    silent->PutRtuStatus(true, true, 0, 1, 0, 0);
+    EXPECT_TRUE(channel.IsSilent(1));
 }

@@ -91,7 +91,10 @@ host::HostFigures FakeHost::siteFigures() const {
         figures.channels.push_back({&channel, {}});
         figures.channels.back().status.connected = true;
         for (const host::Rtu& rtu : channel.rtus) {
-            rtus.push_back({&channel, &rtu, {}});
+            rtus.emplace_back();
+            rtus.back().channel = &channel;
+            rtus.back().rtu = &rtu;
+            rtus.back().attempts = 14;
             rtus.back().status.connected = true;
             rtus.back().status.answers = 12;
             rtus.back().status.lastRoundTrip = std::chrono::microseconds(1'500);

@@ -65,10 +65,10 @@ TEST(ControlReplyText, TellsTheStatusAsATable) {
     EXPECT_EQ(
         table.substr(0, table.find("reservoirs")),
         "waterworks  SBus-Ethernet  udp://127.0.0.1:9  connected\n"
-        " RTU         station  state      requests  answers  time-outs  errors     last  slowest  good  bad  "
-        "never read\n"
-        " pump-house        5  connected         0       12          0       0  1.50 ms  0.00 ms     0    0  "
-        "         3\n");
+        " RTU         station  state      requests  attempts  answers  time-outs  errors     last  slowest  "
+        "good  bad  refused  never read\n"
+        " pump-house        5  connected         0        14       12          0       0  1.50 ms  0.00 ms  "
+        "   0    0        0           3\n");
     EXPECT_THAT(table, HasSubstr("disabled"));
 }
 

@@ -256,11 +256,12 @@ TEST_F(Service, AsksForPolls) {
 
 TEST_F(Service, TellsTheStatusOfChannelsAndRtus) {
     publish(4, 7, 1, 1);
+    publish(4, 7, 2, 0);
     publish(4, 7, 2, 0, PointQuality::Bad);
     const std::string status = askOne(R"({"id":9,"do":"status"})");
     EXPECT_THAT(status, AllOf(HasSubstr(R"("id":9)"), HasSubstr(R"("end":"udp://127.0.0.1:9")"),
                               HasSubstr(R"("name":"waterworks")"), HasSubstr(R"("station":5)"),
-                              HasSubstr(R"("answers":12,"bad_points":1,"connected":true,"enabled":true)"),
+                              HasSubstr(R"("answers":12,"attempts":14,"bad_points":1,"connected":true,"enabled":true)"),
                               HasSubstr(R"("good_points":1)"), HasSubstr(R"("last_round_trip_ms":1.5)"),
                               HasSubstr(R"("never_read_points":1)")));
 }
@@ -303,10 +304,10 @@ TEST_F(Service, TellsEveryWatcherEveryChange) {
     service.tellCurrentValues(2, 100);
     publish(4, 7, 3, 5);
     publish(4, 7, 3, 6);
-    publish(5, 1, 1, 1, PointQuality::Bad);
+    publish(5, 1, 1, 1, PointQuality::Refused);
     const auto told = changesTold(1);
     EXPECT_THAT(told, ElementsAre(HasSubstr(R"("value":5,"quality":"good")"), HasSubstr(R"("value":6)"),
-                                  HasSubstr(R"("value":null,"quality":"bad")")));
+                                  HasSubstr(R"("value":null,"quality":"refused")")));
     EXPECT_THAT(sent[2], ElementsAre(HasSubstr(R"("rtu":"hill")")));
 }
 

@@ -1,5 +1,7 @@
 #include "RunningSite.h"
 
+#include <HalvexDriverComponent/CRtu.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,11 +14,16 @@ RunningSite::~RunningSite() {
 void RunningSite::start(const std::string& pluginFile) {
     store = std::make_unique<host::ValueStore>(description);
     core.add(*store);
-    runtime = std::make_unique<host::HostRuntime>(description, core, nullptr, makeLink);
+    runtime = std::make_unique<host::HostRuntime>(description, core, &lineMessages, makeLink);
+    runtime->supervisePolls();
     ASSERT_EQ(runtime->start(pluginFile), "");
     dispatcher = std::make_unique<host::CommandDispatcher>(
         description, [this](int channel, int id) { return runtime->findRtu(channel, id); },
-        [this](int channel, int id) { return runtime->requestEnds().wasLastRequestRefused(channel, id); });
+        [this](int channel, int id) { return runtime->requestEnds().wasLastRequestRefused(channel, id); },
+        [this](CRtu& rtu, const host::CommandAction& action, CReply* reply) {
+            const std::unique_lock<std::mutex> hold = runtime->holdPoints(rtu.chennelId());
+            return host::callDriver(rtu, action, reply);
+        });
     const auto tell = [this](const std::string& text) {
         const std::lock_guard<std::mutex> lock(mutex);
         told.push_back(text);
@@ -28,7 +35,7 @@ void RunningSite::start(const std::string& pluginFile) {
                           *store,
                           runtime->exchanges(),
                           *pulses,
-                          unused,
+                          ofTheLines,
                           [this] {
                               return host::SiteFigures{runtime->channelFigures(), runtime->rtuFigures()};
                           },

@@ -3,6 +3,7 @@
 #include "CoreFanOut.h"
 #include "commands/CommandDispatcher.h"
 #include "runtime/HostRuntime.h"
+#include "runtime/LineMessages.h"
 #include "services/RunningSite.h"
 #include "services/clocks/ClockSchedule.h"
 #include "services/pulses/PulseSupervisor.h"
@@ -42,6 +43,8 @@ public:
     bool haveAllAnswered() const;
     const host::ValueStore& values() const { return *store; }
     std::vector<std::string> messages() const;
+    // What the lines told since the last call.
+    std::vector<std::string> takeLineMessages() { return ofTheLines.take(); }
 
 private:
     host::Site description;
@@ -49,7 +52,8 @@ private:
     std::vector<std::string> told;
     std::unique_ptr<host::ValueStore> store;
     CoreFanOut core;
-    host::Messages unused;
+    host::Messages ofTheLines;
+    host::LineMessages lineMessages{ofTheLines};
     host::HostRuntime::LinkFactory makeLink = host::makeLink;
     std::unique_ptr<host::HostRuntime> runtime;
     std::unique_ptr<host::PulseSupervisor> pulses;

@@ -165,6 +165,25 @@ TEST(OpenFailureText, KnowsADeviceThatIsInUse) {
     EXPECT_FALSE(host::isInUse(static_cast<int>(std::errc::no_such_device)));
 }
 
+TEST(FailureText, NamesTheElementsThatAControllerDoesNotHave) {
+    host::RefusalNews news;
+    news.absent = {{'R', 205}, {'F', 3}, {'R', 206}, {'R', 17}};
+    EXPECT_THAT(refusalNewsText(news), HasSubstr("the controller does not have F3, R17, R205..206: "));
+    news.absent.clear();
+    for (unsigned number = 0; number < 100; number += 2)
+        news.absent.push_back({'R', number});
+    EXPECT_THAT(refusalNewsText(news), HasSubstr("R36, R38 and more: "));
+}
+
+TEST(FailureText, TellsWhichLimitToSet) {
+    host::RefusalNews news;
+    news.tooLong = {{'R', 0, 32}};
+    EXPECT_THAT(refusalNewsText(news), HasSubstr("refuses 32 elements in one telegram (R0..31)"));
+    EXPECT_THAT(refusalNewsText(news), HasSubstr("max_read_words"));
+    news.tooLong = {{'F', 0, 32}};
+    EXPECT_THAT(refusalNewsText(news), HasSubstr("max_read_bits"));
+}
+
 TEST(FailureCollapser, TellsTheFirstOfAKindAtOnceAndTheOthersOnceAMinute) {
     FailureCollapser collapser;
     EXPECT_EQ(collapser.failed(rtu, silence, "no answer", start), "no answer");

@@ -162,3 +162,21 @@ TEST(Forecast, TellsHiddenPointsAndRewrittenAddresses) {
     EXPECT_THAT(describeSite(site), HasSubstr("analog poll"));
     EXPECT_THAT(describeSite(site), Not(HasSubstr("status poll")));
 }
+
+TEST(Forecast, TellsTheTelegramsOfAControllerWithLimits) {
+    host::Rtu rtu;
+    addPoints(rtu, 'F', 0, 3);
+    addPoints(rtu, 'R', 0, 50);
+    rtu.limits.readWords = 20;
+    const host::Site site{{lineWith(rtu, LineType::Ethernet)}};
+    EXPECT_THAT(describeSite(site), HasSubstr("   3 telegrams,    281 bytes"));
+    EXPECT_THAT(describeSite(site), HasSubstr("    telegrams      F0..2 R0..19 R40..49 R20..39\n"));
+}
+
+TEST(Forecast, WrapsTheListOfTelegrams) {
+    host::Rtu rtu;
+    addPoints(rtu, 'R', 0, 40);
+    rtu.limits.readWords = 1;
+    const host::Site site{{lineWith(rtu, LineType::Ethernet)}};
+    EXPECT_THAT(describeSite(site), HasSubstr("\n                   R5 R7 R9 R11"));
+}

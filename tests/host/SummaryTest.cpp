@@ -62,6 +62,14 @@ TEST_F(Summary, IsGoodWhenEveryPointWasReadAfterARefusal) {
     EXPECT_EQ(host::judge({recovered}), ExitStatus::Good);
 }
 
+TEST_F(Summary, IsRefusedWhenSinglePointsAre) {
+    RtuOutcome partly = outcome(true, 5);
+    partly.refusedPoints = 1;
+    EXPECT_EQ(host::judge({partly}), ExitStatus::Refused);
+    partly.figures.status.connected = false; // and then it fell silent
+    EXPECT_EQ(host::judge({partly}), ExitStatus::CommunicationFailed);
+}
+
 TEST_F(Summary, LeavesRtusOutThatNobodyPolls) {
     site.channels[0].rtus[0].enabled = false;
     EXPECT_EQ(host::judge({outcome(false, 0)}), ExitStatus::Good);
@@ -74,7 +82,8 @@ TEST_F(Summary, CountsPointsByQuality) {
     host::ValueStore store(site);
     store.publishPoints(
         4, 7,
-        {PointUpdate{false, 0, 1, {}, PointQuality::Good}, PointUpdate{true, 1, 1, {}, PointQuality::Bad}});
+        {PointUpdate{false, 0, 1, {}, PointQuality::Good}, PointUpdate{true, 1, 1, {}, PointQuality::Good}});
+    store.publishPoints(4, 7, {PointUpdate{true, 1, 1, {}, PointQuality::Bad}});
     const auto outcomes = host::collectOutcomes({outcome(true, 1).figures}, store);
     ASSERT_EQ(outcomes.size(), 1U);
     EXPECT_EQ(outcomes[0].goodPoints, 1U);
@@ -91,6 +100,13 @@ TEST_F(Summary, ShowsALinePerRtu) {
     EXPECT_EQ(host::summaryText({one}, {{&site.channels[0], {}}}),
               "RTU         requests  answers  time-outs  errors     last   slowest  good  bad  never read\n"
               "pump-house         4        3          1       0  0.00 ms  12.34 ms     3    0           0\n");
+}
+
+TEST_F(Summary, HasAColumnOfRefusedPointsWhereThereAreAny) {
+    RtuOutcome one = outcome(true, 3);
+    one.refusedPoints = 2;
+    EXPECT_THAT(host::summaryText({one}, {}), testing::HasSubstr("  never read  refused\n"));
+    EXPECT_THAT(host::summaryText({one}, {}), testing::EndsWith("           0        2\n"));
 }
 
 TEST_F(Summary, ShowsALineForAChannelInTrouble) {

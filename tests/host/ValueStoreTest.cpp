@@ -83,6 +83,18 @@ TEST_F(ValueStoreTest, NeverShowsHiddenOrForeignPoints) {
     EXPECT_EQ(store.changeCount(), 0U);
 }
 
+TEST_F(ValueStoreTest, TurnsOnlyGoodValuesBad) {
+    publish(1, 0, PointQuality::Bad);
+    EXPECT_EQ(store.state(1).quality, PointQuality::NeverRead);
+    publish(1, 0, PointQuality::Refused);
+    publish(1, 0, PointQuality::Bad);
+    EXPECT_EQ(store.state(1).quality, PointQuality::Refused);
+    publish(1, 7);
+    publish(1, 0, PointQuality::Bad);
+    EXPECT_EQ(store.state(1).quality, PointQuality::Bad);
+    EXPECT_EQ(store.state(1).value, 7);
+}
+
 TEST_F(ValueStoreTest, ChangesNothingOnceFrozen) {
     publish(0, 1);
     store.freeze();

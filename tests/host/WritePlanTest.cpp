@@ -57,6 +57,12 @@ TEST(WritePlan, AListHoldsNoMoreThanThirtyOneValues) {
     EXPECT_EQ(commands[2].front().address, (ElementAddress{'R', 62}));
 }
 
+TEST(WritePlan, AListIsNoLongerThanTheControllerTakes) {
+    const std::vector<WordWrite> writes{integer("R1", 1), integer("R2", 2), integer("R3", 3)};
+    EXPECT_EQ(told(planWordWrites(writes, 2)), "R1=1 R2=2 | R3=3");
+    EXPECT_EQ(told(planWordWrites(writes, 1)), "R1=1 | R2=2 | R3=3");
+}
+
 TEST(WritePlan, TheLaterOfTwoWritesToOneElementComesLater) {
     EXPECT_EQ(told(planWordWrites({integer("R2", 1), integer("R1", 2), integer("R1", 3), integer("R3", 4)})),
               "R1=2 R2=1 | R1=3 | R3=4");

@@ -12,6 +12,12 @@ namespace {
 
 using Row = std::vector<std::string>;
 
+// Rarely is a point refused, so the column is there only then.
+bool hasRefusedPoints(const std::vector<RtuOutcome>& outcomes) {
+    return std::any_of(outcomes.begin(), outcomes.end(),
+                       [](const RtuOutcome& outcome) { return outcome.refusedPoints > 0; });
+}
+
 Row rowFor(const RtuOutcome& outcome) {
     const RtuStatus& status = outcome.figures.status;
     const Rtu& rtu = *outcome.figures.rtu;
@@ -35,6 +41,11 @@ std::string summaryText(const std::vector<RtuOutcome>& outcomes,
                            "bad", "never read"}};
     for (const RtuOutcome& outcome : outcomes)
         rows.push_back(rowFor(outcome));
+    if (hasRefusedPoints(outcomes)) {
+        rows[0].push_back("refused");
+        for (std::size_t i = 0; i < outcomes.size(); ++i)
+            rows[i + 1].push_back(std::to_string(outcomes[i].refusedPoints));
+    }
     std::string text;
     std::vector<std::size_t> widths(rows[0].size(), 0);
     for (const Row& row : rows)

@@ -40,9 +40,16 @@ std::string ageText(qint64 milliseconds) {
 }
 
 Style styleOf(PointQuality quality) {
-    return quality == PointQuality::Good        ? Style::Plain
-           : quality == PointQuality::NeverRead ? Style::Dim
-                                                : Style::Bad;
+    switch (quality) {
+    case PointQuality::Good:
+        return Style::Plain;
+    case PointQuality::Bad:
+    case PointQuality::Refused:
+        return Style::Bad;
+    case PointQuality::NeverRead:
+        break;
+    }
+    return Style::Dim;
 }
 
 // The bytes of the first `characters` of `text` from `start` on.

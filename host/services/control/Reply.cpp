@@ -48,6 +48,7 @@ QJsonObject toJson(const RtuOutcome& outcome) {
             {QStringLiteral("connected"), status.connected},
             {QStringLiteral("refused"), outcome.figures.wasRefused},
             {QStringLiteral("requests"), number(status.requests)},
+            {QStringLiteral("attempts"), number(outcome.figures.attempts)},
             {QStringLiteral("answers"), number(status.answers)},
             {QStringLiteral("time_outs"), number(status.timeOuts)},
             {QStringLiteral("errors"), number(status.errors)},
@@ -56,6 +57,7 @@ QJsonObject toJson(const RtuOutcome& outcome) {
              static_cast<double>(status.slowestRoundTrip.count()) / 1000},
             {QStringLiteral("good_points"), number(outcome.goodPoints)},
             {QStringLiteral("bad_points"), number(outcome.badPoints)},
+            {QStringLiteral("refused_points"), number(outcome.refusedPoints)},
             {QStringLiteral("never_read_points"), number(outcome.neverReadPoints)}};
 }
 

@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 class CLink;
 class CRtu;
@@ -17,6 +18,26 @@ class LineHealth;
 class ReplyRegistry;
 class ScanSchedule;
 struct RoundTrips;
+
+// A poll for which it is time.
+struct DuePoll {
+    CRtu* rtu = nullptr;
+    int kind = 0;
+};
+
+// A host's own way to carry polls out. The channel calls it once in each turn of its loop, before the line is
+// opened and before the next request is taken, with the polls that are due: none while it is not connected.
+// It decides what RTUs are asked for, silent ones too. Between two turns no request is in progress, so it may
+// change the points of an RTU and prepare the RTU anew.
+class HALVEXDRIVERCOMPONENT_EXPORT PollTaker {
+public:
+    PollTaker() = default;
+    PollTaker(const PollTaker&) = delete;
+    PollTaker& operator=(const PollTaker&) = delete;
+    virtual ~PollTaker();
+
+    virtual void takeTurn(const std::vector<DuePoll>& due) = 0;
+};
 
 // One line to the controllers and the thread that serves it. A driver derives its channel from this and
 // writes run(); this class keeps what the host configured (type, links, RTUs), the connected flag, the
@@ -71,7 +92,8 @@ public:
 
     // The beginning of each turn of the driver's loop, before it opens the link: changes to the other end if
     // that is due and the line is not connected; if it is connected, asks each enabled RTU for the polls that
-    // are due. A poll that is late by whole periods is asked for once; the periods missed count as overruns.
+    // are due, or leaves that to the poll taker. A poll that is late by whole periods is asked for once; the
+    // periods missed count as overruns.
     void CheckScan();
     // An open has failed. Disconnects the RTUs.
     void PutCommFailDuration();
@@ -92,6 +114,9 @@ public:
     // run().
     void SetScanClock(std::function<qint64()> clock);
 
+    // Before run(). The taker outlives the channel. Null: the channel asks for polls itself.
+    void SetPollTaker(PollTaker* taker) { pollTaker = taker; }
+
     // CheckScan makes its schedule anew from the RTUs' scan periods. Any thread.
     void restartScans() { scansRestarted.store(true, std::memory_order_release); }
 
@@ -106,6 +131,7 @@ private:
     void changeEndIfDue();
     bool wantsOtherEnd() const;
     void makeSchedule(qint64 now);
+    std::vector<DuePoll> takeDuePolls(qint64 now);
     void askFor(CRtu& rtu, int kind, qint64 now);
     void disconnectRtus();
 
@@ -120,6 +146,7 @@ private:
     std::atomic<bool> scansRestarted{true};
     bool scansPaused = false; // the channel was not connected at the last CheckScan
     std::function<qint64()> scanClock;
+    PollTaker* pollTaker = nullptr;
     std::atomic<quint64> scanOverruns{0};
     std::unique_ptr<ReplyRegistry> replies;
 

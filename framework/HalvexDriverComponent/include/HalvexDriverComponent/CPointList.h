@@ -9,8 +9,9 @@
 #include <memory>
 
 // The points of one RTU, by number. Owns them; a pointer stays good until its point is removed.
-// Filled before the channel's thread starts; while it runs the list is only read, and only the driver
-// changes address fields.
+// Filled before the channel's thread starts. While it runs the list is only read, and only the driver changes
+// address fields; a PollTaker alone may fill it anew, between two turns of the channel, and only as long as
+// no other thread gives the RTU a command.
 class HALVEXDRIVERCOMPONENT_EXPORT CPointList {
 public:
     CPointList();

@@ -25,7 +25,8 @@ class CReply;
 // good.
 // Threads: staging, publishing and SetConnect on the channel's thread; the polls and commands on any, and
 // with them PutRtuStatus, since an offline command is reported where it was given; Reload... only while the
-// channel's thread does not run; states may be read anywhere.
+// channel's thread does not run; InitRtu likewise, or by a PollTaker between two turns while nobody gives a
+// command; states may be read anywhere.
 class HALVEXDRIVERCOMPONENT_EXPORT CRtu : public QObject {
     Q_OBJECT
 

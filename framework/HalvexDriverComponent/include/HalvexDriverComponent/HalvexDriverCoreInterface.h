@@ -10,7 +10,8 @@
 enum class PointQuality {
     NeverRead,
     Good,
-    Bad, // the RTU is disconnected, or a poll of it has failed since the value was read
+    Bad,     // the RTU is disconnected, or a poll of it has failed since the value was read
+    Refused, // the controller does not give it; for hosts that find this out, RTUs do not tell it
 };
 
 struct PointUpdate {
