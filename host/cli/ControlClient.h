@@ -1,6 +1,6 @@
 #pragma once
 
-#include "services/control/Users.h"
+#include "runtime/Users.h"
 
 #include <QByteArray>
 #include <QLocalSocket>

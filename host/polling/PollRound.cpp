@@ -29,7 +29,7 @@ void PollRound::addAlone(std::vector<ReadTelegram> telegrams, unsigned failures)
         steps.push_back({Sender::Alone, std::move(telegrams), failures, false});
 }
 
-void PollRound::takeApart(const ReadTelegram& at) {
+void PollRound::takeApart(ReadTelegram at) {
     const std::vector<ReadTelegram> telegrams = std::move(steps.front().telegrams);
     steps.pop_front();
     const auto place = std::find(telegrams.begin(), telegrams.end(), at);
@@ -38,7 +38,7 @@ void PollRound::takeApart(const ReadTelegram& at) {
         addAlone({place + 1, telegrams.end()});
 }
 
-void PollRound::failed(const ReadTelegram& at) {
+void PollRound::failed(ReadTelegram at) {
     if (attempts == 1) {
         giveUp();
         return;
@@ -55,7 +55,7 @@ void PollRound::failed(const ReadTelegram& at) {
     }
 }
 
-void PollRound::refused(const ReadTelegram& at, const std::vector<ReadTelegram>& instead) {
+void PollRound::refused(ReadTelegram at, const std::vector<ReadTelegram>& instead) {
     if (holds(current().telegrams, at))
         takeApart(at);
     else

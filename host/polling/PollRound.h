@@ -38,9 +38,9 @@ public:
     // The current step was answered.
     void answered() { steps.pop_front(); }
     // The current step failed at one of its telegrams, because nothing or nothing sound came.
-    void failed(const ReadTelegram& at);
+    void failed(ReadTelegram at);
     // `at`, wherever it stands, was refused. What is asked for in its place.
-    void refused(const ReadTelegram& at, const std::vector<ReadTelegram>& instead);
+    void refused(ReadTelegram at, const std::vector<ReadTelegram>& instead);
     // Other requests have read this.
     void wasRead(const std::vector<ReadTelegram>& telegrams);
     // Nothing more is asked for.
@@ -52,7 +52,7 @@ public:
 private:
     void addAlone(std::vector<ReadTelegram> telegrams, unsigned failures = 0);
     // Ends the current step and keeps the telegrams around `at`.
-    void takeApart(const ReadTelegram& at);
+    void takeApart(ReadTelegram at);
 
     const unsigned attempts;
     std::deque<Step> steps;

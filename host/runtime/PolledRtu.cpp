@@ -184,8 +184,10 @@ void PolledRtu::requestEnded(bool ofSecond, const RequestEnd& end, const std::op
     hasChanged = true;
     if (last)
         readAgain(end, ofSecond, *last);
-    else if (end.kind != RequestEnd::Kind::Answered && isAsked && asksSecond() == ofSecond)
-        readAgain(end, ofSecond, round->current().telegrams.front()); // it could not be sent
+    else if (end.kind != RequestEnd::Kind::Answered && isAsked && asksSecond() == ofSecond) {
+        const ReadTelegram unsent = round->current().telegrams.front();
+        readAgain(end, ofSecond, unsent);
+    }
     if (round->isOver())
         finish(outcome());
 }

@@ -14,16 +14,18 @@ struct Life {
     bool hasReply = false;            // to the command
     bool isSuccess = false;           // of the command, by its reply
     bool isWritten = false;           // the controller has what was commanded
+    bool hasPulseReply = false;       // to the command that began a pulse
+    bool isPulseOver = false;         // its output is off after the end
     std::size_t shown = 0;            // points with a value on standard output
     std::string messages;             // on standard error
     std::vector<std::string> missing; // files that should hold something and do not
 };
 
-// sbus-host with all that it can open: a line to a host name, a serial line, log files, a capture and a
-// control socket; and the simulated controllers that it polls. Main thread.
+// sbus-host with all that it can open: a line to a host name, a serial line, log files, a capture, a control
+// socket and the state file of its pulses; and the simulated controllers that it polls. Main thread.
 class FaultedHost {
 public:
-    static constexpr std::size_t points = 3;
+    static constexpr std::size_t points = 4;
 
     FaultedHost();
 

@@ -61,6 +61,16 @@ TEST(PollRound, IsOneRequestForEachShare) {
     EXPECT_THAT(round.lost(), IsEmpty());
 }
 
+// As where a request could not be sent, and its first telegram is the one that failed.
+TEST(PollRound, TakesOneOfItsOwnTelegramsForTheOneThatFailedOrWasRefused) {
+    PollRound round = roundOf(regs(3));
+    round.failed(round.current().telegrams.front());
+    EXPECT_EQ(rest(round), "2 3 | 1");
+    PollRound refusing = roundOf(regs(3));
+    refusing.refused(refusing.current().telegrams.back(), {});
+    EXPECT_EQ(rest(refusing), "1 2");
+}
+
 TEST(PollRound, AsksForATelegramThatFailedAlone) {
     PollRound round = roundOf(regs(5));
     round.failed(reg(3));

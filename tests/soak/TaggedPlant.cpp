@@ -176,6 +176,7 @@ TaggedPlant::Figures TaggedPlant::figures() {
     Figures sum;
     for (const host::RtuFigures& rtu : runningSite.hostRuntime().rtuFigures()) {
         sum.requests += rtu.status.requests;
+        sum.attempts += rtu.attempts;
         sum.failed += rtu.status.timeOuts + rtu.status.errors;
     }
     return sum;
@@ -183,9 +184,10 @@ TaggedPlant::Figures TaggedPlant::figures() {
 
 std::string TaggedPlant::figuresText() {
     const Figures sum = figures();
-    return std::to_string(sum.requests) + " requests, " + std::to_string(sum.failed) + " failed, " +
-           std::to_string(valueJudge.valueCount()) + " values, " + std::to_string(valueJudge.wrongCount()) +
-           " wrong, fresh after " + std::to_string(valueJudge.mostRequestsUntilFresh()) + " requests";
+    return std::to_string(sum.requests) + " requests in " + std::to_string(sum.attempts) + " attempts, " +
+           std::to_string(sum.failed) + " failed, " + std::to_string(valueJudge.valueCount()) + " values, " +
+           std::to_string(valueJudge.wrongCount()) + " wrong, fresh after " +
+           std::to_string(valueJudge.mostRequestsUntilFresh()) + " requests";
 }
 
 } // namespace soak

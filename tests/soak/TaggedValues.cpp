@@ -87,7 +87,10 @@ void ValueJudge::publishRtuStatus(int channelId, int rtuId, const RtuStatus& sta
     rtus[{channelId, rtuId}].requests = status.requests;
 }
 
+// An update that is not good tells a quality and no new value.
 void ValueJudge::judge(const PointUpdate& update, Rtu& rtu, Entry& entry) {
+    if (update.quality != PointQuality::Good)
+        return;
     ++values;
     const auto value = static_cast<std::uint32_t>(static_cast<std::int64_t>(update.value));
     if (update.value != value || !isPossible(entry, value)) {
@@ -95,7 +98,7 @@ void ValueJudge::judge(const PointUpdate& update, Rtu& rtu, Entry& entry) {
         return;
     }
     entry.move = static_cast<std::uint16_t>(value);
-    if (update.quality != PointQuality::Good || entry.isFresh)
+    if (entry.isFresh)
         return;
     entry.isFresh = entry.kind != Kind::Moving || !isLater(demanded, entry.move);
     rtu.stale -= entry.isFresh ? 1 : 0;

@@ -63,7 +63,7 @@ TEST_F(Judging, SeesAValueThatHasNotBeenYetOrIsOver) {
     EXPECT_EQ(judge.wrongCount(), 3U);
 }
 
-TEST_F(Judging, JudgesBadValuesTooAndTakesNoneForFresh) {
+TEST_F(Judging, TakesNoValueFromAnUpdateThatIsNotGood) {
     judge.demandFresh();
     judge.nextMove();
     show(10, taggedWord(5, 0));
@@ -71,6 +71,7 @@ TEST_F(Judging, JudgesBadValuesTooAndTakesNoneForFresh) {
     show(30, taggedBit(7));
     EXPECT_FALSE(judge.isAllFresh());
     show(10, taggedWord(5, 1), PointQuality::Bad);
+    show(10, 0, PointQuality::Bad);
     EXPECT_FALSE(judge.isAllFresh());
     show(10, taggedWord(5, 1));
     EXPECT_TRUE(judge.isAllFresh());

@@ -1,6 +1,6 @@
 #include "ControlGroup.h"
 
-#include "Users.h"
+#include "runtime/Users.h"
 
 namespace host {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Users.h"
+#include "runtime/Users.h"
 
 #include <optional>
 #include <string>

@@ -17,7 +17,7 @@ enum class PointQuality {
 struct PointUpdate {
     bool analog = false;
     unsigned number = 0;
-    double value = 0;
+    double value = 0; // the reading where the quality is good; else the last one, or 0
     CMidTime stamp;
     PointQuality quality = PointQuality::NeverRead;
 };
