@@ -51,12 +51,14 @@ class Terminal:
     @staticmethod
     def _be_shell(arguments, environment, told):
         signal.signal(signal.SIGTTOU, signal.SIG_IGN)
-        signal.signal(signal.SIGUSR1, lambda *_: None)
+        # Blocked, so that one which comes before it is waited for is not missed.
+        signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGUSR1})
         job = os.fork()
         if job == 0:
             os.setpgid(0, 0)
             os.tcsetpgrp(0, os.getpid())
             signal.signal(signal.SIGTTOU, signal.SIG_DFL)
+            signal.pthread_sigmask(signal.SIG_UNBLOCK, {signal.SIGUSR1})
             kept = {name: value for name, value in os.environ.items() if name not in ("TERM", "NO_COLOR")}
             os.execve(arguments[0], arguments, {**kept, **environment})
         os.write(told, b"%d\n" % job)
@@ -65,7 +67,7 @@ class Terminal:
             if os.WIFSTOPPED(status):
                 os.tcsetpgrp(0, os.getpid())
                 os.write(told, b"stopped\n")
-                signal.pause()  # SIGUSR1: fg
+                signal.sigwait({signal.SIGUSR1})  # fg
                 os.tcsetpgrp(0, job)
                 os.killpg(job, signal.SIGCONT)
                 continue
