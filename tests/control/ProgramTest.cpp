@@ -1,126 +1,13 @@
+#include "ControlledProgram.h"
 #include "Crowd.h"
-#include "services/control/SocketPath.h"
 
-#include <Simulator.h>
-
-#include <QElapsedTimer>
-#include <QFile>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QThread>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-
-// A host and its clients as programs, with simulated controllers behind them.
 
 using testing::AllOf;
 using testing::HasSubstr;
-
-namespace {
-
-constexpr int patienceMs = 60'000;
-
-struct Ending {
-    int status = -1;
-    std::string output;
-    std::string errors;
-};
-
-bool eventually(const std::function<bool()>& condition) {
-    QElapsedTimer elapsed;
-    elapsed.start();
-    while (!condition()) {
-        if (elapsed.elapsed() > patienceMs)
-            return false;
-        QThread::msleep(20);
-    }
-    return true;
-}
-
-class ControlledProgram : public testing::Test {
-protected:
-    ControlledProgram() : simulator({{sim::udpLine(1, {5, 6})}}) {
-        EXPECT_EQ(simulator.start(), "");
-        writeSite("1s");
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder.path());
-    }
-
-    void TearDown() override {
-        for (const auto& one : started) {
-            one->kill();
-            one->waitForFinished(patienceMs);
-        }
-    }
-
-    // Integrity polls come once an hour, the others each `period`.
-    void writeSite(const char* period) {
-        QFile file(site);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write("[[channel]]\nid = 1\nname = \"waterworks\"\ntype = \"SBus-Ethernet\"\nprimary = "
-                   "\"udp://127.0.0.1:" +
-                   QByteArray::number(simulator.port(1)) + "\"\n");
-        for (const char* const rtu : {"pump-house\"\nid = 1\nstation = 5", "tank\"\nid = 2\nstation = 6"})
-            file.write(
-                "[[channel.rtu]]\nname = \"" + QByteArray(rtu) +
-                "\ntimeout = \"300ms\"\nscan = { integrity = \"1h\", status = \"" + period +
-                "\", analog = \"1h\" }\n"
-                "[[channel.rtu.point]]\nid = 1\nname = \"P1_START\"\nkind = \"status\"\naddress = \"O32\"\n"
-                "[[channel.rtu.point]]\nid = 2\nname = \"LEVEL\"\nkind = \"analog\"\naddress = \"R10\"\n");
-    }
-
-    QProcess& start(const QStringList& arguments) {
-        started.push_back(std::make_unique<QProcess>());
-        QProcess& program = *started.back();
-        program.setProcessEnvironment(environment);
-        program.start(QStringLiteral(HOST_PROGRAM), arguments);
-        EXPECT_TRUE(program.waitForStarted(patienceMs));
-        return program;
-    }
-
-    Ending endOf(QProcess& program) {
-        EXPECT_TRUE(program.waitForFinished(patienceMs));
-        EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-        return {program.exitCode(), program.readAllStandardOutput().toStdString(),
-                program.readAllStandardError().toStdString()};
-    }
-
-    Ending ctl(const QStringList& arguments) {
-        return endOf(start(QStringList{QStringLiteral("ctl"), site} + arguments));
-    }
-    Ending ctl(const char* arguments) { return ctl(QString::fromLatin1(arguments).split(QLatin1Char(' '))); }
-
-    // A host that answers its clients and has read every point.
-    QProcess& startHost(const QStringList& arguments = {}) {
-        QProcess& host = start(QStringList{QStringLiteral("run"), site} + arguments);
-        EXPECT_TRUE(eventually([this] {
-            const std::string status = ctl("status --format json").output;
-            return status.find("\"never_read_points\":0") != std::string::npos &&
-                   status.find("\"never_read_points\":2") == std::string::npos;
-        }));
-        return host;
-    }
-
-    std::string socketPath() const {
-        qputenv("XDG_RUNTIME_DIR", folder.path().toLocal8Bit());
-        std::string path = host::controlSocketPaths(site.toStdString()).front();
-        qunsetenv("XDG_RUNTIME_DIR");
-        return path;
-    }
-
-    const QTemporaryDir folder;
-    const QString site = folder.filePath(QStringLiteral("site.toml"));
-    sim::Simulator simulator;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    std::vector<std::unique_ptr<QProcess>> started;
-};
-
-} // namespace
 
 TEST_F(ControlledProgram, WritesPointsThatTheControllersHoldAfterwards) {
     startHost();
@@ -231,77 +118,6 @@ TEST_F(ControlledProgram, SaysThatItWasInterruptedBeforeTheHostHasReplied) {
     EXPECT_THAT(ending.errors, HasSubstr("interrupted before the host has replied"));
 }
 
-TEST_F(ControlledProgram, TakesNoCommandsWhenToldSo) {
-    QProcess& host = start({QStringLiteral("run"), site, QStringLiteral("--no-control")});
-    ASSERT_TRUE(host.waitForReadyRead(patienceMs));
-    EXPECT_EQ(ctl("status").status, 1);
-}
-
-TEST_F(ControlledProgram, IsReachedAtTheSocketThatItWasGiven) {
-    const QString path = folder.filePath(QStringLiteral("my.sock"));
-    QProcess& host = start({QStringLiteral("run"), site, QStringLiteral("--control"), path});
-    ASSERT_TRUE(host.waitForReadyRead(patienceMs));
-    EXPECT_TRUE(eventually([&] {
-        return ctl({QStringLiteral("status"), QStringLiteral("--control"), path}).status == 0;
-    }));
-    EXPECT_EQ(ctl("status").status, 1);
-    const Ending second = endOf(start({QStringLiteral("run"), site, QStringLiteral("--control"), path}));
-    EXPECT_EQ(second.status, 2);
-    EXPECT_THAT(second.errors, HasSubstr("belongs to another sbus-host"));
-}
-
-TEST_F(ControlledProgram, MeetsItsClientAtAPathSeenFromTheCurrentFolder) {
-    const QStringList control{QStringLiteral("--control"), QStringLiteral("near.sock")};
-    const auto inFolder = [this](QStringList arguments) -> QProcess& {
-        started.push_back(std::make_unique<QProcess>());
-        started.back()->setWorkingDirectory(folder.path());
-        started.back()->start(QStringLiteral(HOST_PROGRAM), arguments);
-        EXPECT_TRUE(started.back()->waitForStarted(patienceMs));
-        return *started.back();
-    };
-    inFolder(QStringList{QStringLiteral("run"), site} + control);
-    EXPECT_TRUE(eventually([&] {
-        return endOf(inFolder(QStringList{QStringLiteral("ctl"), site, QStringLiteral("status")} + control))
-                   .status == 0;
-    }));
-    EXPECT_TRUE(QFile::exists(folder.filePath(QStringLiteral("near.sock"))));
-    EXPECT_TRUE(QFile::exists(folder.filePath(QStringLiteral("near.sock.lock"))));
-}
-
-TEST_F(ControlledProgram, IsReachedAtTheSocketThatTheSiteFileNames) {
-    const QString path = folder.filePath(QStringLiteral("named.sock"));
-    QFile file(site);
-    ASSERT_TRUE(file.open(QIODevice::Append));
-    file.write("[control]\nsocket = \"" + path.toUtf8() + "\"\n");
-    file.close();
-    EXPECT_THAT(ctl("status").errors, HasSubstr("named.sock, which the site file names"));
-    startHost();
-    EXPECT_TRUE(QFile::exists(path));
-    EXPECT_EQ(ctl("write pump-house/LEVEL=5").status, 0);
-}
-
-TEST_F(ControlledProgram, StartsNotWithAGroupThatThereIsNot) {
-    QFile file(site);
-    ASSERT_TRUE(file.open(QIODevice::Append));
-    file.write("[control]\ngroup = \"no-such-group\"\n");
-    file.close();
-    for (const char* const command : {"run", "check"}) {
-        const Ending ending = endOf(start({QString::fromLatin1(command), site}));
-        EXPECT_EQ(ending.status, 2);
-        EXPECT_THAT(ending.errors, HasSubstr("there is no group \"no-such-group\" on this system"));
-    }
-}
-
-TEST_F(ControlledProgram, TellsThatAPathIsTooLongForASocket) {
-    const QString path = folder.filePath(QString(200, QLatin1Char('x')));
-    const Ending host = endOf(start({QStringLiteral("run"), site, QStringLiteral("--control"), path}));
-    EXPECT_EQ(host.status, 2);
-    EXPECT_THAT(host.errors, HasSubstr("a socket's may have 107"));
-    const Ending client = ctl({QStringLiteral("status"), QStringLiteral("--control"), path});
-    EXPECT_EQ(client.status, 1);
-    EXPECT_THAT(client.errors, HasSubstr("a socket's may have 107"));
-}
-
 TEST_F(ControlledProgram, GivesUpAHostThatDoesNotReply) {
     const QString path = folder.filePath(QStringLiteral("stopped.sock"));
     QLocalServer stoppedHost; // the system accepts for it
@@ -339,23 +155,6 @@ TEST_F(ControlledProgram, GivesUpALineWithoutEnd) {
     const Ending ending = endOf(client);
     EXPECT_EQ(ending.status, 1);
     EXPECT_THAT(ending.errors, HasSubstr("which no sbus-host sends"));
-}
-
-TEST_F(ControlledProgram, RunsASiteTwiceAndTellsThatOnlyTheFirstTakesCommands) {
-    startHost();
-    const Ending second =
-        endOf(start({QStringLiteral("run"), site, QStringLiteral("--for"), QStringLiteral("1s")}));
-    EXPECT_THAT(second.errors, AllOf(HasSubstr("belongs to another sbus-host"), HasSubstr("--control PATH")));
-    EXPECT_EQ(ctl("status").status, 0);
-}
-
-TEST_F(ControlledProgram, ReplacesTheSocketOfAKilledHost) {
-    QProcess& killed = startHost();
-    killed.kill();
-    ASSERT_TRUE(killed.waitForFinished(patienceMs));
-    ASSERT_TRUE(QFile::exists(QString::fromStdString(socketPath())));
-    startHost();
-    EXPECT_EQ(ctl("write pump-house/LEVEL=5").status, 0);
 }
 
 TEST_F(ControlledProgram, EndsInOrderWhileClientsWatchAndWait) {

@@ -259,11 +259,13 @@ TEST_F(Service, TellsTheStatusOfChannelsAndRtus) {
     publish(4, 7, 2, 0);
     publish(4, 7, 2, 0, PointQuality::Bad);
     const std::string status = askOne(R"({"id":9,"do":"status"})");
-    EXPECT_THAT(status, AllOf(HasSubstr(R"("id":9)"), HasSubstr(R"("end":"udp://127.0.0.1:9")"),
-                              HasSubstr(R"("name":"waterworks")"), HasSubstr(R"("station":5)"),
-                              HasSubstr(R"("answers":12,"attempts":14,"bad_points":1,"connected":true,"enabled":true)"),
-                              HasSubstr(R"("good_points":1)"), HasSubstr(R"("last_round_trip_ms":1.5)"),
-                              HasSubstr(R"("never_read_points":1)")));
+    EXPECT_THAT(
+        status,
+        AllOf(HasSubstr(R"("id":9)"), HasSubstr(R"("end":"udp://127.0.0.1:9")"),
+              HasSubstr(R"("name":"waterworks")"), HasSubstr(R"("station":5)"),
+              HasSubstr(R"("answers":12,"attempts":14,"bad_points":1,"connected":true,"enabled":true)"),
+              HasSubstr(R"("good_points":1)"), HasSubstr(R"("last_round_trip_ms":1.5)"),
+              HasSubstr(R"("never_read_points":1)")));
 }
 
 TEST_F(Service, CountsFiguresAnewOnlyAfterAWhile) {
@@ -383,19 +385,4 @@ TEST_F(Service, TellsWhoWaitsThatTheHostEnds) {
     service.end();
     EXPECT_THAT(sent[1], ElementsAre(AllOf(HasSubstr(R"("code":"ending")"), HasSubstr(R"("id":1)"))));
     EXPECT_THAT(sent[2], ElementsAre(AllOf(HasSubstr(R"("code":"ending")"), HasSubstr(R"("id":"x")"))));
-}
-
-TEST(ServiceEnd, CommandsMayEndAfterTheServiceIsGone) {
-    const Site site = controlSite();
-    FakeHost fake(site);
-    fake.hold();
-    int woken = 0;
-    {
-        ControlService service(
-            fake, fake.store,
-            {[](ClientId, const QByteArray&) {}, [](ClientId) { return true; }, [&woken] { ++woken; }, {}});
-        service.handleLine(1, writeRun);
-    }
-    fake.release();
-    EXPECT_EQ(woken, 0);
 }

@@ -163,15 +163,6 @@ TEST_F(PublishingTest, FindsPointsWhoseNumbersRunAgainstTheirAddresses) {
     EXPECT_EQ(puts.analog, (AnalogPuts{{6, 50}, {5, 60}, {4, 70}}));
 }
 
-TEST_F(PublishingTest, ReadsAValueByTheMediaOfTheAnswer) {
-    addAnalog(1, "R5");
-    rtu->InitRtu();
-    rtu->GetPointList()->GetAnalogPoint(1)->address = QStringLiteral("T");
-    PutCallRecorder puts(rtu);
-    publishAnalog(5, "R", {0xFFFFFFFF});
-    EXPECT_EQ(puts.analog, (AnalogPuts{{1, -1}}));
-}
-
 TEST_F(PublishingTest, FindsPointsOnlyAtTheAddressesOfTheLastBuild) {
     addStatus(1, "I5");
     addAnalog(2, "R5");

@@ -55,3 +55,12 @@ TEST_F(PublishingTest, DecodesTheWidestAndTheNarrowestFloat) {
     EXPECT_EQ(convertedFloat(0x80000000), std::ldexp(1.0, -65));
     EXPECT_EQ(convertedFloat(0x00000100), std::ldexp(1.0, -24 - 64));
 }
+
+TEST_F(PublishingTest, ReadsAValueByTheMediaOfTheAnswer) {
+    addAnalog(1, "R5");
+    rtu->InitRtu();
+    rtu->GetPointList()->GetAnalogPoint(1)->address = QStringLiteral("T");
+    PutCallRecorder puts(rtu);
+    publishAnalog(5, "R", {0xFFFFFFFF});
+    EXPECT_EQ(puts.analog, (std::vector<AnalogPut>{{1, -1}}));
+}
