@@ -18,17 +18,15 @@ namespace {
 
 RunningSite runningSiteOf(const RunServices::Host& host, CommandTaker& commands) {
     HostRuntime& runtime = host.runtime;
-    return {
-        host.site,
-        host.values,
-        runtime.exchanges(),
-        commands,
-        host.messages,
-        [&runtime] {
-            return SiteFigures{runtime.channelFigures(), runtime.rtuFigures()};
-        },
-        [&runtime](int channelId, int rtuId) { return runtime.requestPoll(channelId, rtuId); },
-        [&runtime](int channelId, int rtuId) { return runtime.requestEnds().wasRefused(channelId, rtuId); }};
+    return {host.site,
+            host.values,
+            runtime.exchanges(),
+            commands,
+            host.messages,
+            [&runtime] {
+                return SiteFigures{runtime.channelFigures(), runtime.rtuFigures()};
+            },
+            [&runtime](int channelId, int rtuId) { return runtime.requestPoll(channelId, rtuId); }};
 }
 
 } // namespace

@@ -21,8 +21,6 @@ struct RunningSite {
     std::function<SiteFigures()> figures;
     // Asks an RTU for an integrity poll. The result tells only whether the driver took the wish over.
     std::function<Halvex::DriverErrorResult(int channelId, int rtuId)> requestPoll;
-    // Whether the last request of an RTU that failed was refused by its controller.
-    std::function<bool(int channelId, int rtuId)> wasRefused;
     // What the services tell of themselves.
     std::function<std::vector<ServiceFigures>()> serviceFigures = [] {
         return std::vector<ServiceFigures>();

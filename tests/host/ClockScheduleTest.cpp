@@ -99,7 +99,7 @@ TEST_F(Clocks, AreSetByAThreadOfTheSchedulesOwn) {
     ClockSchedule schedule(site, taker, [](const std::string&) {});
     host::SiteFigures figures{{}, {{&site.channels[0], &site.channels[0].rtus[0], {}}}};
     figures.rtus[0].status.answers = 1;
-    host::RunningSite running{site, values, exchanges, taker, told, [&] { return figures; }, {}, {}};
+    host::RunningSite running{site, values, exchanges, taker, told, [&] { return figures; }, {}};
     ASSERT_EQ(schedule.start(running), "");
     while (schedule.figures()[0].value == 0)
         std::this_thread::sleep_for(1ms);

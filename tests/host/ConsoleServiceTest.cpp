@@ -82,7 +82,7 @@ protected:
     host::ExchangeFeed exchanges;
     NotingTaker taker;
     host::Messages messages;
-    host::RunningSite running{site, values, exchanges, taker, messages, {}, {}, {}};
+    host::RunningSite running{site, values, exchanges, taker, messages, {}, {}};
     host::Exchange exchange;
     StoppedScreen screen;
     std::streambuf* const before;

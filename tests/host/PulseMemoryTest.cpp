@@ -37,7 +37,7 @@ protected:
                   store, taker, [this](const std::string& text) { messages.push_back(text); },
                   [&test] { return test.now; }) {
             pulses.useMemory(std::make_unique<host::PulseMemory>(test.directory(), test.sitePath));
-            host::RunningSite running{site, store, exchanges, pulses, told, {}, {}, {}};
+            host::RunningSite running{site, store, exchanges, pulses, told, {}, {}};
             EXPECT_EQ(pulses.start(running), "");
             pulses.stop(); // what its thread does is done by the test
         }
@@ -91,7 +91,7 @@ TEST_F(RememberedPulses, AreOnTheDiskBeforeTheirOnCommandGoesOut) {
     pulses.useMemory(std::make_unique<host::PulseMemory>(directory(), sitePath));
     host::ExchangeFeed exchanges;
     host::Messages told;
-    host::RunningSite running{site, store, exchanges, pulses, told, {}, {}, {}};
+    host::RunningSite running{site, store, exchanges, pulses, told, {}, {}};
     EXPECT_EQ(pulses.start(running), "");
     pulses.submit({4, 7, host::SwitchPoint{1, true}}, [](const host::CommandEnd&) {});
     pulses.stop();

@@ -119,7 +119,7 @@ TEST_F(Pulses, AreEndedByAThreadOfTheSupervisorsOwn) {
     point().pulseMs = 1;
     host::ExchangeFeed exchanges;
     host::Messages told;
-    host::RunningSite running{site, *store, exchanges, *made, told, {}, {}, {}};
+    host::RunningSite running{site, *store, exchanges, *made, told, {}, {}};
     ASSERT_EQ(made->start(running), "");
     switchOn();
     taker.end(success);
