@@ -76,11 +76,14 @@ void Findings::finish() {
     for (const auto& [file, counts] : files)
         for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
             const std::size_t found = counts.found[static_cast<std::size_t>(severity)];
-            if (found > mostOfAFile)
-                list.push_back({severity,
-                                {file, 0, behindAllColumns},
-                                std::to_string(found - mostOfAFile) + nameOfMore(severity) + " in this file",
-                                "correct those above first"});
+            if (found <= mostOfAFile)
+                continue;
+            Finding rest;
+            rest.severity = severity;
+            rest.place = {file, 0, behindAllColumns};
+            rest.what = std::to_string(found - mostOfAFile) + nameOfMore(severity) + " in this file";
+            rest.remedy = "correct those above first";
+            list.push_back(rest);
         }
     const auto key = [&](const Finding& finding) {
         return std::make_tuple(files.at(finding.place.file).order, isCount(finding), finding.place.line,
