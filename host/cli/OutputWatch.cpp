@@ -3,6 +3,7 @@
 #include "services/console/ConsoleService.h"
 #include "services/console/OutputReader.h"
 #include "services/console/StreamWriter.h"
+#include "site/CountText.h"
 
 namespace host {
 
@@ -37,8 +38,8 @@ bool OutputWatch::tellLosses(Console& console) {
     const StreamWriter::Losses losses = console.out.losses();
     if (losses.lines == 0)
         return true;
-    console.error.write(std::to_string(losses.lines) +
-                        " lines could not be written to standard output: " + losses.reason + '\n');
+    console.error.write(countText(losses.lines, "line") +
+                        " could not be written to standard output: " + losses.reason + '\n');
     return false;
 }
 

@@ -109,7 +109,7 @@ std::string channelHeading(const ChannelFigures& figures) {
 }
 
 std::string rtuHeading(const Rtu& rtu, const RtuFigures* figures) {
-    const std::string text = " " + rtu.name + "  station " + std::to_string(rtu.station);
+    std::string text = " " + rtu.name + "  station " + std::to_string(rtu.station);
     if (!rtu.enabled)
         return text + "  disabled";
     if (figures == nullptr)
