@@ -7,12 +7,7 @@
 namespace host {
 
 // Where a site is run on one computer, without its controllers: every end leads to an address of the loopback
-// or, a serial device, to a link in `folder`. The simulator has the same rule, so that both programs meet
-// with the same site file.
-//
-// An IPv4 address keeps its last three numbers (10.0.0.5 becomes 127.0.0.5); a name, or an address of another
-// kind, becomes an address made from its letters. "localhost" and addresses of the loopback stay. A device
-// becomes "FOLDER/loopback-NAME", where NAME is its path with "-" for each "/".
+// or, a serial device, to a link in `folder` (text/LoopbackNames.h has the rule).
 LinkEnd onLoopback(const LinkEnd& end, const std::string& folder);
 void moveToLoopback(Site& site, const std::string& folder);
 // The folder that the links of a site file stand in: its own.
