@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Eventually.h"
 #include "services/control/SocketPath.h"
 
 #include <Simulator.h>
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -12,7 +12,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 
 constexpr int patienceMs = 60'000;
@@ -22,17 +21,6 @@ struct Ending {
     std::string output;
     std::string errors;
 };
-
-inline bool eventually(const std::function<bool()>& condition) {
-    QElapsedTimer elapsed;
-    elapsed.start();
-    while (!condition()) {
-        if (elapsed.elapsed() > patienceMs)
-            return false;
-        QThread::msleep(20);
-    }
-    return true;
-}
 
 // A host and its clients as programs, with simulated controllers behind them.
 class ControlledProgram : public testing::Test {

@@ -1,8 +1,6 @@
 #include "HostProgram.h"
 
-#include <QElapsedTimer>
 #include <QFile>
-#include <QThread>
 
 HostProgram::HostProgram() : simulator({{sim::udpLine(lineId, {station})}}) {
     EXPECT_EQ(simulator.start(), "");
@@ -54,15 +52,4 @@ HostProgram::Ending HostProgram::endOf(QProcess& program) const {
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
     return {program.exitCode(), program.readAllStandardOutput().toStdString(),
             program.readAllStandardError().toStdString()};
-}
-
-bool HostProgram::eventually(const std::function<bool()>& condition) {
-    QElapsedTimer elapsed;
-    elapsed.start();
-    while (!condition()) {
-        if (elapsed.elapsed() > patienceMs)
-            return false;
-        QThread::msleep(20);
-    }
-    return true;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Eventually.h"
+
 #include <Simulator.h>
 
 #include <QProcess>
@@ -8,7 +10,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,7 +41,6 @@ protected:
     Ending ctl(const QStringList& arguments) {
         return run(QStringList{QStringLiteral("ctl"), site} + arguments);
     }
-    static bool eventually(const std::function<bool()>& condition);
 
     sim::Memory& memory() { return simulator.memory(lineId, station); }
 
