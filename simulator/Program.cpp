@@ -6,6 +6,7 @@
 #include "Units.h"
 
 #include <ControlCharacters.h>
+#include <ProgramVersion.h>
 
 #include <algorithm>
 #include <csignal>
@@ -39,7 +40,7 @@ struct Arguments {
 };
 
 void declare(CLI::App& app, Arguments& arguments) {
-    app.set_version_flag("--version", std::string("sbus-sim ") + SBUS_VERSION, "tell the version and end");
+    app.set_version_flag("--version", release::versionText("sbus-sim"), "tell version and commit and end");
     app.add_option("site", arguments.siteFile, "the site file, as the host reads it")->required();
     app.add_flag("--move", arguments.options.move,
                  "let values move, those of the site's points among them: ramps, sines, counters, toggles");

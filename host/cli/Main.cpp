@@ -18,6 +18,7 @@
 #include <ControlCharacters.h>
 #include <DescriptorLimit.h>
 #include <OutOfMemory.h>
+#include <ProgramVersion.h>
 #include <QCoreApplication>
 
 #include <sstream>
@@ -139,8 +140,8 @@ int endEarly(const CLI::App& program, const CLI::ParseError& ending) {
 int runProgram(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     CLI::App program("Talks to S-Bus controllers through the SBusDriver plug-in", "sbus-host");
-    program.set_version_flag("--version", std::string("sbus-host ") + SBUS_VERSION,
-                             "Tell the version and end");
+    program.set_version_flag("--version", release::versionText("sbus-host") + "\nQt " + qVersion(),
+                             "Tell version, commit and Qt and end");
     program.require_subcommand(1);
     program.footer(exitStatusHelp);
     ExitStatus status = ExitStatus::Good;

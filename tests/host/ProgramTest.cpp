@@ -1,3 +1,4 @@
+#include <ProgramVersion.h>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -235,10 +236,11 @@ TEST_F(Program, TellsEachPointThatIsNeverReadOnceInEveryStream) {
     }
 }
 
-TEST_F(Program, TellsItsVersion) {
+TEST_F(Program, TellsVersionCommitAndQt) {
     const Ending ending = run({QStringLiteral("--version")});
     EXPECT_EQ(ending.status, 0);
-    EXPECT_EQ(ending.output, "sbus-host " PROJECT_VERSION "\n");
+    EXPECT_EQ(ending.output, "sbus-host " PROJECT_VERSION "\n" + std::string(release::commit()) + "\nQt " +
+                                 qVersion() + "\n");
 }
 
 TEST_F(Program, NamesTheCommandsThatThereAreInPlaceOfAnUnknownOne) {

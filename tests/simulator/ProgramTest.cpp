@@ -2,6 +2,8 @@
 #include "Client.h"
 #include "TemporaryFolder.h"
 
+#include <ProgramVersion.h>
+
 #include <array>
 #include <csignal>
 #include <sstream>
@@ -65,6 +67,11 @@ TEST_F(Program, SaysWhereItsLinesAreAndWhatItCounted) {
                              "  station 5: answers 0, refusals 0\n");
     EXPECT_EQ(err.str(), "");
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(device())));
+}
+
+TEST_F(Program, TellsVersionAndCommit) {
+    EXPECT_EQ(run({"--version"}), exitGood);
+    EXPECT_EQ(out.str(), "sbus-sim " PROJECT_VERSION "\n" + std::string(release::commit()) + "\n");
 }
 
 TEST_F(Program, EndsCleanlyAtASignal) {
