@@ -55,6 +55,7 @@ void LineObserver::sent(bool onSecondaryEnd, const char* bytes, int length, Cloc
 void LineObserver::received(const char* bytes, int length, Clock::time_point now) {
     if (!isOpen)
         return;
+    request.wasHeard = true;
     append(current.received, bytes, length);
     current.roundTrip =
         std::max(std::chrono::duration_cast<std::chrono::microseconds>(now - current.sentAtSteady),

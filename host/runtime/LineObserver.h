@@ -38,6 +38,7 @@ public:
     struct RequestTrace {
         bool hasExchange = false;
         bool hasLineFailed = false;
+        bool wasHeard = false; // something came back to one of its telegrams at least
         // Of a write that the controller refused, whatever the driver made of it.
         std::optional<Exchange> refusedWrite;
     };

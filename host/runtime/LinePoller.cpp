@@ -195,6 +195,9 @@ void LinePoller::hear(Station& station, const RequestEnd& end) {
     case RequestEnd::Kind::NoAnswer:
         break;
     }
+    // A station that answered the telegrams before is there.
+    if (end.wasHeard)
+        station.rest.heard();
     station.rest.silent(clock());
     if (station.rest.isSilent())
         for (PolledRtu* const rtu : station.rtus)

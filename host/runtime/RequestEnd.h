@@ -13,7 +13,7 @@ struct RequestEnd {
     enum class Kind {
         Answered,
         Refused,    // by the controller; the driver may take a refused write for done
-        NoAnswer,   // not a byte came
+        NoAnswer,   // not a byte came to its last telegram
         BadAnswer,  // cut off, damaged, or the answer to something else
         LineFailed, // the link failed while it was used
         NotSent,    // the line was not open
@@ -28,6 +28,7 @@ struct RequestEnd {
     bool onSecondary = false; // the end in use
     bool isTimeOut = false;   // what the driver counts a failure as
     bool hasTelegram = false; // at least one was sent
+    bool wasHeard = false;    // something came back to one of its telegrams, to the last one or not
 };
 
 // What a poll has found out about what a controller reads.

@@ -110,6 +110,7 @@ std::optional<RequestEnd> RequestEnds::endOf(Line& line, Counted& counted, const
         end.exchange = line.observer->lastExchange();
     end.kind = kindOf(trace, isAnswered, end.exchange);
     end.hasTelegram = trace.hasExchange;
+    end.wasHeard = trace.wasHeard;
     end.onSecondary = line.observer->onSecondary();
     return end;
 }

@@ -316,11 +316,14 @@ TEST_P(LineWithLosses, FailsFewerThanOnePollOfAHundred) {
     options.faults.duplicate = 0.01;
     options.faults.shorten = 0.01;
     options.faults.nak = 0.005;
-    StationPlant plant(GetParam(), {meter}, options);
+    // Beside another station this one would rest if its losses were taken for silence.
+    StationPlant plant(GetParam(), {meter, meter + 1}, options);
     for (unsigned first = 0; first < 100; first += 20)
         plant.addPoints(meter, 'R', first, 3); // five telegrams
+    plant.addPoints(meter + 1, 'R', 0, 3);
     fillRegisters(plant, meter, 200);
     plant.rtu(meter).timeout = 40ms;
+    plant.rtu(meter + 1).timeout = 40ms;
     plant.setScan(1h, 40ms);
     plant.start();
     ASSERT_TRUE(eventually([&] { return plant.figures(meter).status.requests >= 200; }));

@@ -79,6 +79,22 @@ TEST(RequestEnds, GivesTheLastExchangeOfAFailure) {
 }
 
 // The driver takes such a read for an answer that was cut off.
+TEST(RequestEnds, TellsSilenceFromSilenceBehindAnAnswer) {
+    const host::Site site = smallSite();
+    ObservedLine line(site);
+    line.send(readTwoRegisters);
+    line.receive(twoRegisters);
+    line.send(readTwoRegisters);
+    line.reportFailure();
+    line.send(readTwoRegisters);
+    line.reportFailure();
+    ASSERT_EQ(line.ended.size(), 2U);
+    EXPECT_EQ(line.ended[0].kind, Kind::NoAnswer);
+    EXPECT_TRUE(line.ended[0].wasHeard);
+    EXPECT_EQ(line.ended[1].kind, Kind::NoAnswer);
+    EXPECT_FALSE(line.ended[1].wasHeard) << "what came before belongs to the request before";
+}
+
 TEST(RequestEnds, KnowsARefusedReadOnASerialLine) {
     EXPECT_EQ(failureBehind(serialSite(), withChecksum(hex("B5 00 05 06 01 00 64")), negative),
               Kind::Refused);
