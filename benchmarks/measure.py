@@ -65,8 +65,9 @@ def instructions(step):
         listing = subprocess.run(["callgrind_annotate", "--inclusive=yes", "--threshold=100", out.name],
                                  check=True, capture_output=True, text=True).stdout
     count = lambda pattern: sum(int(n.replace(",", "")) for n in re.findall(pattern, listing)[:1])
+    stamps = (r"QDateTime::fromMSecsSinceEpoch\(long long\) ", r"CMidTime::CMidTime\(QDateTime const&, int\) ")
     return (count(r"([\d,]+) \(.*PROGRAM TOTALS")
-            - count(r"([\d,]+) \(.*\?:QDateTime::fromMSecsSinceEpoch\(long long\) ")) / STEPS
+            - sum(count(rf"([\d,]+) \(.*\?:{function}") for function in stamps)) / STEPS
 
 
 def machine():

@@ -1,10 +1,10 @@
 #include "SBusExchange.h"
 
 #include "SBusProtocolBase.h"
+#include "SBusPublishingRtu.h"
 
 #include <HalvexDriverComponent/CChannel.h>
 #include <HalvexDriverComponent/CLogger.h>
-#include <HalvexDriverComponent/CRtu.h>
 #include <HalvexDriverLink/CLink.h>
 
 using Halvex::PacketType;

@@ -4,12 +4,11 @@
 #include "Decoding.h"
 #include "HexDump.h"
 #include "MediaTable.h"
-#include "SBusValuePublisher.h"
+#include "SBusPublishingRtu.h"
 #include "Telegram.h"
 
 #include <HalvexDriverComponent/CChannel.h>
 #include <HalvexDriverComponent/CLogger.h>
-#include <HalvexDriverComponent/CRtu.h>
 
 #include <QMutexLocker>
 
@@ -123,15 +122,12 @@ unsigned SBusProtocolBase::executeWrite(const SBusRequest& request, const SBusRe
 // Hands over as many values as the answer holds, at most those that were asked for.
 void SBusProtocolBase::publish(const SBusRequest& request, const SBusRequestItem& item,
                                const QByteArray& response) {
-    auto* const publisher = dynamic_cast<SBusValuePublisher*>(request.rtu);
-    if (publisher == nullptr)
-        return;
     const QString media = sbus::mediaForReadCommand(item.command);
     const quint32 elements = item.count + 1;
     if (sbus::classOf(item.command) == sbus::CommandClass::ReadBits)
-        publisher->publishStatusValues(item.address, media, sbus::decodeBits(response, elements));
+        request.rtu->publishStatusValues(item.address, media, sbus::decodeBits(response, elements));
     else
-        publisher->publishAnalogValues(item.address, media, sbus::decodeWords(response, elements));
+        request.rtu->publishAnalogValues(item.address, media, sbus::decodeWords(response, elements));
 }
 
 void SBusProtocolBase::logFrame(int channelId, int rtuId, Halvex::PacketType type, const char* bytes,

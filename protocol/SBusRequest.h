@@ -6,7 +6,7 @@
 #include <QString>
 
 class CReply;
-class CRtu;
+class SBusPublishingRtu;
 
 // What is asked of one RTU: telegrams to exchange in order, and who waits for the outcome. A value: a copy
 // has its own items and shares `rtu` and `reply`, which it does not own.
@@ -22,7 +22,7 @@ public:
     // The same RTU, label and number of telegrams. What the telegrams hold is not compared.
     bool isEqualTo(const SBusRequest& other) const;
 
-    CRtu* rtu = nullptr;
+    SBusPublishingRtu* rtu = nullptr;
     QString name;
     QList<SBusRequestItem> items;
     CReply* reply = nullptr;

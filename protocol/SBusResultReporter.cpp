@@ -1,15 +1,16 @@
 #include "SBusResultReporter.h"
 
+#include "SBusPublishingRtu.h"
 #include "SBusRequest.h"
 #include "SBusResultCode.h"
 
 #include <HalvexDriverComponent/CChannel.h>
 #include <HalvexDriverComponent/CLogger.h>
 #include <HalvexDriverComponent/CReply.h>
-#include <HalvexDriverComponent/CRtu.h>
 
-#include <algorithm>
-#include <iterator>
+#include <QString>
+
+#include <array>
 
 using Halvex::DriverErrorResult;
 using Halvex::LogLevel;
@@ -22,21 +23,31 @@ struct Outcome {
     unsigned answers;
     unsigned timeOuts;
     unsigned errors;
-    const char* text;
+    QString text;
     LogLevel level;
 };
 
-// Code, reply error, answers, time-outs, errors, text, level. The texts are fixed, with their spelling and
-// their blanks.
-constexpr Outcome outcomes[] = {
-    {SBusSuccess, DriverErrorResult::Success, 1, 0, 0, "Request result : Success", LogLevel::Success},
-    {SBusTimeOut, DriverErrorResult::TimeOut, 0, 1, 0, "Request result : Timeout", LogLevel::RequestFailure},
-    {SBusChannelError, DriverErrorResult::ChannelError, 0, 0, 1, "Request result : Chennel Error",
-     LogLevel::RequestFailure},
-    {SBusBadData, DriverErrorResult::BadData, 0, 0, 1, "Request result : Bad Data", LogLevel::RequestFailure},
-    {SBusBadData2, DriverErrorResult::BadData, 0, 0, 1, "Request result :  Bad Data",
-     LogLevel::RequestFailure},
-};
+// Null for a code without one. The texts are fixed, with their spelling and their blanks; they have memory of
+// their own, since a host may keep a log line longer than it keeps the plug-in.
+const Outcome* outcomeOf(unsigned code) {
+    static const std::array<Outcome, 5> outcomes{{
+        // code, reply error, answers, time-outs, errors, text, level
+        {SBusSuccess, DriverErrorResult::Success, 1, 0, 0, QLatin1String("Request result : Success"),
+         LogLevel::Success},
+        {SBusTimeOut, DriverErrorResult::TimeOut, 0, 1, 0, QLatin1String("Request result : Timeout"),
+         LogLevel::RequestFailure},
+        {SBusChannelError, DriverErrorResult::ChannelError, 0, 0, 1,
+         QLatin1String("Request result : Chennel Error"), LogLevel::RequestFailure},
+        {SBusBadData, DriverErrorResult::BadData, 0, 0, 1, QLatin1String("Request result : Bad Data"),
+         LogLevel::RequestFailure},
+        {SBusBadData2, DriverErrorResult::BadData, 0, 0, 1, QLatin1String("Request result :  Bad Data"),
+         LogLevel::RequestFailure},
+    }};
+    for (const Outcome& outcome : outcomes)
+        if (outcome.code == code)
+            return &outcome;
+    return nullptr;
+}
 
 // The driver's use of the reply ends here.
 void endReply(CReply* reply, DriverErrorResult result) {
@@ -51,8 +62,7 @@ void reportOutcome(const Outcome& outcome, CRtu* rtu, CReply* reply) {
         reply->errorResult = outcome.replyError;
     rtu->PutRtuStatus(rtu->IsConnect(), rtu->IsConnect(), 0, outcome.answers, outcome.timeOuts,
                       outcome.errors);
-    CLogger::GetInstance()->writeAll(rtu->chennelId(), rtu->GetRtuId(), outcome.level,
-                                     QString::fromLatin1(outcome.text));
+    CLogger::GetInstance()->writeAll(rtu->chennelId(), rtu->GetRtuId(), outcome.level, outcome.text);
 }
 
 } // namespace
@@ -64,10 +74,7 @@ void SBusResultReporter::report(unsigned code, const SBusRequest& request, CRepl
         reportWithoutRtu(reply);
         return;
     }
-    const auto* const outcome =
-        std::find_if(std::begin(outcomes), std::end(outcomes),
-                     [=](const Outcome& candidate) { return candidate.code == code; });
-    if (outcome != std::end(outcomes))
+    if (const Outcome* const outcome = outcomeOf(code))
         reportOutcome(*outcome, request.rtu, reply);
     request.rtu->GetChannel()->PutChannelStatus();
     // With Success the reply tells the error that it holds, if it holds one.

@@ -34,8 +34,9 @@ QList<SBusRequestItem> readItemsOf(const ElementsByMedia& table) {
 
 SBusRtu::SBusRtu(CChannel* owner, HalvexDriverCoreInterface* coreInterface, const RemoteTerminalUnit& rtu,
                  sbus::WallClock wallClock)
-    : CRtu(coreInterface, owner, rtu), channel(owner), analogIndex(std::make_unique<sbus::PointIndex>()),
-      statusIndex(std::make_unique<sbus::PointIndex>()), clock(wallClock), stamp(wallClock) {}
+    : SBusPublishingRtu(coreInterface, owner, rtu), channel(owner),
+      analogIndex(std::make_unique<sbus::PointIndex>()), statusIndex(std::make_unique<sbus::PointIndex>()),
+      clock(wallClock), stamp(wallClock) {}
 
 SBusRtu::~SBusRtu() = default;
 

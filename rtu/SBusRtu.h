@@ -1,10 +1,8 @@
 #pragma once
 
+#include "SBusPublishingRtu.h"
 #include "SBusRequest.h"
-#include "SBusValuePublisher.h"
 #include "ValueStamp.h"
-
-#include <HalvexDriverComponent/CRtu.h>
 
 #include <QDateTime>
 #include <QMap>
@@ -27,7 +25,7 @@ class WordReader;
 // over. The publishers run on the channel's thread and read the point indexes without a lock, so the polls
 // must not be built at the same time. Ownership: the host owns the RTU, the channel owns the protocol object
 // and the delayed queue.
-class SBusRtu final : public CRtu, public SBusValuePublisher {
+class SBusRtu final : public SBusPublishingRtu {
 public:
     // A test may give a clock of its own.
     SBusRtu(CChannel* owner, HalvexDriverCoreInterface* coreInterface, const RemoteTerminalUnit& rtu,

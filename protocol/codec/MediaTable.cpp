@@ -2,15 +2,14 @@
 
 #include "CommandCode.h"
 
-#include <algorithm>
-#include <iterator>
+#include <array>
 #include <optional>
 
 namespace sbus {
 namespace {
 
 struct Media {
-    char letter;
+    QString letter;
     CommandCode read;
     std::optional<CommandCode> write;
     int readLimit;
@@ -19,25 +18,28 @@ struct Media {
 constexpr int narrowLimit = 32;
 constexpr int wideLimit = 128;
 
+using MediaTable = std::array<Media, 7>;
+
 // "P" names no kind of element; it reads as registers do, within the narrow limit.
-constexpr Media mediaTable[] = {
-    {'C', CommandCode::ReadCounters, CommandCode::WriteCounters, narrowLimit},
-    {'R', CommandCode::ReadRegisters, CommandCode::WriteRegisters, wideLimit},
-    {'T', CommandCode::ReadTimers, CommandCode::WriteTimers, narrowLimit},
-    {'F', CommandCode::ReadFlags, CommandCode::WriteFlags, wideLimit},
-    {'O', CommandCode::ReadOutputs, CommandCode::WriteOutputs, wideLimit},
-    {'I', CommandCode::ReadInputs, std::nullopt, wideLimit},
-    {'P', CommandCode::ReadRegisters, std::nullopt, narrowLimit},
-};
+const MediaTable& mediaTable() {
+    static const MediaTable table{{
+        {QStringLiteral("C"), CommandCode::ReadCounters, CommandCode::WriteCounters, narrowLimit},
+        {QStringLiteral("R"), CommandCode::ReadRegisters, CommandCode::WriteRegisters, wideLimit},
+        {QStringLiteral("T"), CommandCode::ReadTimers, CommandCode::WriteTimers, narrowLimit},
+        {QStringLiteral("F"), CommandCode::ReadFlags, CommandCode::WriteFlags, wideLimit},
+        {QStringLiteral("O"), CommandCode::ReadOutputs, CommandCode::WriteOutputs, wideLimit},
+        {QStringLiteral("I"), CommandCode::ReadInputs, std::nullopt, wideLimit},
+        {QStringLiteral("P"), CommandCode::ReadRegisters, std::nullopt, narrowLimit},
+    }};
+    return table;
+}
 
-// How a text is read that is no letter of the table.
-constexpr Media unknownMedia = {'\0', CommandCode::ReadRegisters, std::nullopt, wideLimit};
-
-const Media& findMedia(const QString& text) {
-    const auto found = std::find_if(std::begin(mediaTable), std::end(mediaTable), [&](const Media& media) {
-        return text.size() == 1 && text.at(0) == QLatin1Char(media.letter);
-    });
-    return found == std::end(mediaTable) ? unknownMedia : *found;
+// A text that is no letter of the table is read as registers are.
+Media findMedia(const QString& text) {
+    for (const Media& media : mediaTable())
+        if (media.letter == text)
+            return media;
+    return {text, CommandCode::ReadRegisters, std::nullopt, wideLimit};
 }
 
 } // namespace
@@ -56,9 +58,10 @@ void writeCommandForMedia(quint32& command, const QString& media) {
 }
 
 QString mediaForReadCommand(quint32 readCommand) {
-    const auto found = std::find_if(std::begin(mediaTable), std::end(mediaTable),
-                                    [&](const Media& media) { return toNumber(media.read) == readCommand; });
-    return found == std::end(mediaTable) ? QString() : QString(QLatin1Char(found->letter));
+    for (const Media& media : mediaTable())
+        if (toNumber(media.read) == readCommand)
+            return media.letter;
+    return {};
 }
 
 } // namespace sbus

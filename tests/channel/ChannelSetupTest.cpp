@@ -168,7 +168,7 @@ TEST_F(ChannelSetup, ASecondTimeKeepsTheProtocolAndMakesAnotherQueueWithoutDelet
     QList<SBusDelayedQueue*> destroyed;
     engineCalls.destroyQueue = [&](SBusDelayedQueue* queue) { destroyed << queue; };
     setLink();
-    CRtu* const rtu = addRtu(1, 5);
+    auto* const rtu = static_cast<SBusRtu*>(addRtu(1, 5));
     initialise(ethernet);
     const SBusProtocolBase* const protocol = protocols().value(0);
     initialise(ethernet);

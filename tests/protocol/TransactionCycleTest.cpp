@@ -257,14 +257,6 @@ TEST_F(TransactionCycleTest, TheStationIsTheDecimalNumberInTheRtusRecord) {
     }
 }
 
-TEST_F(TransactionCycleTest, AnRtuThatPublishesNothingIsStillPolled) {
-    SBusRequest made = request("poll", {{6, 0, 10, {}}});
-    made.rtu = channel.add<CRtu>(stationRecord(8, "5"));
-    protocol->answer(seven);
-    run(made);
-    EXPECT_EQ(logTexts(), QStringList{"Request result : Success"});
-}
-
 TEST_F(TransactionCycleTest, TheReservedHookIsCalledByNobody) {
     run(request("poll", {{6, 0, 10, {}}, write()}));
     protocol->failWith(SBusTimeOut);

@@ -1,5 +1,7 @@
 #include "RefereedLine.h"
 
+#include "PublishingRtu.h"
+
 #include <HalvexDriverLink/CLinkUdp.h>
 
 namespace {
@@ -42,7 +44,7 @@ void RefereedLine::exchangeInVain(const SBusRequestItem& item) {
 
 void RefereedLine::run(const RemoteTerminalUnit& record, const SBusRequestItem& item) {
     SBusRequest request;
-    request.rtu = channel.add<CRtu>(record);
+    request.rtu = channel.add<PublishingRtu>(record);
     request.name = QStringLiteral("telegram");
     request.items = {item};
     engine->submitRequest(request);

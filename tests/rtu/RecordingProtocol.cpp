@@ -1,6 +1,5 @@
 #include "RecordingProtocol.h"
-
-#include <HalvexDriverComponent/CRtu.h>
+#include "SBusPublishingRtu.h"
 
 unsigned RecordingProtocol::checkResponse(const QByteArray&, const QByteArray&, const SBusRequest&,
                                           const SBusRequestItem&) {

@@ -4,6 +4,8 @@
 
 #include <QList>
 
+class CRtu;
+
 // An engine without a wire: it remembers each telegram it is asked to exchange and answers it from the test.
 // Channel's thread, here the test's.
 class RecordingProtocol final : public SBusProtocolBase {

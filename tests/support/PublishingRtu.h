@@ -1,8 +1,6 @@
 #pragma once
 
-#include <SBusValuePublisher.h>
-
-#include <HalvexDriverComponent/CRtu.h>
+#include <SBusPublishingRtu.h>
 
 #include <QDateTime>
 #include <QStringList>
@@ -11,9 +9,9 @@
 
 // An RTU that remembers what the engine handed over, and puts each value into its point whose number is
 // the element's number, if it has such a point. Not thread-safe.
-class PublishingRtu : public CRtu, public SBusValuePublisher {
+class PublishingRtu : public SBusPublishingRtu {
 public:
-    using CRtu::CRtu;
+    using SBusPublishingRtu::SBusPublishingRtu;
 
     void publishStatusValues(quint32 start, const QString& media, const QList<quint8>& bits) override {
         remember(QStringLiteral("status"), start, media, bits);

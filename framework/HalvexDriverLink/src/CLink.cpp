@@ -33,8 +33,7 @@ int CLink::rxMessage(char* buffer, int wanted, int& received, int timeoutMs, int
     const Clock::time_point timeOut = Clock::now() + longerThan(timeoutMs);
     Clock::time_point patience = timeOut;
     while (received < wanted && !isInterrupted()) {
-        // Asked even when patience is at its end: bytes that came in time count, however late this thread
-        // runs.
+        // Also without any time left to wait: bytes that came in time count, however late this thread runs.
         const int wait = wholeMilliseconds(patience - Clock::now());
         int count = 0;
         if (receive(buffer + received, wanted - received, count, wait) != 0)

@@ -40,11 +40,13 @@ bool WaitLoop::mayWait() const {
 void WaitLoop::waitUntil(Clock::time_point deadline, const bool& finished) {
     // restart() comes before the question: a wake() before it has set its flag already, a wake() after it
     // stops the run. A wake() meant for an earlier wait only costs one more turn.
-    do {
+    bool isTimeLeft = true;
+    while (isTimeLeft && !finished) {
         ioContext->restart();
-        if (finished || !mayWait())
+        if (!mayWait())
             break;
-    } while (ioContext->run_one_until(deadline) > 0 || Clock::now() < deadline);
+        isTimeLeft = ioContext->run_one_until(deadline) > 0 || Clock::now() < deadline;
+    }
     // What is there by now counts, however late this thread came to look.
     if (finished)
         return;

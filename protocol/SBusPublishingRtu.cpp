@@ -1,0 +1,3 @@
+#include "SBusPublishingRtu.h"
+
+SBusPublishingRtu::~SBusPublishingRtu() = default;

@@ -1,3 +1,0 @@
-#include "SBusValuePublisher.h"
-
-SBusValuePublisher::~SBusValuePublisher() = default;
