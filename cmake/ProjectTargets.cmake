@@ -19,6 +19,7 @@ set(SBUS_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize: 
 
 find_package(Threads REQUIRED)
 include(Hardening)
+include(UnityGroups)
 
 if((SBUS_SANITIZE OR SBUS_BUILD_FUZZERS OR SBUS_COVERAGE) AND NOT CMAKE_CXX_COMPILER_ID MATCHES "^(GNU|Clang|AppleClang)$")
     message(FATAL_ERROR "Sanitizers, fuzz targets and coverage need GCC or Clang.")
@@ -62,9 +63,15 @@ function(project_library name)
     add_library(${name} ${ARGN})
     target_link_libraries(${name} PRIVATE project_settings)
     precompile_headers(${name} "${ARGN}")
+    if(CMAKE_UNITY_BUILD)
+        group_sources(${name} "${ARGN}")
+    endif()
 endfunction()
 
 function(project_executable name)
     add_executable(${name} ${ARGN})
     target_link_libraries(${name} PRIVATE project_settings)
+    if(CMAKE_UNITY_BUILD)
+        group_sources(${name} "${ARGN}")
+    endif()
 endfunction()

@@ -1,5 +1,6 @@
 #include "ImportCommand.h"
 
+#include "site/CountText.h"
 #include "symbols/SymbolImport.h"
 
 #include <ControlCharacters.h>
@@ -20,10 +21,6 @@ constexpr std::uintmax_t largestList = 536'870'912; // 512 MB, as large as a poi
 ExitStatus fail(const std::string& fault) {
     std::cerr << "sbus-host: " << text::printable(fault) << '\n';
     return ExitStatus::Configuration;
-}
-
-std::string countText(std::size_t count, const std::string& one) {
-    return std::to_string(count) + ' ' + one + (count == 1 ? "" : "s");
 }
 
 // Empty, or why the file is not to be written.

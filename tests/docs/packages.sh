@@ -42,6 +42,7 @@ expect() {
 
 tools=(clang-14 tshark valgrind libgtest-dev libmodbus-dev libbenchmark-dev gcovr)
 expect build -- g++ cmake qtbase5-dev libspdlog-dev "${tools[@]/#/!}"
+expect build demo -- g++ cmake qtbase5-dev libspdlog-dev "${tools[@]/#/!}"
 expect build dev -- g++ "${tools[@]}"
 expect test -- g++ qtbase5-dev "${tools[@]}"
 expect setup -- g++ "${tools[@]}"
