@@ -9,9 +9,9 @@ namespace outofmemory {
 
 namespace {
 
-// Set before main() begins, and not changed any more.
-const char* program = "";
-int status = 1;
+// Set before main() begins, and not changed any more. Libraries are made ready before that.
+const char* program = "before main";
+int status = 2;
 void (*before)() = nullptr;
 
 void tell(const char* text) {

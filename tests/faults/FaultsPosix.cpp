@@ -1,8 +1,7 @@
 // A library to be loaded before all others of a program. It knows from where the program calls the system,
 // and lets one of these calls fail, once.
 //
-// A place is a call together with the calls that have led to it, as far as they lie in the program's own
-// files, which are those in the folder of the program. It has a number that is the same in each run.
+// A place (FaultPlacePosix.h) is such a call together with what has led to it.
 // - SBUS_FAULT_REPORT names a file. A place that is reached for the first time adds a line to it: the kind of
 //   the call, the number, and the addresses by which a developer finds the place in the source.
 // - SBUS_FAULT is "KIND NUMBER ERROR": the first call at this place fails with the system's error number, and
@@ -11,6 +10,8 @@
 // The system's own functions are asked directly, so that none of this calls itself. What the C library calls
 // within itself is not seen; that is why its functions for files are among those below. Reading and writing
 // the descriptors by which threads wake each other is left alone: Linux knows no failure of it.
+
+#include "FaultPlacePosix.h"
 
 #include <array>
 #include <atomic>
@@ -22,9 +23,7 @@
 #include <cstring>
 
 #include <dlfcn.h>
-#include <execinfo.h>
 #include <fcntl.h>
-#include <link.h>
 #include <pthread.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
@@ -40,11 +39,10 @@
 extern "C" void* __libc_malloc(std::size_t size);
 extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
 extern "C" void* __libc_realloc(void* area, std::size_t size);
+extern "C" void* __libc_memalign(std::size_t alignment, std::size_t size);
 
 namespace {
 
-constexpr int mostFrames = 40;
-constexpr int ownFrames = 8; // that make a place, the innermost ones
 constexpr std::size_t mostPlaces = 1 << 17;
 
 struct Wanted {
@@ -55,7 +53,6 @@ struct Wanted {
 
 int report = -1;
 Wanted wanted;
-char ownFolder[1024] = "";
 std::atomic<bool> isReady{false};
 std::atomic<bool> hasFailed{false};
 std::array<std::atomic<std::uint64_t>, mostPlaces> knownPlaces;
@@ -73,60 +70,6 @@ public:
     Inside& operator=(const Inside&) = delete;
     ~Inside() { isInside = false; }
 };
-
-// Mixes a number into a hash (FNV-1a, eight bytes at a time).
-std::uint64_t mixed(std::uint64_t hash, std::uint64_t number) {
-    return (hash ^ number) * 1099511628211ULL;
-}
-
-std::uint64_t hashOf(const char* text) {
-    std::uint64_t hash = 14695981039346656037ULL;
-    for (; *text != '\0'; ++text)
-        hash = mixed(hash, static_cast<unsigned char>(*text));
-    return hash;
-}
-
-struct Frame {
-    const char* file = "";
-    std::uintptr_t offset = 0;
-    bool isOwn = false;
-};
-
-// Without the allocations and locks of dladdr().
-Frame frameOf(void* address) {
-    dl_find_object found{};
-    if (_dl_find_object(address, &found) != 0)
-        return {};
-    const link_map* const file = found.dlfo_link_map;
-    const bool isProgram = file->l_name[0] == '\0';
-    const bool isOwn = isProgram || std::strncmp(file->l_name, ownFolder, std::strlen(ownFolder)) == 0;
-    return {isProgram ? "program" : file->l_name, reinterpret_cast<std::uintptr_t>(address) - file->l_addr,
-            isOwn};
-}
-
-struct Place {
-    std::uint64_t number = 0;
-    std::array<Frame, ownFrames> frames;
-    int count = 0;
-};
-
-__attribute__((noinline)) Place currentPlace(const char* kind) {
-    std::array<void*, mostFrames> addresses{};
-    const int depth = backtrace(addresses.data(), mostFrames);
-    Place place;
-    place.number = hashOf(kind);
-    constexpr int ofThisLibrary = 3;
-    for (int i = ofThisLibrary; i < depth && place.count < ownFrames; ++i) {
-        const Frame frame = frameOf(addresses[static_cast<std::size_t>(i)]);
-        if (!frame.isOwn && place.count > 0)
-            continue;
-        if (!frame.isOwn && i > ofThisLibrary)
-            continue;
-        place.number = mixed(mixed(place.number, hashOf(frame.file)), frame.offset);
-        place.frames[static_cast<std::size_t>(place.count++)] = frame;
-    }
-    return place;
-}
 
 // False when it was known before.
 bool note(std::uint64_t place) {
@@ -195,12 +138,7 @@ __attribute__((constructor)) void prepare() {
     realThreadStart = next<ThreadStart>("pthread_create");
     realFileOpen = next<FileOpen>("fopen");
     realFileWrite = next<FileWrite>("fwrite");
-    void* first[1];
-    backtrace(first, 1); // loads what it needs
-    const ssize_t length = readlink("/proc/self/exe", ownFolder, sizeof ownFolder - 1);
-    ownFolder[length > 0 ? length : 0] = '\0';
-    if (char* const slash = std::strrchr(ownFolder, '/'))
-        slash[1] = '\0';
+    preparePlaces();
     if (const char* const fault = std::getenv("SBUS_FAULT")) {
         unsigned long long number = 0;
         if (std::sscanf(fault, "%23s %llx %d", wanted.kind, &number, &wanted.error) == 3)
@@ -395,4 +333,13 @@ SHOWN void* calloc(std::size_t count, std::size_t size) noexcept {
 
 SHOWN void* realloc(void* area, std::size_t size) noexcept {
     return fails("memory") ? nullptr : __libc_realloc(area, size);
+}
+
+SHOWN void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+    return fails("memory") ? nullptr : __libc_memalign(alignment, size);
+}
+
+SHOWN int posix_memalign(void** area, std::size_t alignment, std::size_t size) noexcept {
+    *area = fails("memory") ? nullptr : __libc_memalign(alignment, size);
+    return *area == nullptr ? ENOMEM : 0;
 }
