@@ -52,7 +52,7 @@ TEST_F(LogDirectory, IsMadeForItsUserToWriteToAlone) {
     struct stat found {};
     ASSERT_EQ(stat(path.c_str(), &found), 0);
     EXPECT_EQ(found.st_mode & 022U, 0U);
-    EXPECT_EQ(prepareAsOwner(path), ""); // and taken the next time
+    EXPECT_EQ(prepareAsOwner(path), ""); // and taken the next time, so that "a" is closed, too
 }
 
 TEST_F(LogDirectory, IsRefusedWhenOthersMayWriteToIt) {
@@ -79,6 +79,41 @@ TEST_F(LogDirectory, IsRefusedWhenAnotherUserHasLinkedItToOneOfThisUsers) {
         EXPECT_THAT(prepare(name), HasSubstr("is a symbolic link of another user"));
 }
 
+TEST_F(LogDirectory, IsRefusedWhenAnotherUserHasLinkedAnythingOnTheWayToIt) {
+    const std::string mine = folder("mine");
+    const std::string link = inRoot("link");
+    files::create_directory_symlink(mine, link);
+    giveAway(link);
+    files::create_directory_symlink("link/deep", inRoot("indirect"));
+    for (const std::string& name :
+         {link + "/deep/er", link + "/.", link + "/../mine", inRoot("indirect/new")})
+        EXPECT_THAT(
+            prepare(name),
+            HasSubstr(seconduser::isReal() ? link + " is a symbolic link of another user" : "another user"))
+            << name;
+    EXPECT_TRUE(files::is_empty(mine));
+}
+
+TEST_F(LogDirectory, IsRefusedWhenOthersCouldReplaceADirectoryOnTheWayToIt) {
+    const std::string path = folder("way") + "/logs";
+    ASSERT_EQ(chmod(inRoot("way").c_str(), 0777), 0);
+    EXPECT_THAT(prepareAsOwner(path), AllOf(HasSubstr(inRoot("way") + " on the way to it can be written to"),
+                                            HasSubstr("chmod o-w")));
+    EXPECT_FALSE(files::exists(path));
+    ASSERT_EQ(chmod(inRoot("way").c_str(), 0755), 0);
+    giveAway(inRoot("way"));
+    EXPECT_THAT(prepare(path), HasSubstr("on the way to it belongs to another user"));
+}
+
+// As /tmp is, where nobody can replace what is not theirs; and /var/log on some systems.
+TEST_F(LogDirectory, MayLieBelowADirectoryThatIsSharedInOrder) {
+    const std::string shared = folder("shared");
+    for (const mode_t mode : {01777U, 0775U}) {
+        ASSERT_EQ(chmod(shared.c_str(), mode), 0);
+        EXPECT_EQ(prepareAsOwner(shared + "/logs"), "");
+    }
+}
+
 TEST_F(LogDirectory, IsRefusedWhenAnotherUserHasLinkedALogFile) {
     const std::string path = folder("mine");
     const std::string link = path + "/channel-1.log";
@@ -94,4 +129,7 @@ TEST_F(LogDirectory, MayHoldLinksOfItsOwnUser) {
     files::create_symlink("/dev/full", path + "/channel-1.log");
     files::create_directory_symlink(path, inRoot("link"));
     EXPECT_EQ(prepareAsOwner(inRoot("link")), "");
+    EXPECT_EQ(prepareAsOwner(inRoot("link/../link/new/")), "");
+    files::create_directory_symlink("self", inRoot("self"));
+    EXPECT_THAT(prepareAsOwner(inRoot("self/logs")), HasSubstr("cannot be made"));
 }
