@@ -1,8 +1,10 @@
 #include "TextFile.h"
 
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 
 namespace text {
 
@@ -38,6 +40,10 @@ FileText tooLarge(std::uintmax_t mostBytes) {
     return {{}, "is larger than " + limit};
 }
 
+std::string reason() {
+    return errno == 0 ? std::string() : ": " + std::generic_category().message(errno);
+}
+
 } // namespace
 
 FileText readTextFile(const std::string& path, std::uintmax_t mostBytes) {
@@ -51,9 +57,10 @@ FileText readTextFile(const std::string& path, std::uintmax_t mostBytes) {
     const std::uintmax_t size = fs::file_size(file, failure);
     if (!failure && size > mostBytes)
         return tooLarge(mostBytes);
+    errno = 0; // the stream itself does not say why
     std::ifstream stream(file, std::ios::binary);
     if (!stream)
-        return {{}, "cannot be opened for reading"};
+        return {{}, "cannot be opened for reading" + reason()};
     std::string contents;
     if (!failure)
         contents.reserve(static_cast<std::size_t>(size));
@@ -64,7 +71,7 @@ FileText readTextFile(const std::string& path, std::uintmax_t mostBytes) {
             return tooLarge(mostBytes);
     }
     if (stream.bad())
-        return {{}, "fails while it is read"};
+        return {{}, "fails while it is read" + reason()};
     return {std::move(contents), {}};
 }
 
