@@ -83,6 +83,35 @@ TEST(ServerWithoutDescriptors, ListensAgainOnceThereAreSome) {
     close(client);
 }
 
+// Nobody makes room for a client that is not there.
+TEST(ServerWithoutDescriptors, KeepsTheClientThatTookTheLastOne) {
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("control.sock")).toStdString();
+    const host::Site site = controlSite();
+    FakeHost fake(site);
+    host::ControlServer server(fake, fake.store);
+    ASSERT_EQ(server.start(doorAt(path, 100)), "");
+
+    const LowDescriptorLimit low(256);
+    const int client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_GE(client, 0);
+    std::vector<int> used = useUpDescriptors();
+    ASSERT_FALSE(used.empty());
+    close(used.back());
+    used.pop_back();
+    ASSERT_EQ(connectTo(client, path), 0);
+    const timeval patience{patienceMs / 1'000, 0};
+    setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    constexpr char request[] = "{\"do\":\"status\"}\n";
+    ASSERT_EQ(write(client, request, sizeof request - 1), static_cast<ssize_t>(sizeof request - 1));
+    std::string reply(100, ' ');
+    EXPECT_GT(read(client, reply.data(), reply.size()), 0);
+    EXPECT_THAT(reply, testing::StartsWith("{\"channels\""));
+    for (const int one : used)
+        close(one);
+    close(client);
+}
+
 TEST(ServerWithoutDescriptors, SaysSo) {
     const QTemporaryDir folder;
     host::ListeningSocket socket([](QLocalSocket*) {}, [] { return false; }, nullptr);

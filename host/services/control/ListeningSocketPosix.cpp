@@ -6,6 +6,7 @@
 #include <QSocketNotifier>
 
 #include <cerrno>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -37,6 +38,11 @@ std::string reason() {
 
 bool isSameFile(const struct stat& one, const struct stat& other) {
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+bool isAnybodyWaiting(int descriptor) {
+    pollfd asked{descriptor, POLLIN, 0};
+    return poll(&asked, 1, 0) > 0;
 }
 
 // Between the two steps nobody listens yet, so that nobody gets in by the modes that a new file has.
@@ -95,6 +101,9 @@ void ListeningSocket::acceptClients() {
             else
                 ::close(client);
         } else if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
+            // The system says so before it looks whether there is anybody.
+            if (!isAnybodyWaiting(open->descriptor))
+                return;
             // The client waits. The notifier would call again at once, and for ever.
             if (!makeRoom())
                 return open->notifier->setEnabled(false);
