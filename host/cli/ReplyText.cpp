@@ -19,12 +19,20 @@ namespace {
 using Row = std::vector<std::string>;
 
 // For a terminal: a reply may come from whoever has the socket.
+std::string text(const QString& received) {
+    return text::printable(received.toStdString());
+}
+
 std::string text(const QJsonObject& object, const char* key) {
-    return text::printable(object.value(QLatin1String(key)).toString().toStdString());
+    return text(object.value(QLatin1String(key)).toString());
+}
+
+std::string numberText(const QJsonValue& value) {
+    return QString::number(value.toDouble(), 'g', 15).toStdString();
 }
 
 std::string numberText(const QJsonObject& object, const char* key) {
-    return QString::number(object.value(QLatin1String(key)).toDouble(), 'g', 15).toStdString();
+    return numberText(object.value(QLatin1String(key)));
 }
 
 bool flag(const QJsonObject& object, const char* key) {
@@ -127,10 +135,10 @@ std::string servicesText(const QJsonObject& services) {
     std::string lines;
     for (auto service = services.begin(); service != services.end(); ++service) {
         const QJsonObject figures = service.value().toObject();
-        lines += service.key().toStdString();
-        for (QString name : figures.keys()) {
-            const std::string value = numberText(figures, name.toUtf8().constData());
-            lines += "  " + name.replace(QLatin1Char('_'), QLatin1Char(' ')).toStdString() + " " + value;
+        lines += text(service.key());
+        for (auto figure = figures.begin(); figure != figures.end(); ++figure) {
+            const QString name = figure.key().replace(QLatin1Char('_'), QLatin1Char(' '));
+            lines += "  " + text(name) + " " + numberText(figure.value());
         }
         lines += '\n';
     }

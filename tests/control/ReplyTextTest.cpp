@@ -55,6 +55,8 @@ TEST(ControlReplyText, ObeysNoControlCharacterOfAReply) {
                   .substr(0, 100)
                   .find('\x07'),
               std::string::npos);
+    EXPECT_EQ(statusText(json(R"({"services":{"a\u001b[2J":{"b\n_c\u009b":1}}})")),
+              "a\\x1B[2J  b\\x0A c\\x9B 1\n");
 }
 
 TEST(ControlReplyText, TellsTheStatusAsATable) {
