@@ -76,8 +76,8 @@ std::string Simulator::startThread() {
         running->thread = std::thread([this] { running->context.run(); });
         return {};
     } catch (const std::system_error&) {
-        return "the system has no thread to give for the controllers; raise its limit of processes and "
-               "threads (ulimit -u), or end other programs";
+        return "the system has no thread to give for the controllers; raise its limits of processes and "
+               "threads (ulimit -u) and of memory (ulimit -v), or end other programs";
     }
 }
 

@@ -15,7 +15,8 @@ std::thread startThread(const std::string& purpose, std::function<void()> work) 
 
 std::string threadRefusal(const std::string& purpose) {
     return "the system has no thread to give for " + purpose +
-           "; raise its limit of processes and threads (ulimit -u), or end other programs";
+           "; raise its limits of processes and threads (ulimit -u) and of memory (ulimit -v), or end other "
+           "programs";
 }
 
 } // namespace host
