@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 using host::StateFile;
+using testing::AllOf;
 using testing::HasSubstr;
 
 namespace {
@@ -62,6 +63,16 @@ TEST_F(StateFiles, AreNotPutWhereEverybodyMayWrite) {
         ASSERT_EQ(chmod(base.c_str(), mode), 0);
         EXPECT_THAT(StateFile(base, "state").open(), HasSubstr("everybody may write to directory"));
     }
+    ASSERT_EQ(chmod(base.c_str(), 0700), 0);
+}
+
+// A directory below it may be root's, and belong to whoever can replace it all the same.
+TEST_F(StateFiles, AreNotPutBelowADirectoryThatEverybodyCouldReplace) {
+    ASSERT_EQ(chmod(base.c_str(), 0777), 0);
+    EXPECT_THAT(
+        StateFile(base + "/below", "state").open(),
+        AllOf(HasSubstr(base + "/below could be led elsewhere"), HasSubstr(base + " can be written to")));
+    EXPECT_NE(access((base + "/below").c_str(), F_OK), 0);
     ASSERT_EQ(chmod(base.c_str(), 0700), 0);
 }
 

@@ -19,8 +19,8 @@ public:
     bool isThere() const;
 
     // Makes the folder "sbus-host" in the base directory, which nobody else can enter, and takes the file for
-    // this process until its end, however it ends. Fails where everybody may write to the base directory, or
-    // another process has taken the file.
+    // this process until its end, however it ends. Fails where everybody may write to the base directory,
+    // others could lead it elsewhere, or another process has taken the file.
     std::string open();
 
     struct Contents {

@@ -1,5 +1,7 @@
 #include "StateFile.h"
 
+#include "runtime/DirectoryWay.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
@@ -96,9 +98,13 @@ bool StateFile::isThere() const {
 }
 
 std::string StateFile::open() {
+    // Of the user who has called su or sudo, for example.
+    std::string fault = wayFault(base, ownUser());
+    if (!fault.empty())
+        return "directory " + base + " could be led elsewhere: " + fault;
     std::error_code failure;
     std::filesystem::create_directories(base, failure);
-    std::string fault = baseFault(base);
+    fault = baseFault(base);
     if (fault.empty())
         fault = makeFolder(folder);
     if (!fault.empty())
