@@ -58,7 +58,7 @@ std::string resultLine(const QJsonObject& result) {
     std::string line = text(result, "point") + text(result, "rtu");
     if (result.contains(QStringLiteral("value")))
         line += " = " + valueText(result);
-    if (result.contains(QStringLiteral("raw")))
+    if (result.contains(QStringLiteral("raw")) && numberText(result, "raw") != numberText(result, "value"))
         line += " (raw " + numberText(result, "raw") + ")";
     line += "  " + text(result, "result");
     const QJsonValue number = result.value(QStringLiteral("number"));

@@ -51,6 +51,9 @@ TEST(ControlReplyText, TellsUnitAndRawNumber) {
     EXPECT_EQ(resultsText(json(R"({"results":[{"point":"a/X","value":21.5,"unit":"m","raw":415,)"
                                R"("result":"success","number":0}]})")),
               "a/X = 21.5 m (raw 415)  success\n");
+    EXPECT_EQ(resultsText(json(R"({"results":[{"point":"a/X","value":21.5,"unit":"m","raw":21.5,)"
+                               R"("result":"success","number":0}]})")),
+              "a/X = 21.5 m  success\n");
     EXPECT_THAT(changeText(json(R"({"time":"2026-11-21T10:30:00.125Z","rtu":"a","name":"X","address":"R1",)"
                                 R"("value":21.5,"unit":"m","raw":415,"quality":"good"})")),
                 HasSubstr("a/X (R1) = 21.5 m  good"));
