@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <iterator>
 
 namespace sim {
@@ -46,8 +47,17 @@ std::uint32_t sine(const Moment& at) {
 std::uint32_t secondCounter(const Moment& at) {
     return static_cast<std::uint32_t>(at.milliseconds / 1000 + at.element);
 }
+double sineTo100(const Moment& at) {
+    return 50.0 + 50.0 * at.sine();
+}
 std::uint32_t floatSine(const Moment& at) {
-    return encodeFloatWord(50.0 + 50.0 * at.sine());
+    return encodeFloatWord(sineTo100(at));
+}
+std::uint32_t ieeeSine(const Moment& at) {
+    const auto number = static_cast<float>(sineTo100(at));
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    return bits;
 }
 std::uint32_t floatRamp(const Moment& at) {
     return encodeFloatWord(static_cast<double>(at.steps() % 1000) / 10.0);
@@ -83,7 +93,7 @@ bool isFloatShape(Shape shape) {
 }
 
 bool isMovedByRange(const SitePoint& point) {
-    return std::any_of(std::begin(ranges), std::end(ranges), [&point](const Range& range) {
+    return !point.isIeee && std::any_of(std::begin(ranges), std::end(ranges), [&point](const Range& range) {
         return range.media == point.media && point.address >= range.first &&
                point.address < range.first + range.count && isFloatShape(range.shape) == point.isFloat;
     });
@@ -96,7 +106,7 @@ Shape shapeOf(const SitePoint& point) {
     case Media::Flags:
         return toggle;
     case Media::Registers:
-        return point.isFloat ? floatSine : ramp;
+        return point.isFloat ? floatSine : point.isIeee ? ieeeSine : ramp;
     case Media::Timers:
         return fallingRamp;
     case Media::Counters:

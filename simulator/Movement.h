@@ -25,8 +25,9 @@ namespace sim {
 void moveElements(Memory& memory, int station, std::chrono::milliseconds elapsed);
 
 // The same for the site's points of that controller that those ranges do not move, or not in the form in
-// which they are read: inputs and flags toggle, registers go up a ramp or, as floating-point words, along a
-// sine, timers run down, counters count. `k` is the last two digits of the number. Outputs stand still.
+// which they are read: inputs and flags toggle, registers go up a ramp or, as floating-point words or IEEE
+// 754 numbers, along a sine of 0 to 100, timers run down, counters count. `k` is the last two digits of the
+// number. Outputs stand still.
 void movePoints(Memory& memory, int station, const std::vector<SitePoint>& points,
                 std::chrono::milliseconds elapsed);
 

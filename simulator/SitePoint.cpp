@@ -58,7 +58,8 @@ std::optional<SitePoint> parsePoint(const std::string& address, const std::strin
         media ? parseInteger(std::string_view(text).substr(1), 0, highestAddress) : std::nullopt;
     if (!number)
         return std::nullopt;
-    return SitePoint{*media, static_cast<unsigned>(*number), plain(format) == "float"};
+    return SitePoint{*media, static_cast<unsigned>(*number), plain(format) == "float",
+                     plain(format) == "ieee"};
 }
 
 std::vector<SitePoint> readPointTable(const std::string& file) {

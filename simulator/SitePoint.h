@@ -12,7 +12,8 @@ namespace sim {
 struct SitePoint {
     Media media = Media::Inputs;
     unsigned address = 0;
-    bool isFloat = false;
+    bool isFloat = false; // the controller's floating-point word
+    bool isIeee = false;  // the bits of an IEEE 754 number
 };
 
 // An address as people write it, "R30" or "r 030", and the point's format. Nothing for what is no address:

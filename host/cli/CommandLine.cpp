@@ -98,7 +98,7 @@ void addRead(CLI::App& program, ExitStatus& status) {
     CLI::App* const command = program.add_subcommand("read", "Read elements of one controller");
     const auto controller = addController(*command);
     const auto given = std::make_shared<Given>();
-    command->add_option("ADDRESS", given->addresses, "R10, R10..20, R30:float, F5, I0..15")
+    command->add_option("ADDRESS", given->addresses, "R10, R10..20, R30:float, R30:ieee, F5, I0..15")
         ->required()
         ->check(readsFault);
     CLI::Option* const every =
@@ -137,7 +137,7 @@ void addWrite(CLI::App& program, ExitStatus& status) {
     CLI::App* const command = program.add_subcommand("write", "Write elements of one controller");
     const auto controller = addController(*command);
     const auto given = std::make_shared<Given>();
-    command->add_option("ADDRESS=VALUE", given->values, "O200=1, R10=12, R30:float=1.5, T5=100")
+    command->add_option("ADDRESS=VALUE", given->values, "O200=1, R10=12, R30:float=1.5, R30:ieee=1.5, T5=100")
         ->required()
         ->check(writeFault);
     command->add_flag("--verify", given->verify, "Read back what was written, and compare");

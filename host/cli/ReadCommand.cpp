@@ -7,6 +7,7 @@
 #include "services/console/ProgressBar.h"
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
+#include "site/PointValue.h"
 #include "values/ReadingText.h"
 #include "values/TimeText.h"
 
@@ -26,11 +27,10 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds lookPeriod{20}; // how soon a signal is seen
 
 void show(const ReadOptions& options, const ElementRead& element, const Reading& reading) {
-    Point point;
-    point.address = element.address;
-    point.isFloat = element.isFloat;
+    const Point point = pointOf(element);
+    const bool isGood = reading.isRead && isNumber(point, reading.value);
     const PointState state{reading.value, reading.timeMs, reading.timeMs,
-                           reading.isRead ? PointQuality::Good : PointQuality::Bad};
+                           isGood ? PointQuality::Good : PointQuality::Bad};
     switch (options.format) {
     case ReadFormat::Text:
         if (reading.isRead)

@@ -56,10 +56,18 @@ bool isRefused(const QJsonObject& result) {
            number == DriverErrorResult::PointNotFound || number == DriverErrorResult::UnsupportedAddress;
 }
 
+// "21.5 m"
+std::string valueText(const QJsonObject& object) {
+    const std::string unit = text(object, "unit");
+    return numberText(object, "value") + (unit.empty() ? "" : " " + unit);
+}
+
 std::string resultLine(const QJsonObject& result) {
     std::string line = text(result, "point") + text(result, "rtu");
     if (result.contains(QStringLiteral("value")))
-        line += " = " + numberText(result, "value");
+        line += " = " + valueText(result);
+    if (result.contains(QStringLiteral("raw")) && numberText(result, "raw") != numberText(result, "value"))
+        line += " (raw " + numberText(result, "raw") + ")";
     line += "  " + text(result, "result");
     const QJsonValue number = result.value(QStringLiteral("number"));
     if (!number.isNull() && !isGood(result))
@@ -173,7 +181,7 @@ std::string changeText(const QJsonObject& change) {
     std::string line = localTimeText(time.toMSecsSinceEpoch()) + "  " + text(change, "rtu") + '/' +
                        text(change, "name") + " (" + text(change, "address") + ")";
     if (!change.value(QStringLiteral("value")).isNull())
-        line += " = " + numberText(change, "value");
+        line += " = " + valueText(change);
     return line + "  " + text(change, "quality");
 }
 

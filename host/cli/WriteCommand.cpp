@@ -8,6 +8,7 @@
 #include "services/console/ProgressBar.h"
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
+#include "site/PointValue.h"
 #include "values/ReadingText.h"
 #include "values/ValueText.h"
 
@@ -22,11 +23,9 @@ constexpr unsigned silencesOfADeadStation = 3; // in a row: nothing more is sent
 
 using Kind = CommandEnding::Kind;
 
-Point pointOf(const ElementWrite& write) {
-    Point point;
-    point.address = write.address;
-    point.isFloat = write.isFloat;
-    return point;
+// What the controller holds when the write was carried out.
+double heldBy(const ElementWrite& write) {
+    return isBitMedia(write.address.media) ? write.value : rawOf(pointOf(write), write.value).raw;
 }
 
 // How each of the writes ended.
@@ -76,9 +75,9 @@ private:
             return;
         }
         bar.erase();
-        for (const std::size_t write : step.writes) {
-            const Point point = pointOf(options.writes[write]);
-            std::cout << readingAsText(point, heldValue(point, options.writes[write].value)) << '\n';
+        for (const std::size_t place : step.writes) {
+            const ElementWrite& write = options.writes[place];
+            std::cout << readingAsText(pointOf(write), heldBy(write)) << '\n';
         }
         std::cout << std::flush;
     }
@@ -112,16 +111,11 @@ std::vector<std::size_t> lastWrites(const WriteOptions& options, const WriteEndi
     return writes;
 }
 
-bool isSame(const ElementWrite& write, double read) {
-    return write.isFloat ? static_cast<float>(write.value) == static_cast<float>(read) : write.value == read;
-}
-
 std::string differenceText(const ControllerLine& line, const ElementWrite& write, double read) {
     const Point point = pointOf(write);
     const bool isTimer = write.address.media == 'T';
-    return nameOf(line) + ", " + toText(write.address) + ": " +
-           valueText(point, heldValue(point, write.value)) + " was written and acknowledged, but " +
-           valueText(point, read) + " was read back; check " +
+    return nameOf(line) + ", " + toText(write.address) + ": " + valueText(point, heldBy(write)) +
+           " was written and acknowledged, but " + valueText(point, read) + " was read back; check " +
            (isTimer ? "whether the timer runs" : "whether the controller's program writes it, too");
 }
 
@@ -134,7 +128,8 @@ ExitStatus verify(const WriteOptions& options, const WriteEndings& endings, OneS
     std::vector<ElementRead> elements;
     elements.reserve(writes.size());
     for (const std::size_t write : writes)
-        elements.push_back({options.writes[write].address, options.writes[write].isFloat});
+        elements.push_back(
+            {options.writes[write].address, options.writes[write].isFloat, options.writes[write].isIeee});
     ElementReader reader(line, elements);
     const auto captured = capture.follow(reader.exchanges());
     const std::string fault = reader.open(options.controller.pluginPath);
@@ -152,7 +147,7 @@ ExitStatus verify(const WriteOptions& options, const WriteEndings& endings, OneS
             continue;
         const ElementWrite& write = options.writes[writes[i]];
         ++tally.good;
-        if (isSame(write, round.readings[i].value))
+        if (heldBy(write) == round.readings[i].value)
             continue;
         differs = true;
         tellError(differenceText(line, write, round.readings[i].value));

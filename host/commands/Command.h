@@ -23,6 +23,8 @@ struct EndPulse {
     unsigned point = 0;
 };
 
+// Values are those that people give, with scale and offset; in what is asked of the driver they are raw
+// numbers.
 struct SetPoint {
     unsigned point = 0;
     double value = 0;

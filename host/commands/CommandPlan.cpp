@@ -4,11 +4,9 @@
 #include "plan/WritePlan.h"
 #include "runtime/FailureText.h"
 #include "runtime/HostRuntime.h"
-#include "site/FloatRange.h"
-#include "site/WordRange.h"
+#include "site/PointValue.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace host {
 
@@ -30,24 +28,6 @@ const char* mediaName(char media) {
     }
 }
 
-std::string valueFault(const Point& point, double value) {
-    if (!std::isfinite(value))
-        return "the value is no number; give one";
-    if (point.isFloat)
-        return floatFitOf(value) == FloatFit::Fits
-                   ? ""
-                   : std::string(
-                         "the value does not fit the controller's floating-point format; give 0, or a "
-                         "size from ") +
-                         smallestFloatText + " to " + largestFloatText;
-    if (isWordOf(point.address.media, value))
-        return {};
-    const WordRange range = wordRangeOf(point.address.media);
-    return std::string("the value does not fit ") + mediaName(point.address.media) +
-           "; give a whole number from " + std::to_string(range.lowest) + " to " +
-           std::to_string(range.highest);
-}
-
 std::string switchFault(const Point& point) {
     if (point.kind != PointKind::Status)
         return std::string("is ") + mediaName(point.address.media) +
@@ -60,7 +40,7 @@ std::string switchFault(const Point& point) {
 std::string setFault(const Point& point, double value) {
     if (point.kind != PointKind::Analog)
         return "is no register, timer or counter and takes no value; switch it on or off instead";
-    return valueFault(point, value);
+    return rawOf(point, value).fault;
 }
 
 class Checker {
@@ -117,17 +97,14 @@ void appendWrite(std::vector<WordWrite>& writes, const Rtu& rtu, unsigned id, do
     const Point* const point = findPoint(rtu, id);
     if (point == nullptr)
         return;
-    if (point->isFloat && value == 0)
+    const double raw = rawOf(*point, value).raw;
+    if (point->isFloat && raw == 0)
         writes.push_back({integerTwinOf(rtu, *point), point->address, false, 0});
     else
-        writes.push_back({numberOf(rtu, *point), point->address, point->isFloat, value});
+        writes.push_back({numberOf(rtu, *point), point->address, point->isFloat, raw});
 }
 
 } // namespace
-
-std::string valueFaultOf(const Point& point, double value) {
-    return point.kind == PointKind::Analog ? valueFault(point, value) : std::string();
-}
 
 const Point* findPoint(const Rtu& rtu, unsigned id) {
     const auto found = std::find_if(rtu.points.begin(), rtu.points.end(),

@@ -13,10 +13,6 @@ namespace host {
 // wrong, what to check. Empty when it can.
 std::string refusalOf(const Channel& channel, const Rtu& rtu, const CommandAction& action);
 
-// Why a register, timer or counter cannot be set to a value; empty when it can, or the point is none of
-// these.
-std::string valueFaultOf(const Point& point, double value);
-
 // The driver's commands that carry out an action which is not refused, in their order: one for each, but for
 // a list of set points, which is cut so that every value lands at its own element. Points are named by their
 // numbers in the driver's records.

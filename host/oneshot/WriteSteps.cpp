@@ -2,6 +2,7 @@
 
 #include "commands/DriverCall.h"
 #include "plan/OneShotSite.h"
+#include "site/PointValue.h"
 
 namespace host {
 
@@ -27,7 +28,8 @@ std::vector<WriteStep> planWriteSteps(const std::vector<ElementWrite>& writes) {
         if (isBitMedia(write.address.media))
             bits.push_back({SwitchPoint{point, write.value != 0}, {place}, false});
         else
-            words.push_back({point, write.address, goesAsFloat(write), write.value});
+            words.push_back(
+                {point, write.address, goesAsFloat(write), rawOf(pointOf(write), write.value).raw});
     }
     std::vector<WriteStep> steps;
     for (const WordCommand& command : planWordWrites(words))

@@ -3,6 +3,7 @@
 #include "ReadPlan.h"
 
 #include <map>
+#include <utility>
 
 namespace host {
 
@@ -33,13 +34,13 @@ Rtu rtuOf(const ControllerLine& line, int id) {
     return rtu;
 }
 
-Point pointOf(std::size_t place, const ElementAddress& address, bool isFloat) {
+Point pointAt(const ElementAddress& address, bool isFloat, bool isIeee) {
     Point point;
-    point.id = static_cast<unsigned>(place);
     point.name = toText(address);
     point.kind = isBitMedia(address.media) ? PointKind::Status : PointKind::Analog;
     point.address = address;
     point.isFloat = isFloat;
+    point.isIeee = isIeee;
     return point;
 }
 
@@ -79,7 +80,9 @@ Site makeReadSite(const ControllerLine& line, const std::vector<ElementRead>& el
     for (std::size_t place = 0; place < elements.size(); ++place) {
         const ElementAddress& address = elements[place].address;
         const std::size_t rtu = rtuOfElement.at({address.media, address.number});
-        channel.rtus[rtu].points.push_back(pointOf(place, address, elements[place].isFloat));
+        Point point = pointOf(elements[place]);
+        point.id = static_cast<unsigned>(place);
+        channel.rtus[rtu].points.push_back(std::move(point));
     }
     return {{channel}};
 }
@@ -99,7 +102,7 @@ Site makeScanSite(const ControllerLine& line, const std::vector<unsigned>& stati
         ControllerLine controller = line;
         controller.station = station;
         channel.rtus.push_back(rtuOf(controller, static_cast<int>(channel.rtus.size()) + 1));
-        channel.rtus.back().points.push_back(pointOf(0, scannedElement, false));
+        channel.rtus.back().points.push_back(pointAt(scannedElement, false, false));
     }
     return {{channel}};
 }
@@ -108,12 +111,22 @@ Site makeWriteSite(const ControllerLine& line, const std::vector<ElementWrite>& 
     Channel channel = channelOf(line);
     Rtu rtu = rtuOf(line, writeRtuId);
     for (std::size_t place = 0; place < writes.size(); ++place) {
-        Point point = pointOf(place, writes[place].address, goesAsFloat(writes[place]));
+        Point point = pointOf(writes[place]);
+        point.id = static_cast<unsigned>(place);
+        point.isFloat = goesAsFloat(writes[place]);
         point.isPolled = point.kind == PointKind::Analog;
         rtu.points.push_back(point);
     }
     channel.rtus.push_back(rtu);
     return {{channel}};
+}
+
+Point pointOf(const ElementRead& element) {
+    return pointAt(element.address, element.isFloat, element.isIeee);
+}
+
+Point pointOf(const ElementWrite& write) {
+    return pointAt(write.address, write.isFloat, write.isIeee);
 }
 
 bool goesAsFloat(const ElementWrite& write) {

@@ -45,6 +45,10 @@ constexpr int writeRtuId = 1;
 // line connects.
 Site makeWriteSite(const ControllerLine& line, const std::vector<ElementWrite>& writes);
 
+// What is read or written there, and in which format.
+Point pointOf(const ElementRead& element);
+Point pointOf(const ElementWrite& write);
+
 // Whether a value is written as a floating-point word. The driver's word for 0.0 is another number to the
 // controller; the integer 0 is the floating-point 0 as well, so it goes as that.
 bool goesAsFloat(const ElementWrite& write);

@@ -1,6 +1,7 @@
 #include "Forecast.h"
 #include "SharedElements.h"
 #include "TelegramTime.h"
+#include "ValueDescription.h"
 #include "site/CountText.h"
 
 #include <cmath>
@@ -54,9 +55,20 @@ void describeShielding(std::ostream& out, const RtuForecast& forecast) {
 // Both are right, or one of them is a slip of the pen: somebody who knows the controller has to look.
 void describeSharedElements(std::ostream& out, const Rtu& rtu) {
     for (const SharedElement& shared : elementsInTwoFormats(rtu))
-        out << "    " << toText(shared.integer->address) << " is read once and shown twice: by \""
-            << shared.integer->name << "\" as an integer, by \"" << shared.floating->name
-            << "\" as a float; a command to either changes both\n";
+        out << "    " << toText(shared.first->address) << " is read once and shown twice: by \""
+            << shared.first->name << "\" as " << formatText(*shared.first) << ", by \"" << shared.other->name
+            << "\" as " << formatText(*shared.other) << "; a command to either changes both\n";
+}
+
+// What is said of every point that is more than a number in a register would be as long as its table.
+void describeValues(std::ostream& out, const Rtu& rtu) {
+    constexpr std::size_t mostTold = 20;
+    std::size_t count = 0;
+    for (const Point& point : rtu.points)
+        if (isConverted(point) && ++count <= mostTold)
+            out << "    " << describeValue(point) << '\n';
+    if (count > mostTold)
+        out << "    " << countText(count - mostTold, "more point") << " with a unit, scale or format\n";
 }
 
 // Of a controller with limits, whose telegrams are not those that the driver makes of itself.
@@ -87,6 +99,7 @@ void describeRtu(std::ostream& out, const RtuForecast& forecast) {
         << countText(countPoints(rtu, PointKind::Analog), "analog point") << '\n';
     describeShielding(out, forecast);
     describeSharedElements(out, rtu);
+    describeValues(out, rtu);
     describePoll(out, "integrity poll", forecast.integrity, rtu.scan.integrity);
     describePoll(out, "status poll", forecast.status, rtu.scan.status);
     describePoll(out, "analog poll", forecast.analog, rtu.scan.analog);

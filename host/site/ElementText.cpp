@@ -1,14 +1,12 @@
 #include "ElementText.h"
 
+#include "Decimal.h"
 #include "FloatRange.h"
 #include "Number.h"
 #include "SwitchWord.h"
 #include "WordRange.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <limits>
 
 namespace host {
 
@@ -16,6 +14,7 @@ namespace {
 
 const std::string rangeMark = "..";
 const std::string floatSuffix = ":float";
+const std::string ieeeSuffix = ":ieee";
 const std::string readRemedy = "write addresses such as R10, R10..20, R30:float, F5 or I0..15";
 const std::string writeRemedy = "write ADDRESS=VALUE, such as O200=1, R10=12, R30:float=1.5 or T5=100";
 
@@ -28,9 +27,23 @@ bool takeSuffix(std::string& text, const std::string& suffix) {
     return found;
 }
 
-std::string floatFault(const std::string& text, bool isFloat, const ElementAddress& address) {
-    return isFloat && address.media != 'R' ? "\"" + text + "\": only registers (R) hold floating-point values"
-                                           : std::string();
+// In which format a register is read or written.
+struct Format {
+    bool isFloat = false;
+    bool isIeee = false;
+};
+
+Format takeFormat(std::string& text) {
+    Format format;
+    format.isFloat = takeSuffix(text, floatSuffix);
+    format.isIeee = !format.isFloat && takeSuffix(text, ieeeSuffix);
+    return format;
+}
+
+std::string formatFault(const std::string& text, const Format& format, const ElementAddress& address) {
+    return (format.isFloat || format.isIeee) && address.media != 'R'
+               ? "\"" + text + "\": only registers (R) hold floating-point values"
+               : std::string();
 }
 
 ParsedReads refuseReads(const std::string& what, const std::string& remedy) {
@@ -39,26 +52,6 @@ ParsedReads refuseReads(const std::string& what, const std::string& remedy) {
 
 ParsedWrite refuseWrite(const std::string& what, const std::string& remedy) {
     return {{}, what, remedy};
-}
-
-// Whether a number that no double holds is too close to 0, not too large.
-bool isTiny(const std::string& text) {
-    const std::size_t exponent = std::min(text.find_first_of("eE"), text.size());
-    if (exponent < text.size())
-        return text.compare(exponent + 1, 1, "-") == 0;
-    return text.substr(0, text.find('.')).find_first_of("123456789") == std::string::npos;
-}
-
-std::optional<double> parseDecimal(const std::string& text) {
-    double value = 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, failure] = std::from_chars(text.data(), end, value);
-    if (rest != end || failure == std::errc::invalid_argument || !std::isfinite(value))
-        return std::nullopt;
-    // What is beyond the range of a double is beyond the controller's as well.
-    if (failure == std::errc::result_out_of_range)
-        return isTiny(text) ? std::numeric_limits<double>::min() : std::numeric_limits<double>::max();
-    return value;
 }
 
 std::string floatValueFault(double value) {
@@ -74,11 +67,23 @@ std::string floatValueFault(double value) {
     return {};
 }
 
+std::string ieeeValueFault(double value) {
+    switch (singleFitOf(value)) {
+    case FloatFit::TooLarge:
+        return std::string("is too large for single precision, which ends at ") + largestSingleText;
+    case FloatFit::TooSmall:
+        return std::string("is too close to 0 for single precision, which begins at ") + smallestSingleText;
+    case FloatFit::Fits:
+        break;
+    }
+    return {};
+}
+
 ParsedWrite parseFloatValue(ElementWrite write, const std::string& text, const std::string& value) {
     const std::optional<double> number = parseDecimal(value);
     if (!number)
         return refuseWrite("\"" + text + "\": \"" + value + "\" is no number", writeRemedy);
-    const std::string fault = floatValueFault(*number);
+    const std::string fault = write.isFloat ? floatValueFault(*number) : ieeeValueFault(*number);
     if (!fault.empty())
         return refuseWrite("\"" + text + "\": " + value + " " + fault,
                            "give a value within the format, or 0");
@@ -112,7 +117,7 @@ ParsedWrite parseIntegerValue(ElementWrite write, const std::string& text, const
 
 ParsedReads parseElementReads(const std::string& text) {
     std::string rest = text;
-    const bool isFloat = takeSuffix(rest, floatSuffix);
+    const Format format = takeFormat(rest);
     const std::size_t mark = rest.find(rangeMark);
     const ParsedAddress first = parseElementAddress(rest.substr(0, mark));
     if (!first.address)
@@ -127,12 +132,12 @@ ParsedReads parseElementReads(const std::string& text) {
                                "write the last element's number behind the two points, such as R10..20");
         last = *number;
     }
-    const std::string fault = floatFault(text, isFloat, *first.address);
+    const std::string fault = formatFault(text, format, *first.address);
     if (!fault.empty())
         return refuseReads(fault, readRemedy);
     ParsedReads parsed;
     for (unsigned number = first.address->number; number <= last; ++number)
-        parsed.elements.push_back({{first.address->media, number}, isFloat});
+        parsed.elements.push_back({{first.address->media, number}, format.isFloat, format.isIeee});
     return parsed;
 }
 
@@ -141,7 +146,7 @@ ParsedWrite parseElementWrite(const std::string& text) {
     if (equals == std::string::npos)
         return refuseWrite("\"" + text + "\" gives no value", writeRemedy);
     std::string target = text.substr(0, equals);
-    const bool isFloat = takeSuffix(target, floatSuffix);
+    const Format format = takeFormat(target);
     if (target.find(rangeMark) != std::string::npos)
         return refuseWrite("\"" + text + "\": a value goes to one element",
                            "give each element of the range its own ADDRESS=VALUE");
@@ -151,12 +156,13 @@ ParsedWrite parseElementWrite(const std::string& text) {
     if (address.address->media == 'I')
         return refuseWrite("\"" + text + "\": inputs (I) are read only",
                            "write outputs, flags, registers, timers or counters (O, F, R, T, C)");
-    const std::string fault = floatFault(text, isFloat, *address.address);
+    const std::string fault = formatFault(text, format, *address.address);
     if (!fault.empty())
         return refuseWrite(fault, writeRemedy);
     const std::string value = text.substr(equals + 1);
-    const ElementWrite write{*address.address, isFloat, 0};
-    return isFloat ? parseFloatValue(write, text, value) : parseIntegerValue(write, text, value);
+    const ElementWrite write{*address.address, format.isFloat, 0, format.isIeee};
+    return format.isFloat || format.isIeee ? parseFloatValue(write, text, value)
+                                           : parseIntegerValue(write, text, value);
 }
 
 } // namespace host

@@ -1,9 +1,14 @@
 #include "PointFields.h"
 
 #include "AnyCase.h"
+#include "Decimal.h"
 #include "Number.h"
+#include "NumberText.h"
 
 #include <ControlCharacters.h>
+
+#include <algorithm>
+#include <cmath>
 
 namespace host {
 
@@ -15,12 +20,24 @@ const std::array<PointColumn, pointFieldCount> pointColumns = {{{"id", true},
                                                                 {"value", true},
                                                                 {"second_address", false},
                                                                 {"second_value", true},
-                                                                {"pulse_ms", true}}};
+                                                                {"pulse_ms", true},
+                                                                {"scale", true},
+                                                                {"offset", true},
+                                                                {"unit", false},
+                                                                {"decimals", true},
+                                                                {"deadband", true},
+                                                                {"description", false}}};
 
 namespace {
 
 constexpr unsigned highestPointId = firstHiddenNumber - 1;
 constexpr unsigned longestPulseMs = 24 * 3'600'000;
+constexpr unsigned mostDecimals = 9; // a register has ten digits
+// Of scales and offsets: with any number of a controller the value stays a finite one, and not 0.
+constexpr double smallestFactor = 1e-30;
+constexpr double largestFactor = 1e30;
+// An offset beyond that leaves a value too few digits to tell two steps of the scale apart.
+constexpr double mostStepsOfOffset = 1e9;
 
 const std::string& nameOf(PointField field) {
     return pointColumns[static_cast<std::size_t>(field)].name;
@@ -37,8 +54,9 @@ const Cell* cellOf(const PointFields& fields, PointField field) {
 // Reads the fields of one point. `good` turns false with the first finding.
 class PointReader {
 public:
-    PointReader(const PointFields& pointFields, const PointPlace& pointPlace, Findings& foundSoFar)
-        : fields(pointFields), file(pointPlace.file), findings(foundSoFar) {
+    PointReader(const PointFields& pointFields, const PointPlace& pointPlace,
+                EngineeringPool& engineeringPool, Findings& foundSoFar)
+        : fields(pointFields), file(pointPlace.file), pool(engineeringPool), findings(foundSoFar) {
         point.spot = pointPlace.spot;
     }
 
@@ -47,6 +65,8 @@ public:
         readKindAndAddress();
         readFormat();
         readOutputs();
+        readEngineering();
+        readDescription();
         return good ? std::optional<Point>(std::move(point)) : std::nullopt;
     }
 
@@ -83,6 +103,18 @@ private:
         return std::nullopt;
     }
 
+    // Any number; its size is at most `largest`.
+    std::optional<double> decimal(PointField field, double largest, const std::string& remedy) {
+        const Cell* const cell = find(field);
+        if (cell == nullptr)
+            return std::nullopt;
+        const std::optional<double> value = parseDecimal(cell->text);
+        if (value && std::fabs(*value) <= largest)
+            return value;
+        refuse(cell->spot, nameOf(field) + " \"" + cell->text + "\" is out of range or no number", remedy);
+        return std::nullopt;
+    }
+
     // What a binary command writes: one byte.
     std::optional<std::uint8_t> byte(PointField field) {
         const std::optional<unsigned> value = number(field, 0, 255);
@@ -104,14 +136,18 @@ private:
     }
 
     void readName(const Cell& name) {
-        const std::size_t control = text::findControl(name.text);
-        if (control == std::string::npos)
+        if (isShowable(name, PointField::Name))
             point.name = name.text;
-        else
-            refuse(name.spot,
-                   "name with control character " + text::controlName(name.text, control) + ": \"" +
-                       name.text + "\"",
-                   "take it out; a name is one line of what can be shown");
+    }
+
+    bool isShowable(const Cell& cell, PointField field) {
+        const std::size_t control = text::findControl(cell.text);
+        if (control != std::string::npos)
+            refuse(cell.spot,
+                   nameOf(field) + " with control character " + text::controlName(cell.text, control) +
+                       ": \"" + cell.text + "\"",
+                   "take it out; a " + nameOf(field) + " is one line of what can be shown");
+        return control == std::string::npos;
     }
 
     void readKindAndAddress() {
@@ -142,11 +178,14 @@ private:
         if (format == nullptr || isSameInAnyCase(format->text, "integer"))
             return;
         point.isFloat = isSameInAnyCase(format->text, "float");
-        if (!point.isFloat)
-            refuse(format->spot, "format \"" + format->text + "\" is not known",
-                   "write float, or leave it empty for an integer");
+        point.isIeee = isSameInAnyCase(format->text, "ieee");
+        if (!point.isFloat && !point.isIeee)
+            refuse(
+                format->spot, "format \"" + format->text + "\" is not known",
+                "write float for the controller's own floating-point format, ieee for IEEE 754, or leave it "
+                "empty for an integer");
         else if (addressIsKnown && point.address.media != 'R')
-            refuse(format->spot, "format float on " + toText(point.address),
+            refuse(format->spot, "format " + lowered(format->text) + " on " + toText(point.address),
                    "only registers (R) hold floats: leave the format empty");
     }
 
@@ -180,8 +219,67 @@ private:
                    "give an output or flag (O, F)");
     }
 
+    void readEngineering() {
+        const PointField valueFields[] = {PointField::Scale, PointField::Offset, PointField::Unit,
+                                          PointField::Decimals, PointField::Deadband};
+        if (!addressIsKnown || !isBitMedia(point.address.media)) {
+            readValueFields();
+            return;
+        }
+        for (const PointField field : valueFields)
+            if (const Cell* const cell = find(field))
+                refuse(cell->spot, nameOf(field) + " on " + toText(point.address),
+                       "only an analog point (R, T, C) takes it: leave it empty");
+    }
+
+    void readValueFields() {
+        Engineering engineering;
+        engineering.scaling = readScaling();
+        const Cell* const unit = find(PointField::Unit);
+        if (unit != nullptr && isShowable(*unit, PointField::Unit))
+            engineering.unit = unit->text;
+        if (const auto decimals = number(PointField::Decimals, 0, mostDecimals))
+            engineering.decimals = static_cast<std::uint8_t>(*decimals);
+        const std::string remedy = "give a number from 0 on, the smallest change of the value that matters";
+        engineering.deadband = decimal(PointField::Deadband, largestFactor, remedy).value_or(0);
+        if (engineering.deadband < 0)
+            refuse(find(PointField::Deadband)->spot, "deadband below 0", remedy);
+        if (good)
+            point.engineering = pool.take(std::move(engineering));
+    }
+
+    Scaling readScaling() {
+        const std::string remedy = "give a number up to 1e30, such as 0.1, for value = raw x scale + offset";
+        const double scale = decimal(PointField::Scale, largestFactor, remedy).value_or(1);
+        const double offset = decimal(PointField::Offset, largestFactor, remedy).value_or(0);
+        if (std::fabs(scale) < smallestFactor) {
+            refuse(find(PointField::Scale)->spot, scale == 0 ? "scale 0" : "scale too close to 0",
+                   "give another number from 1e-30 on; with 0 every value would be the same");
+            return {};
+        }
+        if (std::fabs(offset) > std::fabs(scale) * mostStepsOfOffset)
+            refuse(find(PointField::Offset)->spot,
+                   "offset " + numberText(offset) + " is too large beside scale " + numberText(scale),
+                   "give one of at most 1e9 times the scale; steps of the scale get lost beyond");
+        return {scale, offset};
+    }
+
+    // Spreadsheets have cells of several lines.
+    void readDescription() {
+        const Cell* const cell = find(PointField::Description);
+        if (cell == nullptr)
+            return;
+        std::string description = cell->text;
+        std::replace_if(
+            description.begin(), description.end(),
+            [](char letter) { return letter == '\n' || letter == '\r' || letter == '\t'; }, ' ');
+        if (isShowable({description, cell->spot}, PointField::Description))
+            point.description = std::make_shared<const std::string>(std::move(description));
+    }
+
     const PointFields& fields;
     const std::string& file;
+    EngineeringPool& pool;
     Findings& findings;
     Point point;
     bool addressIsKnown = false;
@@ -190,8 +288,9 @@ private:
 
 } // namespace
 
-std::optional<Point> readPoint(const PointFields& fields, const PointPlace& place, Findings& findings) {
-    return PointReader(fields, place, findings).read();
+std::optional<Point> readPoint(const PointFields& fields, const PointPlace& place, EngineeringPool& pool,
+                               Findings& findings) {
+    return PointReader(fields, place, pool, findings).read();
 }
 
 void PointIds::reserve(std::size_t expected) {

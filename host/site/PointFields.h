@@ -19,9 +19,15 @@ enum class PointField : std::size_t {
     Value,
     SecondAddress,
     SecondValue,
-    PulseMs
+    PulseMs,
+    Scale,
+    Offset,
+    Unit,
+    Decimals,
+    Deadband,
+    Description
 };
-constexpr std::size_t pointFieldCount = static_cast<std::size_t>(PointField::PulseMs) + 1;
+constexpr std::size_t pointFieldCount = static_cast<std::size_t>(PointField::Description) + 1;
 constexpr std::size_t neededPointFields = 4;
 
 // What a field is called at the head of a column and as a key, and what stands in it.
@@ -41,8 +47,9 @@ struct PointPlace {
 };
 
 // The point that `fields` describe. Nothing, with the findings told, when something is wrong with them.
-// An empty field counts as left out.
-std::optional<Point> readPoint(const PointFields& fields, const PointPlace& place, Findings& findings);
+// An empty field counts as left out. The pool is that of the other points of the table.
+std::optional<Point> readPoint(const PointFields& fields, const PointPlace& place, EngineeringPool& pool,
+                               Findings& findings);
 
 // The ids of an RTU's points. Two points with one id cannot be told apart. Asks for the id alone, so that a
 // point with other faults takes part too.

@@ -172,6 +172,7 @@ private:
         points.reserve(rows);
         PointIds ids;
         ids.reserve(rows);
+        EngineeringPool pool;
         while (reader.next(row)) {
             if (row.isComment())
                 continue;
@@ -181,7 +182,7 @@ private:
             refuseUnnamed();
             if (row.cells.size() != columns.count)
                 refuseLength();
-            else if (std::optional<Point> point = readPoint(fields, place, findings))
+            else if (std::optional<Point> point = readPoint(fields, place, pool, findings))
                 points.push_back(std::move(*point));
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ElementAddress.h"
+#include "Engineering.h"
 #include "Finding.h"
 #include "LinkUrl.h"
 
@@ -30,10 +31,13 @@ struct Point {
     Spot spot;                                   // in its RTU's point file
     // The address as it stands in the file, where that is not its plain form.
     std::shared_ptr<const std::string> writtenAddress;
-    std::optional<std::uint8_t> value;       // what goes to `address`
-    std::optional<std::uint8_t> secondValue; // what goes to `secondAddress`
+    std::shared_ptr<const std::string> description; // for people; null: none
+    std::shared_ptr<const Engineering> engineering; // null: what is shown is the number in the controller
+    std::optional<std::uint8_t> value;              // what goes to `address`
+    std::optional<std::uint8_t> secondValue;        // what goes to `secondAddress`
     PointKind kind = PointKind::Status;
-    bool isFloat = false;
+    bool isFloat = false; // the register holds the controller's own floating-point format
+    bool isIeee = false;  // the register's 32 bits are an IEEE 754 number of single precision
     bool isPolled = true; // of a status point; false: it is only commanded
 };
 

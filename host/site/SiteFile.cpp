@@ -189,7 +189,7 @@ private:
             loaded.findings.error(csv->place, "points and [[channel.rtu.point]] tables in one RTU",
                                   "keep one of the two");
         const IgnoredColumns ignored =
-            table.texts("ignore", "list the columns' names: ignore = [\"comment\", \"unit\"]");
+            table.texts("ignore", "list the columns' names: ignore = [\"location\", \"remark\"]");
         if (table.has("ignore") && !table.has("points"))
             loaded.findings.error(table.placeOf("ignore"), "ignore without a point table",
                                   "name the table's file with points, or leave ignore out");
@@ -198,8 +198,9 @@ private:
         if (!csv)
             rtu.pointFile = file;
         PointIds ids;
+        EngineeringPool pool;
         for (const toml::table* const one : table.tables("point"))
-            readInlinePoint(*one, rtu, ids);
+            readInlinePoint(*one, rtu, ids, pool);
     }
 
     void readCsvPoints(const Field& csv, const IgnoredColumns& ignored, Rtu& rtu) {
@@ -214,19 +215,19 @@ private:
                                   "name a file that can be read, relative to the site file");
     }
 
-    void readInlinePoint(const toml::table& source, Rtu& rtu, PointIds& ids) {
+    void readInlinePoint(const toml::table& source, Rtu& rtu, PointIds& ids, EngineeringPool& pool) {
         TomlTable table(source, file, loaded.findings);
         std::array<Cell, pointFieldCount> cells;
         PointFields fields{};
         for (std::size_t i = 0; i < pointFieldCount; ++i)
-            if (const std::optional<Field> field = table.textOrInteger(pointColumns[i].name)) {
+            if (const std::optional<Field> field = table.textOrNumber(pointColumns[i].name)) {
                 cells[i] = {field->text, {field->place.line, field->place.column}};
                 fields[i] = &cells[i];
             }
         table.rejectUnknownKeys();
         const PointPlace place{file, {table.place().line, table.place().column}};
         ids.take(fields, place, loaded.findings);
-        if (std::optional<Point> point = readPoint(fields, place, loaded.findings))
+        if (std::optional<Point> point = readPoint(fields, place, pool, loaded.findings))
             rtu.points.push_back(std::move(*point));
     }
 

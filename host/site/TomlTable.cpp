@@ -1,6 +1,7 @@
 #include "TomlTable.h"
 
 #include "Duration.h"
+#include "NumberText.h"
 
 #include <ControlCharacters.h>
 
@@ -126,7 +127,7 @@ std::optional<std::chrono::milliseconds> TomlTable::duration(const std::string& 
     return duration;
 }
 
-std::optional<Field> TomlTable::textOrInteger(const std::string& key) {
+std::optional<Field> TomlTable::textOrNumber(const std::string& key) {
     const toml::node* const node = find(key);
     if (node == nullptr)
         return std::nullopt;
@@ -134,7 +135,9 @@ std::optional<Field> TomlTable::textOrInteger(const std::string& key) {
         return isShowable(key, *text) ? std::optional(Field{text->get(), placeOf(*node)}) : std::nullopt;
     if (const toml::value<std::int64_t>* const number = node->as_integer())
         return Field{std::to_string(number->get()), placeOf(*node)};
-    refuse(*node, key + " is neither a text nor a whole number", "write it as in a point table");
+    if (const toml::value<double>* const number = node->as_floating_point())
+        return Field{numberText(number->get()), placeOf(*node)};
+    refuse(*node, key + " is neither a text nor a number", "write it as in a point table");
     return std::nullopt;
 }
 

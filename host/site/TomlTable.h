@@ -33,8 +33,8 @@ public:
     std::optional<bool> flag(const std::string& key);
     // Above zero.
     std::optional<std::chrono::milliseconds> duration(const std::string& key);
-    // A whole number or a text, as text.
-    std::optional<Field> textOrInteger(const std::string& key);
+    // A number or a text, as text.
+    std::optional<Field> textOrNumber(const std::string& key);
     // A list of texts.
     std::vector<std::string> texts(const std::string& key, const std::string& remedy);
     // Null for a key that is left out.

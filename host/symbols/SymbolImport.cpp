@@ -117,7 +117,7 @@ std::string SymbolImport::take(const std::string& name, const std::string& type,
 }
 
 std::string pointTableText(const std::vector<ImportedPoint>& points) {
-    std::string table = "id,name,kind,address,format,#comment\n";
+    std::string table = "id,name,kind,address,format,description\n";
     for (std::size_t i = 0; i < points.size(); ++i) {
         const ImportedPoint& point = points[i];
         table += std::to_string(i + 1) + ',' + cellText(point.name) + ',' +

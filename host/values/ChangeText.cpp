@@ -1,13 +1,13 @@
 #include "ChangeText.h"
 
 #include "ValueText.h"
+#include "site/PointValue.h"
 
 #include <charconv>
-#include <cmath>
 
 namespace host {
 
-const char* const changeCsvHeader = "time,channel,rtu,id,name,address,value,quality";
+const char* const changeCsvHeader = "time,channel,rtu,id,name,address,value,quality,unit";
 
 namespace {
 
@@ -50,6 +50,33 @@ void appendCsvText(std::string& text, const std::string& cell) {
     text += '"';
 }
 
+void appendUnit(std::string& text, const Point& point) {
+    const std::string& unit = unitOf(point);
+    if (unit.empty())
+        return;
+    text += ' ';
+    text += unit;
+}
+
+// The value, and of points whose value is not the number in the controller what belongs to it.
+void appendJsonValue(std::string& text, const Point& point, const PointState& state) {
+    if (state.hasValue() && isNumber(point, state.value)) // JSON knows no infinity
+        appendValue(text, point, state.value);
+    else
+        text += "null";
+    if (const std::string& unit = unitOf(point); !unit.empty()) {
+        text += ",\"unit\":";
+        appendJsonText(text, unit);
+    }
+    if (!hasRaw(point))
+        return;
+    text += ",\"raw\":";
+    if (state.hasValue())
+        appendRaw(text, point, state.value);
+    else
+        text += "null";
+}
+
 // What the texts of all points of an RTU have in common, made anew only where another RTU follows.
 class RtuPart {
 public:
@@ -82,6 +109,7 @@ public:
         if (state.hasValue()) {
             text += " = ";
             appendValue(text, *ref.point, state.value);
+            appendUnit(text, *ref.point);
         }
         text += "  ";
         text += toText(state.quality);
@@ -109,10 +137,7 @@ public:
         text += ",\"address\":\"";
         appendAddress(text, ref.point->address);
         text += "\",\"value\":";
-        if (state.hasValue() && std::isfinite(state.value)) // JSON knows no infinity
-            appendValue(text, *ref.point, state.value);
-        else
-            text += "null";
+        appendJsonValue(text, *ref.point, state);
         text += ",\"quality\":\"";
         text += toText(state.quality);
         text += "\"}";
@@ -144,6 +169,8 @@ public:
             appendValue(text, *ref.point, state.value);
         text += ',';
         text += toText(state.quality);
+        text += ',';
+        appendCsvText(text, unitOf(*ref.point));
     }
 
 private:

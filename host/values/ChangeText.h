@@ -21,8 +21,9 @@ public:
 };
 
 // A line for people, a JSON object, and a row of comma-separated values. The latter two have the columns
-// time, channel, rtu, id, name, address, value, quality; the time is that of the value or, for a quality that
-// has turned bad, of that moment; a point that was never read has that of the telling.
+// time, channel, rtu, id, name, address, value, quality and unit, which JSON leaves out where there is none.
+// JSON has "raw" too where the value is not the number in the controller. The time is that of the value or,
+// for a quality that has turned bad, of that moment; a point that was never read has that of the telling.
 std::unique_ptr<ChangeText> makeLineText();
 std::unique_ptr<ChangeText> makeJsonText();
 std::unique_ptr<ChangeText> makeCsvText();

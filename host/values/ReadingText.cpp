@@ -2,6 +2,7 @@
 
 #include "ChangeText.h"
 #include "ValueText.h"
+#include "site/PointValue.h"
 
 namespace host {
 
@@ -11,29 +12,41 @@ namespace {
 
 // As the element was asked for: one register may be read in both forms.
 std::string elementText(const Point& point) {
-    return toText(point.address) + (point.isFloat ? ":float" : "");
+    return toText(point.address) + (point.isFloat ? ":float" : point.isIeee ? ":ieee" : "");
 }
 
 bool isGood(const PointState& state) {
     return state.quality == PointQuality::Good;
 }
 
+// Of a register of format ieee, which may hold no number.
+std::string rawPart(const Point& point, const PointState& state) {
+    if (!hasRaw(point))
+        return {};
+    std::string text = ",\"raw\":";
+    if (state.hasValue())
+        appendRaw(text, point, state.value);
+    else
+        text += "null";
+    return text;
+}
+
 } // namespace
 
-std::string readingAsText(const Point& point, double value) {
-    return elementText(point) + " = " + valueText(point, value);
+std::string readingAsText(const Point& point, double raw) {
+    return elementText(point) + " = " + valueTextWithUnit(point, raw);
 }
 
 std::string readingAsJson(const Point& point, const PointState& state) {
     return "{\"address\":" + jsonText(elementText(point)) +
-           ",\"value\":" + (isGood(state) ? valueText(point, state.value) : "null") +
-           ",\"time\":" + (isGood(state) ? jsonText(utcTimeText(state.valueTimeMs)) : "null") +
+           ",\"value\":" + (isGood(state) ? valueText(point, state.value) : "null") + rawPart(point, state) +
+           ",\"time\":" + (state.hasValue() ? jsonText(utcTimeText(state.valueTimeMs)) : "null") +
            ",\"quality\":" + jsonText(toText(state.quality)) + "}";
 }
 
 std::string readingAsCsv(const Point& point, const PointState& state) {
-    return elementText(point) + ',' + (isGood(state) ? valueText(point, state.value) : "") + ',' +
-           (isGood(state) ? utcTimeText(state.valueTimeMs) : "") + ',' + toText(state.quality);
+    return elementText(point) + ',' + (state.hasValue() ? valueText(point, state.value) : "") + ',' +
+           (state.hasValue() ? utcTimeText(state.valueTimeMs) : "") + ',' + toText(state.quality);
 }
 
 } // namespace host

@@ -7,7 +7,7 @@
 namespace host {
 
 ValueStore::ValueStore(const Site& site, std::size_t keptChanges)
-    : table(site), capacity(keptChanges), states(table.size()) {
+    : table(site), capacity(keptChanges), rules(table), states(table.size()) {
     ring.reserve(capacity); // address space; memory only as far as it is filled
 }
 
@@ -26,20 +26,27 @@ void ValueStore::publishPoints(int channelId, int rtuId, const QVector<PointUpda
 
 void ValueStore::update(PointIndex index, const PointUpdate& update, qint64 nowMs) {
     PointState& state = states[index];
-    const bool isGood = update.quality == PointQuality::Good;
+    const bool isRead = update.quality == PointQuality::Good;
+    const bool hasRules = rules.concern(index);
+    const PointQuality quality = isRead && hasRules ? rules.qualityOf(index, update.value) : update.quality;
     // A value that is not good does not turn bad.
     if (update.quality == PointQuality::Bad && state.quality != PointQuality::Good)
         return;
-    const bool isChange = state.quality != update.quality || (isGood && state.value != update.value);
-    if (isGood) {
+    const bool isOther = isRead && state.value != update.value;
+    const bool isChange =
+        state.quality != quality || (isOther && (!hasRules || rules.isChange(index, update.value)));
+    if (isRead) {
         state.value = update.value;
         state.valueTimeMs = update.stamp.isNull() ? nowMs : update.stamp.toMSecsSinceEpoch();
         ++state.readings;
     }
+    if (isOther || isChange)
+        state.changeTimeMs = isRead ? state.valueTimeMs : nowMs;
     if (!isChange)
         return;
-    state.quality = update.quality;
-    state.changeTimeMs = isGood ? state.valueTimeMs : nowMs;
+    state.quality = quality;
+    if (hasRules)
+        rules.noteTold(index, state.value);
     keepChange(index, state);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PointTable.h"
+#include "ReadingRules.h"
 
 #include <HalvexDriverComponent/HalvexDriverCoreInterface.h>
 
@@ -11,7 +12,7 @@
 namespace host {
 
 struct PointState {
-    double value = 0;
+    double value = 0;        // the raw number
     qint64 valueTimeMs = 0;  // since 1970; 0: never read
     qint64 changeTimeMs = 0; // of the value or, where it alone has changed, of the quality
     PointQuality quality = PointQuality::NeverRead;
@@ -29,6 +30,10 @@ struct PointChange {
 // The one place where the values of a running site are kept: the state of every configured point, and the
 // last changes of them. Values arrive on the channels' threads; readers on any other copy what they need, a
 // piece at a time, so that none holds a channel up for longer than such a copy takes, some 50 microseconds.
+//
+// Values are kept as the driver reads them, which are raw numbers (PointValue.h). A register of format ieee
+// that holds no number is bad. A reading within the deadband around what was told last is no change; the
+// state has it all the same.
 //
 // Each change has a sequence number, from 0 on. They are kept in a ring: the newest takes the place of the
 // oldest, whether that was read or not. A ChangeReader tells who reads too slowly how many it has missed.
@@ -75,6 +80,7 @@ private:
 
     mutable std::mutex mutex; // guards what follows
     bool frozen = false;
+    ReadingRules rules;
     std::vector<PointState> states;
     std::vector<PointChange> ring; // change n at place n modulo the capacity; grows up to that
     std::uint64_t changes = 0;

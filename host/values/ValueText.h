@@ -2,18 +2,12 @@
 
 #include "TimeText.h"
 #include "ValueStore.h"
+#include "site/PointText.h"
 
 #include <chrono>
 #include <string>
 
 namespace host {
-
-// A whole number without exponent or point; a float with the fewest digits that give the same float again.
-std::string valueText(const Point& point, double value);
-void appendValue(std::string& text, const Point& point, double value);
-
-// What the controller holds when `value`, which fits, was written to the point: of a float single precision.
-double heldValue(const Point& point, double value);
 
 const char* toText(PointQuality quality); // "good", "bad", "refused", "never read"
 

@@ -47,6 +47,18 @@ TEST(ControlReplyText, TellsALineForEachResult) {
         "a/X = 1  success\na/Y = 2.5  time-out (10003)\na/Z = 3  refused: too many wait\nb  asked for\n");
 }
 
+TEST(ControlReplyText, TellsUnitAndRawNumber) {
+    EXPECT_EQ(resultsText(json(R"({"results":[{"point":"a/X","value":21.5,"unit":"m","raw":415,)"
+                               R"("result":"success","number":0}]})")),
+              "a/X = 21.5 m (raw 415)  success\n");
+    EXPECT_EQ(resultsText(json(R"({"results":[{"point":"a/X","value":21.5,"unit":"m","raw":21.5,)"
+                               R"("result":"success","number":0}]})")),
+              "a/X = 21.5 m  success\n");
+    EXPECT_THAT(changeText(json(R"({"time":"2026-11-21T10:30:00.125Z","rtu":"a","name":"X","address":"R1",)"
+                                R"("value":21.5,"unit":"m","raw":415,"quality":"good"})")),
+                HasSubstr("a/X (R1) = 21.5 m  good"));
+}
+
 TEST(ControlReplyText, ObeysNoControlCharacterOfAReply) {
     EXPECT_EQ(resultsText(json(R"({"results":[{"point":"a\u001b[2J","result":"refused","number":null,)"
                                R"("why":"x\ny\u009b"}]})")),

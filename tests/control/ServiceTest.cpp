@@ -49,7 +49,7 @@ protected:
         return sent[client];
     }
 
-    const Site site = controlSite();
+    Site site = controlSite();
     FakeHost fake{site};
     std::map<ClientId, std::vector<std::string>> sent;
     int woken = 0;
@@ -213,6 +213,23 @@ TEST_F(Service, TellsTheValueThatTheControllerHolds) {
     EXPECT_THAT(valueOf("16777217"), HasSubstr(R"("value":16777216})"));
     EXPECT_THAT(valueOf("12.3"), HasSubstr(R"("value":12.3})"));
     EXPECT_THAT(valueOf("0.1000000001"), HasSubstr(R"("value":0.1})"));
+}
+
+TEST_F(Service, TakesAndTellsValuesInTheUnitOfThePoint) {
+    Engineering engineering;
+    engineering.scaling = Scaling(0.1, -20);
+    engineering.unit = "m";
+    site.channels[0].rtus[0].points[2].engineering = std::make_shared<const Engineering>(engineering);
+    const auto write = [this](const QByteArray& value) {
+        return askOne(R"({"do":"write","values":[{"point":"waterworks/pump-house/LEVEL","value":)" + value +
+                      "}]}");
+    };
+    EXPECT_THAT(write("21.5"), AllOf(HasSubstr(R"("raw":415,)"), HasSubstr(R"("unit":"m","value":21.5})")));
+    EXPECT_THAT(write("21.57"),
+                HasSubstr(R"(LEVEL\" = 21.57: the value does not fit a register; give 21.5 or )"
+                          "21.6; nothing was written"));
+    ASSERT_THAT(fake.commands(), SizeIs(1));
+    EXPECT_EQ(std::get<SetPoint>(fake.commands()[0].action).value, 21.5) << "scaled back behind the service";
 }
 
 TEST_F(Service, ForgetsTheWaitOfAClientThatIsGone) {

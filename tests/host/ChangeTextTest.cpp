@@ -75,7 +75,7 @@ TEST_F(ChangeText, IsValidJsonWhateverTheNames) {
 TEST_F(ChangeText, IsOneCsvRow) {
     site.channels[0].rtus[0].points[0].name = "RUN, \"1\"";
     EXPECT_EQ(written(host::makeCsvText(), ref(0), {1, readAt, readAt, PointQuality::Bad}),
-              "2023-11-14T22:13:20.125Z,waterworks,pump-house,1,\"RUN, \"\"1\"\"\",O32,1,bad");
+              "2023-11-14T22:13:20.125Z,waterworks,pump-house,1,\"RUN, \"\"1\"\"\",O32,1,bad,");
 }
 
 TEST_F(ChangeText, IsOneLineForPeople) {
@@ -97,12 +97,12 @@ TEST_F(ChangeText, KeepsTimesAndRtusOfFollowingChangesApart) {
         csv->append(text, which, {1, milliseconds, milliseconds, PointQuality::Good});
         text += '\n';
     }
-    EXPECT_EQ(text, "1970-01-01T00:00:00.999Z,waterworks,pump-house,1,RUN,O32,1,good\n"
-                    "1970-01-01T00:00:00.999Z,waterworks,tank,1,RUN,O32,1,good\n"
-                    "1970-01-01T00:00:01.000Z,waterworks,pump-house,1,RUN,O32,1,good\n"
-                    "1970-01-01T00:00:00.007Z,waterworks,pump-house,1,RUN,O32,1,good\n"
-                    "1970-01-01T00:00:59.999Z,waterworks,tank,1,RUN,O32,1,good\n"
-                    "1970-01-01T00:01:00.000Z,waterworks,pump-house,1,RUN,O32,1,good\n");
+    EXPECT_EQ(text, "1970-01-01T00:00:00.999Z,waterworks,pump-house,1,RUN,O32,1,good,\n"
+                    "1970-01-01T00:00:00.999Z,waterworks,tank,1,RUN,O32,1,good,\n"
+                    "1970-01-01T00:00:01.000Z,waterworks,pump-house,1,RUN,O32,1,good,\n"
+                    "1970-01-01T00:00:00.007Z,waterworks,pump-house,1,RUN,O32,1,good,\n"
+                    "1970-01-01T00:00:59.999Z,waterworks,tank,1,RUN,O32,1,good,\n"
+                    "1970-01-01T00:01:00.000Z,waterworks,pump-house,1,RUN,O32,1,good,\n");
 }
 
 TEST(TimeText, IsThatOfItsMillisecondAlsoBefore1970) {

@@ -64,6 +64,30 @@ TEST_F(Dispatching, TimersAndCountersTakeNoNegativeValues) {
     results.await(2);
 }
 
+TEST_F(Dispatching, ValuesAreScaledBackForTheDriver) {
+    Engineering engineering;
+    engineering.scaling = Scaling(0.1, -20);
+    site.channels[0].rtus[0].points[2].engineering = std::make_shared<const Engineering>(engineering);
+    rtus[7].answerAtOnce(success);
+    EXPECT_EQ(submit(SetPoint{3, 21.5}), "");
+    EXPECT_EQ(submit(SetPoints{{{3, -20.1}}}), "");
+    EXPECT_THAT(submit(SetPoint{3, 21.57}),
+                HasSubstr("\"LEVEL\" (R101): the value does not fit a register; give "
+                          "21.5 or 21.6"));
+    results.await(2);
+    EXPECT_THAT(rtus[7].calls(), ElementsAre("set 2 415", "set 2 -1"));
+}
+
+TEST_F(Dispatching, ARegisterOfFormatIeeeGetsTheBitsOfTheNumber) {
+    site.channels[0].rtus[0].points[2].isIeee = true;
+    rtus[7].answerAtOnce(success);
+    EXPECT_EQ(submit(SetPoint{3, 1.5}), "");
+    EXPECT_EQ(submit(SetPoint{3, 0}), "");
+    EXPECT_THAT(submit(SetPoint{3, 1e39}), HasSubstr("does not fit single precision"));
+    results.await(2);
+    EXPECT_THAT(rtus[7].calls(), ElementsAre("set 2 1069547520", "set 2 0"));
+}
+
 TEST_F(Dispatching, AClockOnAnEthernetLineIsRefused) {
     site.channels[0].type = host::LineType::Ethernet;
     EXPECT_EQ(submit(SynchroniseClock{}),

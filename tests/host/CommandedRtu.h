@@ -67,7 +67,7 @@ public:
     int timeSync(CReply* reply) override { return take("clock", reply); }
 
 private:
-    static std::string number(double value) { return QString::number(value).toStdString(); }
+    static std::string number(double value) { return QString::number(value, 'g', 15).toStdString(); }
 
     // As a protocol engine does.
     static void complete(CReply* reply, Halvex::DriverErrorResult result) {

@@ -41,6 +41,14 @@ TEST(ElementReads, AreSingleElementsRangesAndFloats) {
     EXPECT_EQ(parseElementReads("R0..65535").elements.size(), 65536U);
 }
 
+TEST(ElementReads, MayBeOfFormatIeee) {
+    const ParsedReads parsed = parseElementReads("R30..31:ieee");
+    ASSERT_EQ(parsed.elements.size(), 2U);
+    EXPECT_TRUE(parsed.elements[1].isIeee);
+    EXPECT_FALSE(parsed.elements[1].isFloat);
+    EXPECT_THAT(read("F5:ieee"), HasSubstr("only registers (R) hold floating-point values"));
+}
+
 TEST(ElementReads, TellWhatIsWrong) {
     for (const char* const text :
          {"", "R", "X1", "R-1", "R65536", "R1:", "R1:double", "R1..", "..5", "R1...5", "R1..R5", "R1..65536"})
@@ -95,6 +103,18 @@ TEST(ElementWrite, RefusesFloatsBeyondTheControllersFormat) {
     EXPECT_THAT(refusal("R1:float=1e400"), HasSubstr("too large"));
     for (const char* const text : {"R1:float=nan", "R1:float=inf", "R1:float=", "R1:float=1.5x"})
         EXPECT_THAT(refusal(text), HasSubstr("is no number")) << text;
+}
+
+TEST(ElementWrite, TakesTheRangeOfSinglePrecisionForFormatIeee) {
+    EXPECT_TRUE(parseElementWrite("R1:ieee=1.5").write.isIeee);
+    EXPECT_EQ(written("R1:ieee=3.4028235e38"), 3.4028235e38);
+    EXPECT_EQ(written("R1:ieee=-1e-45"), -1e-45);
+    EXPECT_THAT(refusal("R1:ieee=3.5e38"), HasSubstr("too large for single precision"));
+    EXPECT_THAT(refusal("R1:ieee=-1e400"), HasSubstr("too large for single precision"));
+    EXPECT_THAT(refusal("R1:ieee=1e-46"), HasSubstr("too close to 0 for single precision"));
+    EXPECT_THAT(refusal("R1:ieee=-1e-400"), HasSubstr("too close to 0 for single precision"));
+    EXPECT_THAT(refusal("R1:ieee=nan"), HasSubstr("is no number"));
+    EXPECT_THAT(refusal("T1:ieee=1"), HasSubstr("only registers (R)"));
 }
 
 TEST(ElementWrite, TellsWhatIsWrong) {

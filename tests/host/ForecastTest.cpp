@@ -145,6 +145,49 @@ TEST(Forecast, TellsPointsThatShareAnElementInTwoFormats) {
               Not(HasSubstr("R30 is read once"))));
 }
 
+TEST(Forecast, TellsPointsThatShareAnElementAsFloatAndAsIeee) {
+    host::Rtu rtu;
+    addPoints(rtu, 'R', 30, 1);
+    addPoints(rtu, 'R', 30, 1);
+    rtu.points[0].isIeee = true;
+    rtu.points[1].isFloat = true;
+    EXPECT_THAT(
+        host::describeSite({{lineWith(rtu, LineType::Ethernet)}}),
+        HasSubstr("    R30 is read once and shown twice: by \"P0\" as an IEEE 754 number, by \"P1\" as a "
+                  "float; a command to either changes both\n"));
+}
+
+TEST(Forecast, TellsWhatBecomesOfRawNumbers) {
+    host::Rtu rtu;
+    addPoints(rtu, 'R', 30, 4);
+    host::Engineering engineering;
+    engineering.unit = "kW";
+    rtu.points[1].engineering = std::make_shared<const host::Engineering>(engineering);
+    rtu.points[2].engineering = rtu.points[1].engineering;
+    rtu.points[2].isIeee = true;
+    engineering.scaling = host::Scaling(0.01, -20);
+    engineering.unit = "m";
+    engineering.decimals = 2;
+    engineering.deadband = 0.5;
+    rtu.points[3].engineering = std::make_shared<const host::Engineering>(engineering);
+    EXPECT_THAT(
+        host::describeSite({{lineWith(rtu, LineType::Ethernet)}}),
+        AllOf(Not(HasSubstr("\"P0\"")), HasSubstr("    \"P1\" is R31 in kW\n"),
+              HasSubstr("    \"P2\" is R32 as an IEEE 754 number in kW\n"),
+              HasSubstr("    \"P3\" is R33 x 0.01 - 20 m: 1000 is -10.00 m; changes below 0.5 m are not "
+                        "told\n")));
+}
+
+TEST(Forecast, TellsWhatBecomesOfRawNumbersForTheFirstPoints) {
+    host::Rtu rtu;
+    addPoints(rtu, 'R', 0, 23);
+    for (Point& point : rtu.points)
+        point.isIeee = true;
+    EXPECT_THAT(host::describeSite({{lineWith(rtu, LineType::Ethernet)}}),
+                AllOf(HasSubstr("\"P19\" is R19 as an IEEE 754 number\n"), Not(HasSubstr("\"P20\"")),
+                      HasSubstr("    3 more points with a unit, scale or format\n")));
+}
+
 TEST(Forecast, TellsHowOftenAClockIsSet) {
     host::Rtu rtu = rtuWithNineFlagsAndTwoRegisters();
     rtu.timeSync = std::chrono::hours(24);

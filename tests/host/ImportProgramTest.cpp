@@ -69,7 +69,7 @@ TEST_F(ImportProgram, LeavesAFileThatIsThereAloneUnlessItIsForced) {
     EXPECT_THAT(refused.errors, HasSubstr("points.csv is there already"));
     EXPECT_EQ(contentsOf("points.csv"), "precious");
     EXPECT_EQ(run("import a.csv -o points.csv --force").status, 0);
-    EXPECT_EQ(contentsOf("points.csv"), "id,name,kind,address,format,#comment\n1,A,analog,R5,,\n");
+    EXPECT_EQ(contentsOf("points.csv"), "id,name,kind,address,format,description\n1,A,analog,R5,,\n");
     EXPECT_EQ(run("import a.csv -o a.csv --force").status, 2);
 }
 

@@ -158,12 +158,12 @@ points = "absent.csv"
 TEST(SiteFile, TellsUnknownKeysAtEveryLevel) {
     EXPECT_THAT(findings("title = 1\n" + ethernet + "x = 1\n" +
                          rtu(1, "y = 1\nscan = { z = \"1s\" }\n[[channel.rtu.point]]\nid = 1\nname = \"A\"\n"
-                                "kind = \"status\"\naddress = \"I1\"\nunit = \"m\"\n")),
+                                "kind = \"status\"\naddress = \"I1\"\nroom = \"m\"\n")),
                 ElementsAre(HasSubstr(":1:1: error: unknown key \"title\""),
                             HasSubstr(":6:1: error: unknown key \"x\""),
                             HasSubstr(":10:1: error: unknown key \"y\""),
                             HasSubstr(":11:10: error: unknown key \"z\""),
-                            HasSubstr(":17:1: error: unknown key \"unit\"")));
+                            HasSubstr(":17:1: error: unknown key \"room\"")));
 }
 
 TEST(SiteFile, TellsWhatIsMissing) {

@@ -28,7 +28,7 @@ Imported import(const std::string& list, const std::string& columns = {}) {
     return imported;
 }
 
-const std::string head = "id,name,kind,address,format,#comment\n";
+const std::string head = "id,name,kind,address,format,description\n";
 
 } // namespace
 

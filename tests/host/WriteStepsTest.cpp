@@ -44,6 +44,10 @@ TEST(WriteSteps, FloatsGoByThemselves) {
     EXPECT_EQ(told({"R10:float=1", "R11:float=2"}), "R10~1 | R11~2");
 }
 
+TEST(WriteSteps, NumbersOfFormatIeeeGoAsTheirBits) {
+    EXPECT_EQ(told({"R10:ieee=1.5", "R11=2", "R20:ieee=-2"}), "R10=1069547520 R11=2 | R20=-1073741824");
+}
+
 TEST(WriteSteps, AFloatingPointZeroIsAnInteger) {
     EXPECT_EQ(told({"R10:float=0", "R11=2"}), "R10=0 R11=2");
 }

@@ -90,6 +90,14 @@ TEST(Movement, MovesThePointsOfTheSiteWhereverTheyAre) {
     EXPECT_EQ(memory.get(Media::Outputs, 32), 0U);
 }
 
+TEST(Movement, MovesPointsOfFormatIeeeAlongASine) {
+    Memory memory;
+    movePoints(memory, 0, {{Media::Registers, 5'100, false, true}, {Media::Registers, 350, false, true}},
+               15s);
+    EXPECT_EQ(memory.get(Media::Registers, 5'100), 0x42C8'0000U); // 100
+    EXPECT_EQ(memory.get(Media::Registers, 350), 0U) << "in place of the controller's word";
+}
+
 // In a range that moves in the form of the point, the range has it.
 TEST(Movement, LeavesPointsThatMoveAnywayToTheirRange) {
     Memory memory;

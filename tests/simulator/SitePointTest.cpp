@@ -14,6 +14,8 @@ TEST(SitePoint, IsReadAsPeopleWriteIt) {
         EXPECT_FALSE(point->isFloat) << text;
     }
     EXPECT_TRUE(parsePoint("R7", "float")->isFloat);
+    EXPECT_TRUE(parsePoint("R7", "IEEE")->isIeee);
+    EXPECT_FALSE(parsePoint("R7", "IEEE")->isFloat);
 }
 
 TEST(SitePoint, IsNotMadeOfAnythingElse) {

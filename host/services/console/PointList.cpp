@@ -66,7 +66,8 @@ std::optional<std::size_t> PointList::find(const std::string& text, std::size_t 
         const std::size_t position = (start + step) % listed.size();
         const PointRef ref = store.points().at(listed[position]);
         if (holdsText(ref.point->name, text) || holdsText(toText(ref.point->address), text) ||
-            holdsText(ref.rtu->name, text))
+            holdsText(ref.rtu->name, text) ||
+            (ref.point->description && holdsText(*ref.point->description, text)))
             return position;
     }
     return std::nullopt;

@@ -2,6 +2,7 @@
 
 #include "runtime/ChannelText.h"
 #include "site/CountText.h"
+#include "site/PointValue.h"
 #include "values/ValueText.h"
 
 #include <algorithm>
@@ -20,6 +21,7 @@ constexpr std::size_t gap = 2;
 constexpr std::size_t fixedColumns =
     gap + addressColumns + valueColumns + qualityColumns + ageColumns + 4 * gap;
 constexpr std::size_t leastNameColumns = 8;
+constexpr std::size_t mostUnitColumns = 8;
 
 bool isLaterByte(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; // of a character of several
@@ -50,6 +52,14 @@ Style styleOf(PointQuality quality) {
         break;
     }
     return Style::Dim;
+}
+
+// A description that is cut off short tells nothing.
+std::string descriptionText(const Point& point, std::size_t columns) {
+    constexpr std::size_t leastColumns = 16;
+    return point.description && columns >= leastColumns + gap
+               ? std::string(gap, ' ') + cutText(*point.description, columns - gap)
+               : std::string();
 }
 
 // The bytes of the first `characters` of `text` from `start` on.
@@ -131,14 +141,23 @@ std::string channelHealth(const ChannelStatus& status) {
 PointColumns::PointColumns(const PointTable& pointTable, bool withRtu) : hasRtu(withRtu) {
     for (const PointTable::Block& block : pointTable.blocks()) {
         const std::size_t before = withRtu ? countCharacters(block.rtu->name) + 1 : 0;
-        for (const Point& point : block.rtu->points)
+        for (const Point& point : block.rtu->points) {
             longestName = std::max(longestName, before + countCharacters(point.name));
+            unitColumns = std::max(unitColumns, countCharacters(unitOf(point)));
+        }
     }
+    unitColumns = std::min(unitColumns, mostUnitColumns);
+}
+
+// Of a table without units it takes no room.
+std::string PointColumns::unitText(const Point& point) const {
+    return unitColumns == 0 ? std::string() : " " + fitText(unitOf(point), unitColumns);
 }
 
 TableLine PointColumns::line(const PointRef& ref, const PointState& state, qint64 nowMs,
                              std::size_t columns) const {
-    const std::size_t room = columns > fixedColumns ? columns - fixedColumns : 0;
+    const std::size_t taken = fixedColumns + (unitColumns == 0 ? 0 : unitColumns + 1);
+    const std::size_t room = columns > taken ? columns - taken : 0;
     const std::size_t nameColumns = std::max(leastNameColumns, std::min(longestName, room));
     const std::string name = (hasRtu ? ref.rtu->name + '/' : "") + ref.point->name;
     const std::string between(gap, ' ');
@@ -147,8 +166,10 @@ TableLine PointColumns::line(const PointRef& ref, const PointState& state, qint6
         cutText(between + fitText(name, nameColumns) + between +
                     fitText(toText(ref.point->address), addressColumns) + between +
                     fitText(state.hasValue() ? valueText(*ref.point, state.value) : "-", valueColumns, true) +
-                    between + fitText(toText(state.quality), qualityColumns) + between +
-                    fitText(state.hasValue() ? ageText(nowMs - state.valueTimeMs) : "", ageColumns, true),
+                    unitText(*ref.point) + between + fitText(toText(state.quality), qualityColumns) +
+                    between +
+                    fitText(state.hasValue() ? ageText(nowMs - state.valueTimeMs) : "", ageColumns, true) +
+                    descriptionText(*ref.point, room - std::min(room, nameColumns)),
                 columns),
         false};
 }

@@ -34,15 +34,18 @@ std::string channelHealth(const ChannelStatus& status);
 // The columns of a table of points.
 class PointColumns {
 public:
-    // `withRtu`: names have their RTU's in front. Looks at every name.
+    // `withRtu`: names have their RTU's in front. Looks at every name and unit.
     PointColumns(const PointTable& pointTable, bool withRtu);
 
-    // The line of a point for a terminal of so many columns.
+    // The line of a point for a terminal of so many columns; with its description where there is room left.
     TableLine line(const PointRef& ref, const PointState& state, qint64 nowMs, std::size_t columns) const;
 
 private:
+    std::string unitText(const Point& point) const;
+
     const bool hasRtu;
     std::size_t longestName = 0;
+    std::size_t unitColumns = 0;
 };
 
 } // namespace host

@@ -18,7 +18,7 @@ constexpr qint64 rearrangeMs = 1'000;   // of a list that follows the states of 
 
 constexpr const char* helpTexts[] = {
     "Up Down PgUp PgDn Home End   move; also k j, the space bar, g and G",
-    "/ TEXT Enter                 go to the next point whose name, address or RTU holds TEXT",
+    "/ TEXT Enter                 go to the next point whose name, address, RTU or description holds TEXT",
     "n N                          the next one, the one before",
     "r TEXT Enter                 only RTUs whose names hold TEXT",
     "b                            only points that are not good, and all again",

@@ -1,7 +1,8 @@
 #include "ControlService.h"
 
-#include "commands/CommandPlan.h"
-#include "values/ValueText.h"
+#include "site/NumberText.h"
+#include "site/PointText.h"
+#include "site/PointValue.h"
 
 #include <QJsonArray>
 
@@ -18,6 +19,16 @@ constexpr std::size_t mostFaultsTold = 3; // of wrong names in one request
 template <typename Ref>
 QJsonValue jsonName(const SiteNames& names, const Ref& ref) {
     return QString::fromStdString(names.nameOf(ref));
+}
+
+// What a point's value is once it was sent.
+QJsonObject sentValue(const Point& point, double raw) {
+    QJsonObject object{{QStringLiteral("value"), shownValue(point, raw)}};
+    if (const std::string& unit = unitOf(point); !unit.empty())
+        object.insert(QStringLiteral("unit"), QString::fromStdString(unit));
+    if (hasRaw(point))
+        object.insert(QStringLiteral("raw"), shownRaw(point, raw));
+    return object;
 }
 
 // Polls too: they take the lines' time.
@@ -99,17 +110,18 @@ ControlService::makeWrites(ClientId client, const QJsonValue& id, const WriteReq
             continue;
         }
         const bool isStatus = ref.point->kind == PointKind::Status;
+        const RawNumber raw = isStatus ? RawNumber{one.value, {}} : rawOf(*ref.point, one.value);
         if (!ref.rtu->enabled)
             faults.add("RTU \"" + names.nameOf(SiteNames::RtuRef{ref.channel, ref.rtu}) +
                        "\" is disabled in the site file");
         else if (isStatus && one.value != 0 && one.value != 1)
             faults.add("\"" + one.point + "\" is a status point: it takes 0 or 1");
-        else if (const std::string fault = valueFaultOf(*ref.point, one.value); !fault.empty())
-            faults.add("\"" + one.point + "\" = " + valueText(*ref.point, one.value) + ": " + fault);
+        else if (!raw.fault.empty())
+            faults.add("\"" + one.point + "\" = " + numberText(one.value) + ": " + raw.fault);
         const CommandAction action = isStatus ? CommandAction(SwitchPoint{ref.point->id, one.value != 0})
                                               : CommandAction(SetPoint{ref.point->id, one.value});
-        const QJsonObject subject{{QStringLiteral("point"), jsonName(names, ref)},
-                                  {QStringLiteral("value"), heldValue(*ref.point, one.value)}};
+        QJsonObject subject = sentValue(*ref.point, raw.raw);
+        subject.insert(QStringLiteral("point"), jsonName(names, ref));
         commands.push_back({subject, {ref.channel->id, ref.rtu->id, action}, {}});
     }
     if (faults.isEmpty())
