@@ -5,6 +5,9 @@ include(GenerateExportHeader)
 function(framework_library name)
     project_library(${name} SHARED ${ARGN})
     add_library(Halvex::${name} ALIAS ${name})
+    # Who is linked to a release's libraries does not load those of another one, as HalvexConfigVersion has it too.
+    set_target_properties(${name} PROPERTIES
+        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
     generate_export_header(${name} BASE_NAME ${name}
         EXPORT_FILE_NAME ${CMAKE_CURRENT_BINARY_DIR}/generated/${name}/Export.h)
     target_include_directories(${name} PUBLIC

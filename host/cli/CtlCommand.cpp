@@ -196,8 +196,9 @@ ExitStatus askRunningHost(const CtlOptions& options) {
     terminal::survivePipeEnd();
     stopsignal::install();
     const Host host = findHost(options);
-    ControlClient client([group = host.group](const Peer& peer) {
-        return ControlClient::isOwnUserOrRoot(peer) || (group && isMember(peer, *group));
+    ControlClient client([group = host.group, service = host.sockets.serviceUser](const Peer& peer) {
+        return ControlClient::isOwnUserOrRoot(peer) || (group && isMember(peer, *group)) ||
+               (service && peer.user == *service);
     });
     const bool isConnected = client.connectTo(host.sockets.paths);
     for (const std::string& fault : host.sockets.passedOver)

@@ -9,6 +9,7 @@
 #include "RunCommand.h"
 #include "ScanArguments.h"
 #include "StandardOutput.h"
+#include "services/console/Journal.h"
 #include "services/console/Terminal.h"
 #include "site/Duration.h"
 
@@ -171,7 +172,8 @@ int main(int argc, char** argv) {
     } catch (const std::bad_alloc&) {
         outofmemory::endProgram();
     } catch (const std::exception& failure) {
-        std::cerr << "sbus-host: " << text::printable(failure.what()) << '\n';
+        std::cerr << host::journal::mark(host::Severity::Error)
+                  << "sbus-host: " << text::printable(failure.what()) << '\n';
         return static_cast<int>(ExitStatus::Configuration);
     }
 }

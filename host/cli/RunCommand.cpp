@@ -9,6 +9,7 @@
 #include "runtime/LineMessages.h"
 #include "runtime/StartThread.h"
 #include "services/console/ConsoleService.h"
+#include "services/console/Journal.h"
 #include "services/console/StopSignal.h"
 #include "services/console/StreamWriter.h"
 #include "services/console/Summary.h"
@@ -75,6 +76,7 @@ void waitForTheEnd(const RunOptions& options, OutputWatch& output) {
 // Ends the pulses that run, while lines and console still work. False when an output had to be left on, which
 // is told. A second signal ends the wait, and then the program.
 bool endPulses(RunServices& services, CommandDispatcher& dispatcher, Console& console) {
+    services.tellEnding();
     PulseSupervisor& pulses = services.pulses();
     pulses.beginEnding();
     dispatcher.abandonWaiting(); // nothing stands before the off commands
@@ -82,7 +84,7 @@ bool endPulses(RunServices& services, CommandDispatcher& dispatcher, Console& co
         std::this_thread::sleep_for(lookPeriod);
     const std::vector<std::string> left = pulses.stillOn();
     for (const std::string& one : left)
-        console.error.write(one + '\n');
+        console.error.write(journal::mark(Severity::Error) + one + '\n');
     stopsignal::releaseSecond();
     if (stopsignal::isForced()) {
         console.error.waitUntilIdle(lastWords);
@@ -103,17 +105,17 @@ bool isReadToTheEnd(const Console& console) {
 }
 
 ExitStatus failed(const std::string& fault) {
-    std::cerr << "sbus-host: " << text::printable(fault) << '\n';
+    std::cerr << journal::mark(Severity::Error) << "sbus-host: " << text::printable(fault) << '\n';
     return ExitStatus::Configuration;
 }
 
 void tellLosses(const ConsoleService& shown, Console& console) {
     if (shown.lostChanges() > 0)
-        console.error.write(countWereText(shown.lostChanges(), "change") +
+        console.error.write(journal::mark(Severity::Warning) + countWereText(shown.lostChanges(), "change") +
                             " lost: they came faster than the output was read\n");
     const LoggerFigures log = CLogger::GetInstance()->figures();
     if (const auto lostLines = log.dropped + log.queued; lostLines > 0)
-        console.error.write(countWereText(lostLines, "log line") +
+        console.error.write(journal::mark(Severity::Warning) + countWereText(lostLines, "log line") +
                             " lost: the log directory's disk is full, fails or is too slow\n");
 }
 
@@ -181,7 +183,7 @@ ExitStatus runSite(const RunOptions& options) {
     if (options.takesControl)
         checkControlGroup(loaded.site, loaded.findings);
     for (const Finding& finding : loaded.findings.all())
-        std::cerr << toText(finding) << '\n';
+        std::cerr << journal::mark(finding.severity) << toText(finding) << '\n';
     if (loaded.findings.hasErrors())
         return ExitStatus::Configuration;
     if (const std::string fault = descriptorFault(loaded.site, options); !fault.empty())

@@ -9,6 +9,7 @@
 #include "services/control/ControlSocket.h"
 #include "services/log/SiteLog.h"
 #include "services/pulses/PulseSupervisor.h"
+#include "services/supervisor/SupervisorLink.h"
 
 #include <ControlCharacters.h>
 
@@ -33,7 +34,9 @@ RunningSite runningSiteOf(const RunServices::Host& host, CommandTaker& commands)
 
 // Commands pass the pulses' supervisor on their way to the dispatcher.
 RunServices::RunServices(const RunOptions& options, OutputFormat format, const Host& host) {
-    const auto tell = [&messages = host.messages](const std::string& message) { messages.tell(message); };
+    const auto tell = [&messages = host.messages](const std::string& message) {
+        messages.tell(message, Severity::Warning);
+    };
     auto pulses = std::make_unique<PulseSupervisor>(host.values, host.dispatcher, tell);
     pulses->useMemory(std::make_unique<PulseMemory>(options.stateDirectory, options.sitePath));
     pulseSupervisor = pulses.get();
@@ -49,6 +52,11 @@ RunServices::RunServices(const RunOptions& options, OutputFormat format, const H
     services.push_back(std::move(shown));
     if (options.capture)
         services.push_back(std::make_unique<CaptureService>(*options.capture));
+    if (std::optional<Supervisor> supervisor = findSupervisor()) {
+        auto link = std::make_unique<SupervisorLink>(std::move(*supervisor));
+        supervisorLink = link.get();
+        services.push_back(std::move(link));
+    }
     // The last one to start and the first to stop: it tells the others' figures.
     if (options.takesControl)
         services.push_back(std::make_unique<ControlSocket>(options.controlPath, options.sitePath));
@@ -75,6 +83,11 @@ std::string RunServices::start() {
         }
     }
     return {};
+}
+
+void RunServices::tellEnding() {
+    if (supervisorLink != nullptr)
+        supervisorLink->tellEnding();
 }
 
 std::vector<ServiceFigures> RunServices::figures() const {

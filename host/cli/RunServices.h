@@ -13,6 +13,7 @@ namespace host {
 class CommandDispatcher;
 class ConsoleService;
 class PulseSupervisor;
+class SupervisorLink;
 struct Console;
 
 // The services of `sbus-host run`. This is the one place outside of its own folder that a new service is
@@ -36,6 +37,8 @@ public:
 
     // Starts all, in their order. Empty, or why one of them cannot; then all are stopped.
     std::string start();
+    // The run is about to end; what runs goes on until stop().
+    void tellEnding();
     // Stops all, the last one first.
     void stop();
 
@@ -49,6 +52,7 @@ private:
     std::vector<std::unique_ptr<Service>> services;
     const ConsoleService* consoleService = nullptr; // one of them
     PulseSupervisor* pulseSupervisor = nullptr;     // another one
+    SupervisorLink* supervisorLink = nullptr;       // another one, or null
     std::unique_ptr<RunningSite> runningSite;       // what they see
 };
 

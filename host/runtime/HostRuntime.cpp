@@ -183,7 +183,8 @@ std::vector<RtuFigures> HostRuntime::rtuFigures() const {
 std::vector<ChannelFigures> HostRuntime::channelFigures() const {
     std::vector<ChannelFigures> figures;
     for (const RunningChannel& running : channels)
-        figures.push_back({running.configured, running.channel->GetChannelStatus()});
+        figures.push_back({running.configured, running.channel->GetChannelStatus(),
+                           ends.lifeSignOf(running.configured->id).lastGiven()});
     return figures;
 }
 

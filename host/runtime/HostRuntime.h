@@ -33,6 +33,7 @@ struct RtuFigures {
 struct ChannelFigures {
     const Channel* channel = nullptr;
     ChannelStatus status;
+    LifeSign::Clock::time_point lastSign = {}; // of its thread's life
 };
 
 struct SiteFigures {

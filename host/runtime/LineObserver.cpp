@@ -35,11 +35,13 @@ LineObserver::LineObserver(const Channel& observedChannel, ExchangeFeed& exchang
 void LineObserver::opened(bool onSecondaryEnd, int result) {
     thread.store(std::this_thread::get_id(), std::memory_order_release);
     current.onSecondary = onSecondaryEnd;
+    sign.give(Clock::now());
     tellOpened(onSecondaryEnd, result);
 }
 
 void LineObserver::sent(bool onSecondaryEnd, const char* bytes, int length, Clock::time_point begun) {
     endExchange();
+    sign.give(begun);
     current.onSecondary = onSecondaryEnd;
     current.sent.assign(bytes, bytes + length);
     current.received.clear();
@@ -53,6 +55,7 @@ void LineObserver::sent(bool onSecondaryEnd, const char* bytes, int length, Cloc
 }
 
 void LineObserver::received(const char* bytes, int length, Clock::time_point now) {
+    sign.give(now);
     if (!isOpen)
         return;
     request.wasHeard = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ExchangeFeed.h"
+#include "LifeSign.h"
 #include "site/Site.h"
 
 #include <HalvexDriverLink/CLink.h>
@@ -52,6 +53,8 @@ public:
     Framing framing() const { return current.framing; }
 
     bool onSecondary() const { return current.onSecondary; }
+    LifeSign& lifeSign() { return sign; }
+    const LifeSign& lifeSign() const { return sign; }
     // Whether this is the thread that uses the links. Any thread.
     bool isOnItsThread() const {
         return thread.load(std::memory_order_acquire) == std::this_thread::get_id();
@@ -89,6 +92,7 @@ private:
     const Opened tellOpened;
     std::array<End, 2> ends;
     std::atomic<std::thread::id> thread{std::thread::id()};
+    LifeSign sign;
 
     // The telegram sent last and what came behind it. Its bytes keep their memory for the next one; wall
     // time, station and meaning are made when somebody looks.

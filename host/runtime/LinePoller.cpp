@@ -122,6 +122,7 @@ bool LinePoller::wish(int rtuId) {
 }
 
 void LinePoller::takeTurn(const std::vector<DuePoll>& due) {
+    listener.turnTaken();
     forgetLostRequests();
     for (const DuePoll& poll : due)
         if (const Carrier carrier = carrierOf(poll.rtu->GetRtuId()); carrier.entry != nullptr)

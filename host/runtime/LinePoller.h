@@ -22,6 +22,7 @@ public:
     struct Listener {
         std::function<void(const RequestEnd&)> pollEnded;
         std::function<void(const Rtu&, const RefusalNews&)> refusalsFound;
+        std::function<void()> turnTaken = [] {};
     };
 
     // Before the thread. Adds the second RTUs to the channel, which has the RTUs of the site already, but

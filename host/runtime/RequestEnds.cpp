@@ -40,8 +40,9 @@ LinePoller& RequestEnds::makePoller(const Channel& channel, CChannel& driverChan
         if (listener != nullptr)
             listener->refusalsFound(channel, rtu, news);
     };
+    const auto turnTaken = [&sign = line.observer->lifeSign()] { sign.give(LifeSign::Clock::now()); };
     line.poller = std::make_unique<LinePoller>(channel, driverChannel, core,
-                                               LinePoller::Listener{pollEnded, refusalsFound});
+                                               LinePoller::Listener{pollEnded, refusalsFound, turnTaken});
     for (const int id : line.poller->driverRtuIds())
         line.counted[id].requests = &line.rtus.at(line.poller->configuredOf(id)->id);
     return *line.poller;
@@ -214,6 +215,10 @@ const RequestEnds::Requests* RequestEnds::find(int channelId, int rtuId) const {
         return nullptr;
     const auto requests = line->second.rtus.find(rtuId);
     return requests == line->second.rtus.end() ? nullptr : &requests->second;
+}
+
+const LifeSign& RequestEnds::lifeSignOf(int channelId) const {
+    return lines.at(channelId).observer->lifeSign();
 }
 
 bool RequestEnds::wasRefused(int channelId, int rtuId) const {

@@ -31,6 +31,8 @@ public:
 
     // The observer of a channel's links. The channel is one of the site's.
     LineObserver& observerOf(int channelId);
+    // Of its thread. Any thread.
+    const LifeSign& lifeSignOf(int channelId) const;
 
     void publishPoints(int channelId, int rtuId, const QVector<PointUpdate>& updates) override;
     void publishRtuStatus(int channelId, int rtuId, const RtuStatus& status) override;

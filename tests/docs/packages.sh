@@ -45,5 +45,6 @@ expect build -- g++ cmake qtbase5-dev libspdlog-dev "${tools[@]/#/!}"
 expect build demo -- g++ cmake qtbase5-dev libspdlog-dev "${tools[@]/#/!}"
 expect build dev -- g++ "${tools[@]}"
 expect test -- g++ qtbase5-dev "${tools[@]}"
-expect setup -- g++ "${tools[@]}"
+expect setup -- debhelper lintian
+expect build dev -- '!debhelper' '!lintian'
 exit "$status"

@@ -1,6 +1,7 @@
 #include "SocketPath.h"
 
 #include "PrivateDirectory.h"
+#include "ServiceDirectory.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -51,8 +52,17 @@ std::vector<std::string> otherUsers() {
     return tags;
 }
 
-// A group has a directory for itself: it gets into none that is the user's alone.
+// In the folder of a service.
+QString directoryOfService(const std::string& service, std::optional<GroupId> group) {
+    return QString::fromStdString(service) +
+           (group ? QStringLiteral("/group-") + QString::number(*group) : QStringLiteral("/own"));
+}
+
+// A group has a directory for itself: it gets into none that is the user's alone. A service has its own
+// places: its temporary files may be hidden from everybody else.
 QStringList directories(std::optional<GroupId> group) {
+    if (const std::string service = ownServiceDirectory(); !service.empty())
+        return {directoryOfService(service, group)};
     if (group)
         return {directoryBesideTemporaryFiles() + QStringLiteral("-group-") + QString::number(*group)};
     QStringList list;
@@ -84,6 +94,10 @@ SocketPaths findControlSockets(const std::string& sitePath, std::optional<GroupI
             sockets.paths.push_back(pathIn(directory, sitePath));
         else if (found.state == DirectoryState::SomebodyElse)
             sockets.passedOver.push_back(found.fault);
+    }
+    if (const auto service = findServiceDirectory(sitePath)) {
+        sockets.paths.push_back(pathIn(directoryOfService(service->path, group), sitePath));
+        sockets.serviceUser = service->user;
     }
     sockets.otherUsers = otherUsers();
     return sockets;

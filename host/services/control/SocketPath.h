@@ -12,14 +12,15 @@ namespace host {
 // $XDG_RUNTIME_DIR, or in the user's own directory beside the temporary files. In the order in which they are
 // tried. $XDG_RUNTIME_DIR counts when it is a full path to a directory that is this user's own and closed to
 // others: after `su` it is still the one of the user before. A socket that is open to a group lies in a
-// directory of its own beside the temporary files.
+// directory of its own beside the temporary files. A service of the system has both kinds in its own folder.
 std::vector<std::string> controlSocketPaths(const std::string& sitePath,
                                             std::optional<GroupId> group = std::nullopt);
 
-// Those of them at which this user's host may listen, for a client.
+// Those of them at which this user's host may listen, for a client, and the one of the site's service.
 struct SocketPaths {
     std::vector<std::string> paths;
     std::vector<std::string> passedOver; // why others do not count
+    std::optional<UserId> serviceUser;   // as whom the service of this site runs, if there is one
     std::vector<std::string> otherUsers; // who have a directory for the sockets of theirs beside the own one
 };
 SocketPaths findControlSockets(const std::string& sitePath, std::optional<GroupId> group = std::nullopt);
