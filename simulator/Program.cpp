@@ -40,6 +40,7 @@ struct Arguments {
 };
 
 void declare(CLI::App& app, Arguments& arguments) {
+    app.allow_windows_style_options(false); // "/data/site.toml" is a path everywhere
     app.set_version_flag("--version", release::versionText("sbus-sim"), "tell version and commit and end");
     app.add_option("site", arguments.siteFile, "the site file, as the host reads it")->required();
     app.add_flag("--move", arguments.options.move,

@@ -1,5 +1,7 @@
 #include "UdpEnd.h"
 
+#include <SystemText.h>
+
 #include <asio/buffer.hpp>
 #include <asio/error.hpp>
 #include <asio/steady_timer.hpp>
@@ -23,7 +25,7 @@ std::string UdpEnd::open() {
     const auto found = resolver.resolve(where.host, std::to_string(where.port), error);
     const std::string name = where.host + ":" + std::to_string(where.port);
     if (error || found.empty())
-        return "cannot find the host of " + name + ": " + error.message();
+        return "cannot find the host of " + name + ": " + text::systemText(error);
     const Peer local = found.begin()->endpoint();
     socket.open(local.protocol(), error);
     if (!error)
@@ -35,7 +37,7 @@ std::string UdpEnd::open() {
         // Asio's own category does not know the portable conditions.
         if (std::error_code(error.value(), std::system_category()) == std::errc::address_not_available)
             return "cannot bind " + name + ": " + where.host + " is no address of this machine";
-        return "cannot bind " + name + ": " + error.message();
+        return "cannot bind " + name + ": " + text::systemText(error);
     }
     receiveNext();
     return {};

@@ -1,5 +1,7 @@
 #include "TextFile.h"
 
+#include "SystemText.h"
+
 #include <array>
 #include <cerrno>
 #include <filesystem>
@@ -51,7 +53,7 @@ FileText readTextFile(const std::string& path, std::uintmax_t mostBytes) {
     std::error_code failure;
     const fs::file_status status = fs::status(file, failure);
     if (status.type() == fs::file_type::none) // not even its kind can be told
-        return {{}, "cannot be read: " + failure.message()};
+        return {{}, "cannot be read: " + text::systemText(failure)};
     if (const char* const fault = faultOfKind(status.type()))
         return {{}, fault};
     const std::uintmax_t size = fs::file_size(file, failure);

@@ -25,3 +25,7 @@ get_property(is_trial GLOBAL PROPERTY IN_TRY_COMPILE)
 if(NOT is_trial)
     include(${CMAKE_CURRENT_LIST_DIR}/BuildMachineHeaders.cmake)
 endif()
+
+# What this build makes is tried here, too: tests, and programs that tell ctest of theirs.
+set(CMAKE_CROSSCOMPILING_EMULATOR
+    ${CMAKE_CURRENT_LIST_DIR}/under-wine ${CMAKE_BINARY_DIR} ${SBUS_WINDOWS_QT})

@@ -17,7 +17,7 @@ MADE_FIRST const outofmemory::Watch memoryWatch("sbus-host", static_cast<int>(Ex
                                                 terminal::restoreInSignal);
 
 void takeQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
-    const QByteArray line = text.toLocal8Bit();
+    const QByteArray line = text.toUtf8();
     if (type == QtFatalMsg)
         outofmemory::endProgram(line.constData());
     std::fprintf(stderr, "%s\n", line.constData());

@@ -14,6 +14,7 @@
 #include "site/Duration.h"
 
 #include <StandardDescriptors.h>
+#include <StandardTexts.h>
 
 #include <CLI/CLI.hpp>
 #include <ControlCharacters.h>
@@ -138,9 +139,10 @@ int endEarly(const CLI::App& program, const CLI::ParseError& ending) {
     return usage;
 }
 
-int runProgram(int argc, char** argv) {
+int runProgram(int& argc, char** argv) {
     QCoreApplication application(argc, argv);
     CLI::App program("Talks to S-Bus controllers through the SBusDriver plug-in", "sbus-host");
+    program.allow_windows_style_options(false); // "/data/site.toml" is a path everywhere
     program.set_version_flag("--version", release::versionText("sbus-host") + "\nQt " + qVersion(),
                              "Tell version, commit and Qt and end");
     program.require_subcommand(1);
@@ -164,11 +166,13 @@ int runProgram(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     openClosedStandardDescriptors();
+    const StandardTexts texts;
+    ProgramArguments arguments(argc, argv);
     host::takeQtMessages();
     descriptors::raiseLimit();
     host::terminal::survivePipeEnd();
     try {
-        return host::statusWithOutput(runProgram(argc, argv));
+        return host::statusWithOutput(runProgram(arguments.count(), arguments.values()));
     } catch (const std::bad_alloc&) {
         outofmemory::endProgram();
     } catch (const std::exception& failure) {

@@ -2,6 +2,8 @@
 
 #include "DeviceGroup.h"
 
+#include <SystemText.h>
+
 #include <algorithm>
 #include <iterator>
 #include <system_error>
@@ -16,7 +18,7 @@ bool isOneOf(const std::error_code& error, std::initializer_list<std::errc> cond
 }
 
 std::string otherReason(const std::error_code& error, const char* remedy) {
-    return error.message() + " (error " + std::to_string(error.value()) + "); " + remedy;
+    return text::systemText(error) + " (error " + std::to_string(error.value()) + "); " + remedy;
 }
 
 std::string deniedReason(const std::string& device) {

@@ -1,5 +1,6 @@
 #include "ControlledProgram.h"
 #include "Crowd.h"
+#include "StopProgram.h"
 
 #include <QLocalServer>
 #include <QLocalSocket>
@@ -45,7 +46,7 @@ TEST_F(ControlledProgram, PollsOnDemandAndShowsWhatHasChanged) {
     EXPECT_TRUE(eventually([&] { return shows("tank/LEVEL (R10) = 99  good"); }));
     EXPECT_EQ(shown.find("pump-house"), std::string::npos);
 
-    watch.terminate(); // as Ctrl-C does
+    stopProgram(watch); // as Ctrl-C does
     EXPECT_EQ(endOf(watch).status, 0);
 }
 
@@ -63,7 +64,7 @@ TEST_F(ControlledProgram, ShowsTheVeryLinesOfTheSocketWhileItWatches) {
     EXPECT_EQ(lines[0].toStdString(), R"({"ok":true,"points":2})");
     EXPECT_THAT(lines[1].toStdString(), HasSubstr(R"("rtu":"tank","id":1,"name":"P1_START")"));
     EXPECT_THAT(lines[2].toStdString(), HasSubstr(R"("rtu":"tank","id":2,"name":"LEVEL")"));
-    watch.terminate();
+    stopProgram(watch);
     EXPECT_EQ(endOf(watch).status, 0);
 }
 
@@ -112,7 +113,7 @@ TEST_F(ControlledProgram, SaysThatItWasInterruptedBeforeTheHostHasReplied) {
     ASSERT_TRUE(busyHost.waitForNewConnection(patienceMs));
     QLocalSocket& connection = *busyHost.nextPendingConnection();
     ASSERT_TRUE(connection.canReadLine() || connection.waitForReadyRead(patienceMs));
-    client.terminate(); // as Ctrl-C does
+    stopProgram(client); // as Ctrl-C does
     const Ending ending = endOf(client);
     EXPECT_EQ(ending.status, 1);
     EXPECT_THAT(ending.errors, HasSubstr("interrupted before the host has replied"));
@@ -164,7 +165,7 @@ TEST_F(ControlledProgram, EndsInOrderWhileClientsWatchAndWait) {
     simulator.silence(1, 6, true);
     QProcess& writer =
         start({QStringLiteral("ctl"), site, QStringLiteral("write"), QStringLiteral("tank/LEVEL=1")});
-    host.terminate();
+    stopProgram(host);
     endOf(host);
     EXPECT_EQ(endOf(watch).status, 1);
     EXPECT_EQ(endOf(writer).status, 1); // told the end, or already that the controller is silent

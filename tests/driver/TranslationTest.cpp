@@ -31,7 +31,8 @@ protected:
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.remove(QStringLiteral("LANGUAGE"));
-        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("ko_KR.UTF-8"));
+        for (const char* const variable : {"LC_ALL", "LANG"}) // on Windows Qt looks at the second alone
+            environment.insert(QString::fromLatin1(variable), QStringLiteral("ko_KR.UTF-8"));
         process.setProcessEnvironment(environment);
         process.start(program, {QStringLiteral(PLUGIN_FILE)});
         EXPECT_TRUE(process.waitForFinished(60'000));

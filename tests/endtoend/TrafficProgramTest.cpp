@@ -3,6 +3,7 @@
 
 #include "Dissection.h"
 #include "EveryLine.h"
+#include "StopProgram.h"
 
 #include <QFile>
 #include <QProcess>
@@ -71,7 +72,7 @@ protected:
 
     // The exit status of a program that is asked to end, as Ctrl-C does.
     static int statusOf(QProcess& program) {
-        program.terminate();
+        stopProgram(program);
         EXPECT_TRUE(program.waitForFinished(patienceMs));
         EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
         return program.exitCode();

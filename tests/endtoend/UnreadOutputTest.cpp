@@ -1,4 +1,5 @@
 #include "Plant.h"
+#include "StopProgram.h"
 
 #include <Simulator.h>
 
@@ -59,12 +60,12 @@ TEST_P(UnreadOutput, DoesNotHoldUpTheEndAfterASignal) {
     program.start(QStringLiteral(HOST_PROGRAM),
                   {QStringLiteral("run"), site, QStringLiteral("--format"), QString::fromLatin1(GetParam()),
                    QStringLiteral("--frames")});
-    reader.start(QStringLiteral("sleep"), {QStringLiteral("600")});
+    reader.start(QStringLiteral(SLEEPER_PROGRAM), {QStringLiteral("600")});
     ASSERT_TRUE(program.waitForStarted(patienceMs));
     constexpr std::uint64_t telegramsOfPoll = pointCount / 127 + 1;
     ASSERT_TRUE(Plant::eventually([&] { return simulator.counts(1).telegrams > 20 * telegramsOfPoll; }));
 
-    program.terminate();
+    stopProgram(program);
     EXPECT_TRUE(program.waitForFinished(patienceMs));
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(program.exitCode(), 0);

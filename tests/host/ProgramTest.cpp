@@ -1,3 +1,5 @@
+#include "StopProgram.h"
+
 #include <ProgramVersion.h>
 #include <QDir>
 #include <QFile>
@@ -167,7 +169,7 @@ TEST_F(Program, EndsInOrderOnATerminationSignal) {
     program.start(QStringLiteral(HOST_PROGRAM), {QStringLiteral("run"), silentSite()});
     program.setReadChannel(QProcess::StandardError);
     ASSERT_TRUE(program.waitForReadyRead(patienceMs)); // it runs: the first failure is told
-    program.terminate();
+    stopProgram(program);
     const Ending ending = endOf(program);
     EXPECT_EQ(ending.status, 1);
     EXPECT_THAT(ending.output, HasSubstr("tank"));
@@ -180,7 +182,7 @@ TEST_F(Program, EndsWhenNobodyReadsItsOutput) {
     program.start(QStringLiteral(HOST_PROGRAM),
                   {QStringLiteral("run"), silentSite(), QStringLiteral("--format"), QStringLiteral("csv"),
                    QStringLiteral("--for"), QStringLiteral("1s")});
-    reader.start(QStringLiteral("true"), QStringList());
+    reader.start(QStringLiteral(SLEEPER_PROGRAM), QStringList());
     EXPECT_TRUE(reader.waitForFinished(patienceMs));
     EXPECT_TRUE(program.waitForFinished(patienceMs));
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);

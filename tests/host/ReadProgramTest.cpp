@@ -1,4 +1,5 @@
 #include "OneShotProgram.h"
+#include "StopProgram.h"
 
 // Reading from the command line, as its users meet it.
 
@@ -154,7 +155,7 @@ TEST_F(Read, GoesOnWhenTheStationComesBack) {
     simulator.silence(lineId, station, false);
     program.setReadChannel(QProcess::StandardOutput);
     ASSERT_TRUE(program.waitForReadyRead(60'000));
-    program.terminate();
+    stopProgram(program);
     const Ending ending = endOf(program);
     EXPECT_EQ(ending.status, 3) << "some readings were good, but not all";
     EXPECT_THAT(ending.output, HasSubstr("R10 = 0\n"));
@@ -193,7 +194,7 @@ TEST_F(Read, EndsWhenNobodyReadsItsOutput) {
     QProcess reader;
     program.setStandardOutputProcess(&reader);
     start(program, "read LINK R10 --station 5 --timeout 10s --every 10ms");
-    reader.start(QStringLiteral("true"), QStringList());
+    reader.start(QStringLiteral(SLEEPER_PROGRAM), QStringList());
     EXPECT_TRUE(reader.waitForFinished(60'000));
     EXPECT_TRUE(program.waitForFinished(60'000));
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);

@@ -1,4 +1,5 @@
 #include "OneShotProgram.h"
+#include "StopProgram.h"
 
 #include <thread>
 
@@ -187,7 +188,7 @@ TEST_F(WriteOnSerialLine, TellsHowToCommandTheHostThatHasTheDevice) {
     EXPECT_EQ(ending.status, 1);
     EXPECT_THAT(ending.errors, AllOf(HasSubstr("another program has "), HasSubstr("sbus-host ctl")));
     EXPECT_EQ(word(Media::Outputs, 1), 0U);
-    other.terminate();
+    stopProgram(other);
     EXPECT_EQ(endOf(other).status, 0);
 }
 

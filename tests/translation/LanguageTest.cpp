@@ -15,7 +15,8 @@ using Texts = QMap<QString, QString>;
 QJsonObject shownUnder(const char* locale) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("LANGUAGE"));
-    environment.insert(QStringLiteral("LC_ALL"), QString::fromLatin1(locale));
+    for (const char* const variable : {"LC_ALL", "LANG"}) // on Windows Qt looks at the second alone
+        environment.insert(QString::fromLatin1(variable), QString::fromLatin1(locale));
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     environment.insert(QStringLiteral("QT_FONT_DPI"), QStringLiteral("96"));
     QProcess process;

@@ -25,8 +25,9 @@ QJsonObject namesAndHelp(DriverPluginInterface* driver) {
             {QStringLiteral("ai"), driver->aiAddressDescriptions().value(0)}};
 }
 
-// The page as it opens, and the names of those of its labels that are narrower than their texts.
-QJsonObject optionPage(DriverPluginInterface* driver) {
+// The page as it opens, and the names of those of its labels that are narrower than their texts. It is
+// painted into the file `picture`, unless that is empty.
+QJsonObject optionPage(DriverPluginInterface* driver, const QString& picture) {
     const QList<DeviceOptionWidgetInterface*> pages = driver->deviceOptionWidgets(serial);
     const std::unique_ptr<QWidget> page(pages.value(0));
     if (!page)
@@ -46,12 +47,15 @@ QJsonObject optionPage(DriverPluginInterface* driver) {
     texts.insert(QStringLiteral("mode 0"), mode->itemText(0));
     texts.insert(QStringLiteral("mode 1"), mode->itemText(1));
     texts.insert(QStringLiteral("cut off"), cutOff);
+    if (!picture.isEmpty() && !page->grab().save(picture))
+        std::fprintf(stderr, "%s cannot be written\n", qPrintable(picture));
     return texts;
 }
 
 } // namespace
 
-// plugin_text_printer PLUGIN: prints what a user sees of the driver in the language of the system, as JSON.
+// plugin_text_printer PLUGIN [PICTURE]: prints what a user sees of the driver in the language of the system,
+// as JSON.
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QPluginLoader loader(QCoreApplication::arguments().value(1));
@@ -61,8 +65,9 @@ int main(int argc, char** argv) {
         return 1;
     }
     driver->loadTranslator();
-    const QJsonObject shown{{QStringLiteral("driver"), namesAndHelp(driver)},
-                            {QStringLiteral("page"), optionPage(driver)}};
+    const QJsonObject shown{
+        {QStringLiteral("driver"), namesAndHelp(driver)},
+        {QStringLiteral("page"), optionPage(driver, QCoreApplication::arguments().value(2))}};
     std::printf("%s\n", QJsonDocument(shown).toJson().constData());
     return 0;
 }

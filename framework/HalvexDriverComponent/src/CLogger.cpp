@@ -122,8 +122,16 @@ CLogger::CLogger() : backend(std::make_unique<Backend>()) {}
 CLogger::~CLogger() = default;
 
 CLogger* CLogger::GetInstance() {
+#ifdef _WIN32
+    // Windows ends all other threads before it lets go of the libraries, wherever they are: a destructor
+    // would wait for ever for a lock that one of them held. Who wants the last lines on the disk calls
+    // flush() before.
+    static CLogger* const instance = new CLogger;
+    return instance;
+#else
     static CLogger instance;
     return &instance;
+#endif
 }
 
 void CLogger::writeAll(int channelId, int rtuId, Halvex::LogLevel level, const QString& text) {

@@ -4,12 +4,14 @@
 
 #include <spdlog/async.h>
 #include <spdlog/async_logger.h>
+#include <spdlog/pattern_formatter.h>
 #include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <thread>
 #include <utility>
 
@@ -115,10 +117,12 @@ private:
         unbuffered.after_open = [](const spdlog::filename_t&, std::FILE* file) {
             std::setvbuf(file, nullptr, _IONBF, 0);
         };
+        const auto path = std::filesystem::u8path(settings.directory) / (stem + ".log");
         auto opened = std::make_unique<spdlog::sinks::rotating_file_sink_st>(
-            settings.directory + "/" + stem + ".log", std::max<std::size_t>(settings.fileBytes, 1),
-            rotatedFiles, false, unbuffered);
-        opened->set_pattern("%Y-%m-%d %H:%M:%S.%e%z %v");
+            path.native(), std::max<std::size_t>(settings.fileBytes, 1), rotatedFiles, false, unbuffered);
+        // Lines end alike on every system.
+        opened->set_formatter(std::make_unique<spdlog::pattern_formatter>(
+            "%Y-%m-%d %H:%M:%S.%e%z %v", spdlog::pattern_time_type::local, "\n"));
         return opened;
     }
 

@@ -2,6 +2,8 @@
 
 #include "Pcap.h"
 
+#include <SystemText.h>
+
 #include <cerrno>
 #include <fstream>
 #include <system_error>
@@ -87,7 +89,7 @@ bool CaptureFile::moveOn() {
         else
             fs::remove(pathOf(number), failure);
         if (failure) {
-            why = failure.message();
+            why = text::systemText(failure);
             return false;
         }
     }

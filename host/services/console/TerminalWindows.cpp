@@ -33,7 +33,6 @@ void prepare() {
     DWORD mode = 0;
     if (GetConsoleMode(output, &mode) != 0)
         SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
-    SetConsoleOutputCP(CP_UTF8);
 }
 
 // Keys are not read here: pages take turns.

@@ -1,5 +1,7 @@
 #include "StateFile.h"
 
+#include <SystemText.h>
+
 #include <QFile>
 #include <QSaveFile>
 
@@ -23,7 +25,7 @@ std::string StateFile::open() {
     std::error_code failure;
     std::filesystem::create_directories(std::filesystem::u8path(folder), failure);
     lock = 0;
-    return failure ? "directory " + folder + " cannot be made: " + failure.message() : std::string();
+    return failure ? "directory " + folder + " cannot be made: " + text::systemText(failure) : std::string();
 }
 
 StateFile::Contents StateFile::read() const {

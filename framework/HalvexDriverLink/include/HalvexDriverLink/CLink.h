@@ -54,8 +54,8 @@ public:
 // No operation throws. Times are in milliseconds and run on the steady clock.
 class HALVEXDRIVERLINK_EXPORT CLink {
 public:
-    static constexpr int serialKind = 3;
-    static constexpr int udpKind = 4;
+    // Names alone: a constant that had a place in memory would have to be found in the library.
+    enum Kind : int { serialKind = 3, udpKind = 4 };
 
     CLink() = default;
     CLink(const CLink&) = delete;

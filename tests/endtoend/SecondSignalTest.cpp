@@ -1,4 +1,5 @@
 #include "Plant.h"
+#include "StopProgram.h"
 
 #include <QFile>
 #include <QProcess>
@@ -6,8 +7,6 @@
 #include <QUdpSocket>
 
 #include <gtest/gtest.h>
-
-#include <csignal>
 
 // Whoever presses Ctrl-C twice wants the program gone at once.
 
@@ -54,9 +53,8 @@ protected:
         EXPECT_TRUE(program.waitForStarted(patienceMs));
         EXPECT_TRUE(controller.waitForReadyRead(patienceMs));
         EXPECT_TRUE(Plant::eventually([&] { return written().startsWith(start); }));
-        const auto process = static_cast<pid_t>(program.processId());
-        kill(process, SIGINT);
-        kill(process, SIGTERM); // another one, so that the system does not make one of the two
+        stopProgram(program, StopBy::Key);
+        stopProgram(program, StopBy::System); // another one, so that the system does not make one of the two
         EXPECT_TRUE(program.waitForFinished(patienceMs));
         EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(program.exitCode(), forcedExitStatus);

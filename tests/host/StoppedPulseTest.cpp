@@ -1,6 +1,5 @@
 #include "HostProgram.h"
-
-#include <csignal>
+#include "StopProgram.h"
 
 // A pulse runs, and the host ends: the driver's release ends with it.
 
@@ -21,26 +20,24 @@ protected:
         ASSERT_EQ(valve(), 1U);
     }
     std::uint32_t valve() { return memory().get(Media::Outputs, 40); }
-    static void signal(const QProcess& program, int number) {
-        kill(static_cast<pid_t>(program.processId()), number);
-    }
 };
 
-class StoppedPulseBySignal : public StoppedPulse, public testing::WithParamInterface<int> {};
+class StoppedPulseBySignal : public StoppedPulse, public testing::WithParamInterface<StopBy> {};
 
 } // namespace
 
 TEST_P(StoppedPulseBySignal, IsEndedBeforeTheHostEnds) {
     QProcess& host = startHost();
     pulse();
-    signal(host, GetParam());
+    stopProgram(host, GetParam());
     const Ending ending = endOf(host);
     EXPECT_EQ(ending.status, 0);
     EXPECT_EQ(valve(), 0U);
     EXPECT_THAT(ending.errors, HasSubstr("\"VALVE\" (O40): its pulse is ended"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, StoppedPulseBySignal, testing::Values(SIGINT, SIGTERM, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(Signals, StoppedPulseBySignal,
+                         testing::Values(StopBy::Key, StopBy::System, StopBy::ClosedTerminal));
 
 TEST_F(StoppedPulse, IsEndedWhenTheTimeOfTheRunIsOver) {
     QProcess& host = startHost({QStringLiteral("--for"), QStringLiteral("10s")});
@@ -55,7 +52,7 @@ TEST_F(StoppedPulse, IsEndedAtTheElementThatItHasSwitchedOn) {
     pulse();
     ASSERT_EQ(ctl({QStringLiteral("write"), QStringLiteral("pump-house/PUMP=1")}).status, 0);
     ASSERT_EQ(memory().get(Media::Outputs, 41), 1U);
-    host.terminate();
+    stopProgram(host);
     EXPECT_EQ(endOf(host).status, 0);
     EXPECT_EQ(valve(), 0U);
     EXPECT_EQ(memory().get(Media::Outputs, 41), 0U);
@@ -66,7 +63,7 @@ TEST_F(StoppedPulse, IsNamedWhenItHadToBeLeftOnAndEndedByTheNextHost) {
     QProcess& host = startHost();
     pulse();
     simulator.silence(lineId, station, true);
-    host.terminate();
+    stopProgram(host);
     const Ending ending = endOf(host);
     EXPECT_EQ(ending.status, 1);
     EXPECT_THAT(ending.errors, HasSubstr("\"VALVE\" (O40): left on, or it may be"));
@@ -75,7 +72,7 @@ TEST_F(StoppedPulse, IsNamedWhenItHadToBeLeftOnAndEndedByTheNextHost) {
     simulator.silence(lineId, station, false);
     QProcess& next = startHost();
     EXPECT_TRUE(eventually([this] { return valve() == 0; }));
-    next.terminate();
+    stopProgram(next);
     EXPECT_THAT(endOf(next).errors, HasSubstr("its pulse ran when this site's host last ended"));
 }
 
@@ -83,8 +80,8 @@ TEST_F(StoppedPulse, IsNamedBeforeASecondSignalEndsTheHostAtOnce) {
     QProcess& host = startHost();
     pulse();
     simulator.silence(lineId, station, true);
-    signal(host, SIGINT);
-    signal(host, SIGTERM); // another one, so that the system does not make one of the two
+    stopProgram(host, StopBy::Key);
+    stopProgram(host, StopBy::System); // another one, so that the system does not make one of the two
     const Ending ending = endOf(host);
     EXPECT_EQ(ending.status, forcedExitStatus);
     EXPECT_THAT(ending.errors, HasSubstr("\"VALVE\" (O40): left on, or it may be"));
@@ -98,14 +95,14 @@ TEST_F(StoppedPulse, OfAKilledHostIsEndedByTheNextOne) {
     EXPECT_EQ(valve(), 1U);
     QProcess& next = startHost();
     EXPECT_TRUE(eventually([this] { return valve() == 0; }));
-    next.terminate();
+    stopProgram(next);
     const Ending ending = endOf(next);
     EXPECT_EQ(ending.status, 0);
     EXPECT_THAT(ending.errors, AllOf(HasSubstr("its pulse ran when this site's host last ended"),
                                      HasSubstr("it is switched off now")));
 
     QProcess& third = startHost();
-    third.terminate();
+    stopProgram(third);
     EXPECT_THAT(endOf(third).errors, Not(HasSubstr("pulse")));
 }
 
@@ -117,7 +114,7 @@ TEST_F(StoppedPulse, OfAKilledHostIsLeftAloneWhereThePointIsAnotherOneNow) {
     writeSite("1,VALVE,status,O41,,,,,60000\n");
     memory().set(Media::Outputs, 41, 1);
     QProcess& next = startHost();
-    next.terminate();
+    stopProgram(next);
     EXPECT_THAT(endOf(next).errors, HasSubstr("not switched off: see to it at the controller"));
     EXPECT_EQ(memory().get(Media::Outputs, 41), 1U);
     EXPECT_EQ(valve(), 1U);
