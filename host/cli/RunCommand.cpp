@@ -9,6 +9,7 @@
 #include "runtime/LineMessages.h"
 #include "runtime/StartThread.h"
 #include "services/console/ConsoleService.h"
+#include "services/console/Journal.h"
 #include "services/console/StopSignal.h"
 #include "services/console/StreamWriter.h"
 #include "services/console/Summary.h"
@@ -82,7 +83,7 @@ bool endPulses(RunServices& services, CommandDispatcher& dispatcher, Console& co
         std::this_thread::sleep_for(lookPeriod);
     const std::vector<std::string> left = pulses.stillOn();
     for (const std::string& one : left)
-        console.error.write(one + '\n');
+        console.error.write(journal::mark(Severity::Error) + one + '\n');
     stopsignal::releaseSecond();
     if (stopsignal::isForced()) {
         console.error.waitUntilIdle(lastWords);
@@ -103,17 +104,17 @@ bool isReadToTheEnd(const Console& console) {
 }
 
 ExitStatus failed(const std::string& fault) {
-    std::cerr << "sbus-host: " << text::printable(fault) << '\n';
+    std::cerr << journal::mark(Severity::Error) << "sbus-host: " << text::printable(fault) << '\n';
     return ExitStatus::Configuration;
 }
 
 void tellLosses(const ConsoleService& shown, Console& console) {
     if (shown.lostChanges() > 0)
-        console.error.write(countWereText(shown.lostChanges(), "change") +
+        console.error.write(journal::mark(Severity::Warning) + countWereText(shown.lostChanges(), "change") +
                             " lost: they came faster than the output was read\n");
     const LoggerFigures log = CLogger::GetInstance()->figures();
     if (const auto lostLines = log.dropped + log.queued; lostLines > 0)
-        console.error.write(countWereText(lostLines, "log line") +
+        console.error.write(journal::mark(Severity::Warning) + countWereText(lostLines, "log line") +
                             " lost: the log directory's disk is full, fails or is too slow\n");
 }
 
@@ -146,6 +147,7 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
         runtime.stopAtOnce();
         return failed(fault);
     }
+    options.haveStarted();
     stopsignal::holdSecond();
     OutputWatch output(options, console, services.console());
     waitForTheEnd(options, output);
@@ -159,8 +161,9 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     const std::vector<ChannelFigures> channels = runtime.channelFigures();
     runtime.stop();
     CLogger::GetInstance()->flush(logFlushMs);
-    (isForReading(format) ? console.out : console.error)
-        .write(summaryText(outcomes, channels) + services.console().lastWords());
+    if (format != OutputFormat::Messages)
+        (isForReading(format) ? console.out : console.error)
+            .write(summaryText(outcomes, channels) + services.console().lastWords());
     tellLosses(services.console(), console);
     const ExitStatus status = judge(outcomes);
     return allOff || status != ExitStatus::Good ? status : ExitStatus::CommunicationFailed;
@@ -181,7 +184,7 @@ ExitStatus runSite(const RunOptions& options) {
     if (options.takesControl)
         checkControlGroup(loaded.site, loaded.findings);
     for (const Finding& finding : loaded.findings.all())
-        std::cerr << toText(finding) << '\n';
+        std::cerr << journal::mark(finding.severity) << toText(finding) << '\n';
     if (loaded.findings.hasErrors())
         return ExitStatus::Configuration;
     if (const std::string fault = descriptorFault(loaded.site, options); !fault.empty())

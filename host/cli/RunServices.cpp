@@ -33,7 +33,9 @@ RunningSite runningSiteOf(const RunServices::Host& host, CommandTaker& commands)
 
 // Commands pass the pulses' supervisor on their way to the dispatcher.
 RunServices::RunServices(const RunOptions& options, OutputFormat format, const Host& host) {
-    const auto tell = [&messages = host.messages](const std::string& message) { messages.tell(message); };
+    const auto tell = [&messages = host.messages](const std::string& message) {
+        messages.tell(message, Severity::Warning);
+    };
     auto pulses = std::make_unique<PulseSupervisor>(host.values, host.dispatcher, tell);
     pulses->useMemory(std::make_unique<PulseMemory>(options.stateDirectory, options.sitePath));
     pulseSupervisor = pulses.get();

@@ -38,17 +38,17 @@ void LineMessages::requestEnded(const RequestEnd& end) {
         isGood ? collapser.succeeded(source, who)
                : collapser.failed(source, kindOf(end), who + ": " + reason, Clock::now());
     if (message)
-        messages.tell(*message);
+        messages.tell(*message, isGood ? Severity::Note : Severity::Warning);
 }
 
 void LineMessages::refusalsFound(const Channel& channel, const Rtu& rtu, const RefusalNews& news) {
-    messages.tell(nameOf(channel, &rtu) + ": " + refusalNewsText(news));
+    messages.tell(nameOf(channel, &rtu) + ": " + refusalNewsText(news), Severity::Warning);
 }
 
 void LineMessages::lineOpened(const Channel& channel, bool onSecondary, int result) {
     const std::lock_guard<std::mutex> lock(mutex);
     if (const std::optional<std::string> message = openText(channel, onSecondary, result))
-        messages.tell(*message);
+        messages.tell(*message, result == 0 ? Severity::Note : Severity::Warning);
     if (result == 0)
         tellEndInUse(channel, onSecondary, false);
 }
@@ -78,7 +78,7 @@ void LineMessages::tellEndInUse(const Channel& channel, bool onSecondary, bool h
     if (!message && !hasAnswered)
         return;
     told = onSecondary;
-    messages.tell(message.value_or(text));
+    messages.tell(message.value_or(text), Severity::Warning);
 }
 
 } // namespace host

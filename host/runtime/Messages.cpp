@@ -19,9 +19,9 @@ std::string messageLine(const Message& message) {
     return localTimeText(message.timeMs) + "  " + message.text;
 }
 
-void Messages::tell(const std::string& text) {
+void Messages::tell(const std::string& text, Severity severity) {
     const std::lock_guard<std::mutex> lock(mutex);
-    const Message message{QDateTime::currentMSecsSinceEpoch(), text};
+    const Message message{QDateTime::currentMSecsSinceEpoch(), text, severity};
     if (keeper)
         keeper(message);
     if (waiting.size() < mostWaiting)
@@ -36,7 +36,8 @@ std::vector<Message> Messages::takeWithTimes() {
     taken.swap(waiting);
     if (lost > 0)
         taken.push_back({QDateTime::currentMSecsSinceEpoch(),
-                         countWereText(lost, "message") + " lost: more came than was read"});
+                         countWereText(lost, "message") + " lost: more came than was read",
+                         Severity::Warning});
     lost = 0;
     return taken;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "site/Finding.h"
+
 #include <QtGlobal>
 
 #include <functional>
@@ -12,6 +14,7 @@ namespace host {
 struct Message {
     qint64 timeMs = 0; // since 1970
     std::string text;
+    Severity severity = Severity::Note;
 };
 
 // "2026-11-22 10:30:00.125+01:00  channel 1 ...", where the host is.
@@ -20,7 +23,7 @@ std::string messageLine(const Message& message);
 // What people are to be told, from whoever has something to say to whoever shows it. Any thread.
 class Messages {
 public:
-    void tell(const std::string& text);
+    void tell(const std::string& text, Severity severity = Severity::Note);
     // What is to be shown since the last call; says how many were lost when they came faster than they were
     // taken.
     std::vector<Message> takeWithTimes();

@@ -141,7 +141,7 @@ std::string CaptureService::Writer::noteSuccess() {
 
 void CaptureService::Writer::tell(const std::string& text) {
     if (messages != nullptr)
-        messages->tell("capture " + options.path + ": " + text);
+        messages->tell("capture " + options.path + ": " + text, Severity::Warning);
 }
 
 void CaptureService::Writer::end() {

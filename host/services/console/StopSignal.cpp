@@ -45,6 +45,10 @@ bool isRequested() {
     return requested.load();
 }
 
+void request() {
+    requested = true;
+}
+
 void holdSecond() {
     isSecondHeld = true;
 }

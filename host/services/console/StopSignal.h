@@ -6,6 +6,8 @@ namespace host::stopsignal {
 
 void install();
 bool isRequested();
+// Asks the program to end in order, as a signal does.
+void request();
 
 // From now on a second signal is noted too, and a third one ends the program at once: for as long as there is
 // something to be said before the end.

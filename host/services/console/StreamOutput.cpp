@@ -1,5 +1,6 @@
 #include "StreamOutput.h"
 
+#include "Journal.h"
 #include "StreamWriter.h"
 
 #include <QDateTime>
@@ -35,7 +36,9 @@ bool StreamOutput::update() {
 
 void StreamOutput::tell(const std::vector<Message>& messages) {
     for (const Message& message : messages)
-        error.write(messageLine(message) + '\n');
+        error.write(
+            (journal::takesErrors() ? journal::mark(message.severity) + message.text : messageLine(message)) +
+            '\n');
 }
 
 void StreamOutput::showFrames(const std::vector<std::string>& lines) {

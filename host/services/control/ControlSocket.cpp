@@ -21,8 +21,9 @@ std::string ControlSocket::start(RunningSite& runningSite) {
     if (!place.door.isDirectoryOwn && !fault.empty())
         return fault;
     if (!fault.empty())
-        running->messages.tell(fault +
-                               "; sbus-host ctl cannot reach this one. Give it a socket with --control PATH");
+        running->messages.tell(
+            fault + "; sbus-host ctl cannot reach this one. Give it a socket with --control PATH",
+            Severity::Warning);
     return {};
 }
 
