@@ -43,9 +43,10 @@ struct ListeningSocket::Open {
         CloseHandle(connected);
     }
 
+    std::string makeFirstEnd();
     std::string makeEnd(DWORD first);
     void awaitClient();
-    HANDLE takeConnectedEnd() { return std::exchange(end, INVALID_HANDLE_VALUE); }
+    HANDLE takeEnd() { return std::exchange(end, INVALID_HANDLE_VALUE); }
 
     const HANDLE connected; // signalled when the end that waits has a client
     QWinEventNotifier notifier;
@@ -54,6 +55,17 @@ struct ListeningSocket::Open {
     HANDLE end = INVALID_HANDLE_VALUE; // that waits
     OVERLAPPED waiting{};
 };
+
+// Wine does not heed the flag, but counts the ends that there are.
+std::string ListeningSocket::Open::makeFirstEnd() {
+    const std::string fault = makeEnd(FILE_FLAG_FIRST_PIPE_INSTANCE);
+    DWORD ends = 0;
+    if (!fault.empty() ||
+        (GetNamedPipeHandleStateW(end, nullptr, &ends, nullptr, nullptr, nullptr, 0) != 0 && ends == 1))
+        return fault;
+    CloseHandle(takeEnd());
+    return reason(ERROR_PIPE_BUSY);
+}
 
 // `first`: FILE_FLAG_FIRST_PIPE_INSTANCE for one that must not exist yet, else 0.
 std::string ListeningSocket::Open::makeEnd(DWORD first) {
@@ -88,7 +100,7 @@ std::string ListeningSocket::listen(const std::string& path, std::optional<Group
     close();
     auto opened = std::make_unique<Open>();
     opened->name = pipeName(path);
-    std::string fault = opened->makeEnd(FILE_FLAG_FIRST_PIPE_INSTANCE);
+    std::string fault = opened->makeFirstEnd();
     if (!fault.empty())
         return fault;
     opened->awaitClient();
@@ -101,7 +113,7 @@ void ListeningSocket::acceptClients() {
     if (!open)
         return;
     ResetEvent(open->connected);
-    const HANDLE client = open->takeConnectedEnd();
+    const HANDLE client = open->takeEnd();
     const bool hasNext = open->makeEnd(0).empty() || (makeRoom() && open->makeEnd(0).empty());
     if (hasNext)
         open->awaitClient();
