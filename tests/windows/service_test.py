@@ -5,6 +5,7 @@ service_test.py EMULATOR... -- BIN [TEST...]: with the Windows programs in the f
 whose service manager runs the service). What Wine does not do is not tested here: it keeps no event log, lets every
 account do everything, and starts no service again that has failed.
 """
+import os
 import pathlib
 import re
 import socket
@@ -85,14 +86,19 @@ def registry(*key):
 class Service(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        # Wine ends its service manager, which takes seconds to begin, with the last program.
-        run("cmd", "/c", "exit")
-        cls.resident = subprocess.Popen([*EMULATOR, "cmd"], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL,
+        # Wine begins its service manager with the first program, which passes its output on to it, and ends it with
+        # the last one. This one is there before and after all that are read from.
+        cls.prompt = tempfile.TemporaryFile()
+        cls.resident = subprocess.Popen([*EMULATOR, "cmd"], stdin=subprocess.PIPE, stdout=cls.prompt,
                                         stderr=subprocess.DEVNULL)
+        deadline = time.monotonic() + PATIENCE
+        while os.fstat(cls.prompt.fileno()).st_size == 0 and time.monotonic() < deadline:
+            time.sleep(0.1)
 
     @classmethod
     def tearDownClass(cls):
         cls.resident.communicate(timeout=PATIENCE)
+        cls.prompt.close()
 
     def setUp(self):
         self.name = f"sbus-test-{self.id().rsplit('.', 1)[-1][:40]}-{free_port()}"
