@@ -25,7 +25,8 @@ private:
 
 std::string namesOf(const CLI::App& command) {
     std::string names;
-    for (const CLI::App* const one : command.get_subcommands([](const CLI::App*) { return true; }))
+    const auto isShown = [](const CLI::App* one) { return !one->get_group().empty(); };
+    for (const CLI::App* const one : command.get_subcommands(isShown))
         names += (names.empty() ? "" : ", ") + one->get_name();
     return names;
 }

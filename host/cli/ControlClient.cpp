@@ -11,8 +11,8 @@ namespace {
 constexpr int patienceMs = 5'000; // for a busy host to take a line
 constexpr int lookMs = 100;       // how soon a cancellation is seen
 
-std::string strangerFault(const std::optional<Peer>& peer) {
-    const std::string who = peer ? "user id " + std::to_string(peer->user) : "whose the system does not tell";
+std::string strangerFault(const QLocalSocket& socket, const std::optional<Peer>& peer) {
+    const std::string who = peer ? peerText(socket, *peer) : "whose the system does not tell";
     return "another user's program (" + who + ") listens there, which is not believed";
 }
 
@@ -45,8 +45,8 @@ bool ControlClient::connectTo(const std::vector<std::string>& paths) {
         const std::optional<Peer> peer = peerOf(socket);
         if (peer && trusts(*peer))
             return true;
+        pathFaults.push_back("control socket " + path + ": " + strangerFault(socket, peer));
         socket.abort();
-        pathFaults.push_back("control socket " + path + ": " + strangerFault(peer));
         return false;
     });
 }

@@ -1,13 +1,12 @@
-#include "CaptureArguments.h"
 #include "CheckCommand.h"
 #include "CommandLine.h"
 #include "CommandNames.h"
 #include "CtlArguments.h"
 #include "ImportCommand.h"
 #include "LastWords.h"
-#include "LogArguments.h"
-#include "RunCommand.h"
+#include "RunArguments.h"
 #include "ScanArguments.h"
+#include "ServiceArguments.h"
 #include "StandardOutput.h"
 #include "services/console/Journal.h"
 #include "services/console/Terminal.h"
@@ -81,16 +80,15 @@ void addImportCommand(CLI::App& program, ExitStatus& status) {
 
 void addRunCommand(CLI::App& program, ExitStatus& status) {
     struct Given {
-        host::RunOptions options;
+        std::string sitePath;
         std::string duration;
         std::string format;
+        bool frames = false;
     };
     CLI::App* const command =
         program.add_subcommand("run", "Poll the controllers of a site and show their values");
     const auto given = std::make_shared<Given>();
-    command->add_option("SITE", given->options.sitePath, "Site file")->required();
-    command->add_flag("--loopback", given->options.isOnLoopback,
-                      "Talk to sbus-sim --loopback in place of the controllers");
+    command->add_option("SITE", given->sitePath, "Site file")->required();
     command->add_option("--for", given->duration, "End after this time, such as 10s; without it at Ctrl-C")
         ->check(host::durationFault);
     command
@@ -99,28 +97,17 @@ void addRunCommand(CLI::App& program, ExitStatus& status) {
             "How values are shown; without it table on a terminal, lines elsewhere and with --frames")
         ->check(CLI::IsMember(formatNames))
         ->type_name("FORMAT");
-    command->add_flag("--frames", given->options.frames, "Show every telegram as hex on standard error");
-    const auto log = host::addLogOptions(*command);
-    command->add_option(
-        "--plugin", given->options.pluginPath,
-        "Driver plug-in; without it SBusDriver beside this program or in the library directory");
-    command->add_option(
-        "--control", given->options.controlPath,
-        "Where sbus-host ctl reaches this host; without it at a socket of the site file's own");
-    command->add_flag("!--no-control", given->options.takesControl, "Take no commands from sbus-host ctl")
-        ->excludes("--control");
-    command->add_option(
-        "--state-dir", given->options.stateDirectory,
-        "Where running pulses are remembered; without it in $XDG_STATE_HOME or ~/.local/state");
-    const auto capture = host::addCaptureOptions(*command);
-    command->callback([given, log, capture, &status] {
+    command->add_flag("--frames", given->frames, "Show every telegram as hex on standard error");
+    const auto run = host::addUnattendedOptions(*command);
+    command->callback([given, run, &status] {
+        run->options.sitePath = given->sitePath;
+        run->options.frames = given->frames;
+        host::RunOptions options = host::runOptionsOf(*run);
         if (!given->duration.empty())
-            given->options.duration = host::parseDuration(given->duration);
+            options.duration = host::parseDuration(given->duration);
         if (!given->format.empty())
-            given->options.format = formatNamed(given->format);
-        given->options.log = host::logOf(*log, given->options.frames);
-        given->options.capture = host::captureOf(*capture);
-        status = host::runSite(given->options);
+            options.format = formatNamed(given->format);
+        status = host::runSite(options);
     });
 }
 
@@ -154,6 +141,7 @@ int runProgram(int& argc, char** argv) {
     host::addOneShotCommands(program, status);
     host::addScanCommand(program, status);
     addCtlCommand(program, status);
+    host::addServiceCommand(program, status);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& ending) { // also the end of --help, whose number is 0

@@ -148,6 +148,7 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
         runtime.stopAtOnce();
         return failed(fault);
     }
+    options.haveStarted();
     stopsignal::holdSecond();
     OutputWatch output(options, console, services.console());
     waitForTheEnd(options, output);
@@ -161,8 +162,9 @@ ExitStatus runLoadedSite(const Site& site, const RunOptions& options, OutputForm
     const std::vector<ChannelFigures> channels = runtime.channelFigures();
     runtime.stop();
     CLogger::GetInstance()->flush(logFlushMs);
-    (isForReading(format) ? console.out : console.error)
-        .write(summaryText(outcomes, channels) + services.console().lastWords());
+    if (format != OutputFormat::Messages)
+        (isForReading(format) ? console.out : console.error)
+            .write(summaryText(outcomes, channels) + services.console().lastWords());
     tellLosses(services.console(), console);
     const ExitStatus status = judge(outcomes);
     return allOff || status != ExitStatus::Good ? status : ExitStatus::CommunicationFailed;

@@ -6,6 +6,7 @@
 #include "services/log/LogOptions.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 namespace host {
@@ -16,12 +17,13 @@ struct RunOptions {
     std::optional<std::chrono::milliseconds> duration; // until a signal comes, when left out
     std::optional<OutputFormat> format;                // a table on a terminal, else lines, when left out
     bool frames = false;
-    std::optional<LogOptions> log;         // none: no log files
-    std::string pluginPath;                // empty: searched for
-    bool takesControl = true;              // opens a control socket
-    std::string controlPath;               // of that; empty: the site file's own
-    std::string stateDirectory;            // of what is remembered beyond the end; empty: the user's
-    std::optional<CaptureOptions> capture; // none: telegrams are not captured
+    std::optional<LogOptions> log;             // none: no log files
+    std::string pluginPath;                    // empty: searched for
+    bool takesControl = true;                  // opens a control socket
+    std::string controlPath;                   // of that; empty: the site file's own
+    std::string stateDirectory;                // of what is remembered beyond the end; empty: the user's
+    std::optional<CaptureOptions> capture;     // none: telegrams are not captured
+    std::function<void()> haveStarted = [] {}; // called once all lines run
 };
 
 // Runs a site until its time is over, a signal comes, or nobody reads the output any more.

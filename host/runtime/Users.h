@@ -23,8 +23,12 @@ constexpr UserId rootUser = 0;
 UserId ownUser();
 // Nothing when the system does not tell.
 std::optional<Peer> peerOf(const QLocalSocket& socket);
+// For people: "user id 1000", or the name of an account.
+std::string peerText(const QLocalSocket& socket, const Peer& peer);
 // Nothing for a name that the system does not know.
 std::optional<GroupId> findGroup(const std::string& name);
+// What to do about a name of which findGroup() knows nothing.
+std::string groupRemedy();
 
 bool isMember(const Peer& peer, GroupId group);
 // Whether `peer` is `user` or root, who can do anyway what the user can.

@@ -50,6 +50,10 @@ std::optional<Peer> peerOf(const QLocalSocket& socket) {
     return peer;
 }
 
+std::string peerText(const QLocalSocket&, const Peer& peer) {
+    return "user id " + std::to_string(peer.user);
+}
+
 std::optional<GroupId> findGroup(const std::string& name) {
     // Bytes of a group's entry; large ones list thousands of members.
     constexpr std::size_t most = std::size_t{1024} * 1024;
@@ -61,6 +65,10 @@ std::optional<GroupId> findGroup(const std::string& name) {
             return found == nullptr ? std::nullopt : std::optional<GroupId>(found->gr_gid);
     }
     return std::nullopt;
+}
+
+std::string groupRemedy() {
+    return "name a group that \"getent group\" lists, or make one with groupadd";
 }
 
 } // namespace host

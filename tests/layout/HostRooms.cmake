@@ -1,6 +1,6 @@
 # The host's rooms, from the one that knows nothing of the others up to the program: a file includes headers of its
 # own room and of those that stand before it. The services do not know each other.
-set(rooms site symbols plan polling telegram values runtime commands services oneshot cli)
+set(rooms site symbols plan polling telegram values runtime commands services oneshot windows cli)
 
 file(GLOB_RECURSE files RELATIVE ${ROOT}/host ${ROOT}/host/*.h ${ROOT}/host/*.cpp)
 list(LENGTH files count)

@@ -14,7 +14,7 @@ class ValueStore;
 struct Console;
 struct SiteFigures;
 
-enum class OutputFormat { Table, Lines, Json, Csv };
+enum class OutputFormat { Table, Lines, Json, Csv, Messages };
 
 // Where a running site is shown. Main thread.
 class Output {

@@ -27,6 +27,10 @@ bool isRequested() {
     return requested.load();
 }
 
+void request() {
+    requested = true;
+}
+
 void holdSecond() {
     isSecondHeld = true;
 }

@@ -9,6 +9,8 @@ void install();
 bool isRequested();
 // What a signal does. May be called in a signal handler, and by any thread.
 void note();
+// Asks the program to end in order, however often.
+void request();
 
 // From now on a second signal is noted too, and a third one ends the program at once: for as long as there is
 // something to be said before the end.

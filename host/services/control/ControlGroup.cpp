@@ -8,7 +8,7 @@ void checkControlGroup(const Site& site, Findings& findings) {
     const std::string& group = site.control.group;
     if (!group.empty() && !findGroup(group))
         findings.error(site.control.groupPlace, "there is no group \"" + group + "\" on this system",
-                       "name a group that \"getent group\" lists, or make one with groupadd");
+                       groupRemedy());
 }
 
 } // namespace host

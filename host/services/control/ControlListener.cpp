@@ -26,14 +26,6 @@ std::string namePath(const std::string& path) {
     return "control socket " + path;
 }
 
-// What was left of an earlier host may be replaced; nothing else.
-bool isFreeOrSocket(const std::string& path) {
-    std::error_code failure;
-    const auto kind = std::filesystem::symlink_status(std::filesystem::u8path(path), failure).type();
-    return kind == std::filesystem::file_type::not_found || kind == std::filesystem::file_type::socket ||
-           kind == std::filesystem::file_type::none; // why it cannot be seen, the next step tells
-}
-
 std::string directoryOf(const std::string& path) {
     return std::filesystem::u8path(path).parent_path().u8string();
 }
@@ -78,7 +70,7 @@ std::string ControlListener::listen(const ControlDoor& controlDoor) {
 // living one stands.
 std::string ControlListener::open() {
     const std::string name = namePath(door.path);
-    if (!isFreeOrSocket(door.path))
+    if (!ListeningSocket::isFreeOrSocket(door.path))
         return name + ": there is something else of that name; choose another with --control";
     FileLock::Taken taken = FileLock::take(door.path + ".lock");
     if (taken.isTakenByAnother)

@@ -24,6 +24,8 @@ public:
     ListeningSocket(Take takeClient, MakeRoom makeRoomForClients, QObject* owner);
     ~ListeningSocket() override;
 
+    // Whether nothing else than a socket is at `path`.
+    static bool isFreeOrSocket(const std::string& path);
     // Replaces a socket at `path`: nobody may listen there. Open to its user alone, or to the members of
     // `group` too. Empty, or why nothing listens.
     std::string listen(const std::string& path, std::optional<GroupId> group);

@@ -72,6 +72,12 @@ ListeningSocket::~ListeningSocket() {
     close();
 }
 
+// What was left of an earlier host may be replaced; nothing else.
+bool ListeningSocket::isFreeOrSocket(const std::string& path) {
+    struct stat found {};
+    return lstat(path.c_str(), &found) != 0 || S_ISSOCK(found.st_mode); // why not seen, the next step tells
+}
+
 std::string ListeningSocket::listen(const std::string& path, std::optional<GroupId> group) {
     constexpr int waitingClients = 128;
     close();

@@ -2,30 +2,15 @@
 
 #include "PrivateDirectory.h"
 #include "ServiceDirectory.h"
+#include "SocketName.h"
 
-#include <QCryptographicHash>
 #include <QDir>
-#include <QFileInfo>
 
 #include <algorithm>
 
 namespace host {
 
 namespace {
-
-// A socket's path has room for some hundred bytes all in all.
-constexpr int longestStem = 24;
-constexpr int hashDigits = 12; // 48 bits: no two sites of one user meet by chance
-
-QString socketName(const std::string& sitePath) {
-    const QFileInfo site(QString::fromStdString(sitePath));
-    const QString real = site.exists() ? site.canonicalFilePath() : site.absoluteFilePath();
-    QString stem;
-    for (const QChar letter : QFileInfo(real).completeBaseName().left(longestStem))
-        stem += letter.unicode() < 0x80 && letter.isLetterOrNumber() ? letter : QLatin1Char('-');
-    const QByteArray hash = QCryptographicHash::hash(real.toUtf8(), QCryptographicHash::Sha256).toHex();
-    return stem + QLatin1Char('-') + QString::fromLatin1(hash.left(hashDigits)) + QStringLiteral(".sock");
-}
 
 QString runtimeDirectory() {
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
@@ -74,7 +59,7 @@ QStringList directories(std::optional<GroupId> group) {
 }
 
 std::string pathIn(const QString& directory, const std::string& sitePath) {
-    return (directory + QLatin1Char('/') + socketName(sitePath)).toStdString();
+    return directory.toStdString() + '/' + socketName(sitePath) + ".sock";
 }
 
 } // namespace

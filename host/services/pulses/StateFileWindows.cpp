@@ -1,31 +1,47 @@
 #include "StateFile.h"
 
-#include <SystemText.h>
+#include "runtime/OwnFolderWindows.h"
 
 #include <QFile>
 #include <QSaveFile>
 
-#include <filesystem>
+#include <QDir>
+
+#include <fcntl.h>
+#include <io.h>
+#include <share.h>
+#include <sys/stat.h>
 #include <utility>
 
-// Folders below the user's own are closed to others by the system. Two hosts are kept apart by the control
-// socket alone.
 namespace host {
 
 StateFile::StateFile(std::string baseDirectory, std::string fileName)
     : base(std::move(baseDirectory)), folder(base + "/sbus-host"), name(std::move(fileName)) {}
 
-StateFile::~StateFile() = default;
+StateFile::~StateFile() {
+    if (lock >= 0)
+        _close(lock);
+}
 
 bool StateFile::isThere() const {
     return QFile::exists(QString::fromStdString(path()));
 }
 
 std::string StateFile::open() {
-    std::error_code failure;
-    std::filesystem::create_directories(std::filesystem::u8path(folder), failure);
-    lock = 0;
-    return failure ? "directory " + folder + " cannot be made: " + text::systemText(failure) : std::string();
+    if (!QDir().mkpath(QString::fromStdString(base)))
+        return "directory " + base + " cannot be made";
+    std::string fault = makeOwnFolder(folder);
+    if (!fault.empty())
+        return fault;
+    // The system shares the lock's file with nobody, and removes it when it is closed.
+    const std::wstring lockPath = QString::fromStdString(path() + ".lock").toStdWString();
+    const errno_t failure =
+        _wsopen_s(&lock, lockPath.c_str(), _O_CREAT | _O_RDWR | _O_BINARY | _O_NOINHERIT | _O_TEMPORARY,
+                  _SH_DENYRW, _S_IREAD | _S_IWRITE);
+    if (failure == 0)
+        return {};
+    lock = -1;
+    return failure == EACCES ? "another sbus-host uses " + path() : path() + ".lock cannot be opened";
 }
 
 StateFile::Contents StateFile::read() const {
