@@ -12,6 +12,11 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 
+# A host on Windows looks for Name.dll.
+if(WIN32)
+    set(CMAKE_SHARED_LIBRARY_PREFIX "")
+endif()
+
 option(SBUS_WARNINGS_AS_ERRORS "Stop at the first warning of GCC or Clang" ON)
 option(SBUS_PRECOMPILED_HEADERS "Compile common headers once for each target; worth it with clang alone" OFF)
 set(SBUS_PRECOMPILED_FROM 5 CACHE STRING "The files of a target that are worth precompiled headers")

@@ -5,6 +5,9 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
+# Files do not tell where they were compiled: two builds of the same sources are the same.
+set(CMAKE_CXX_FLAGS_INIT "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/= -ffile-prefix-map=${CMAKE_BINARY_DIR}/=")
+
 # CMake runs this file again for each of its small trials, which know only the variables named here.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES SBUS_WINDOWS_QT)
 set(SBUS_WINDOWS_QT "$ENV{SBUS_WINDOWS_QT}" CACHE PATH "Qt for Windows")

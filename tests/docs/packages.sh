@@ -43,6 +43,11 @@ expect() {
 tools=(clang-14 tshark valgrind libgtest-dev libmodbus-dev libbenchmark-dev gcovr)
 expect build -- g++ cmake qtbase5-dev libspdlog-dev "${tools[@]/#/!}"
 expect build demo -- g++ cmake qtbase5-dev libspdlog-dev "${tools[@]/#/!}"
+# For Windows with a Qt that was built before.
+recipe=$(sha256sum "$(dirname "$dev")/cmake/windows/build-qt")
+export XDG_CACHE_HOME=$folder/cache
+mkdir -p "$XDG_CACHE_HOME/sbusdriver/qt5-windows-${recipe:0:12}"
+expect build windows -- g++ cmake g++-mingw-w64-x86-64-posix nsis wine64 "${tools[@]/#/!}"
 expect build dev -- g++ "${tools[@]}"
 expect test -- g++ qtbase5-dev "${tools[@]}"
 expect setup -- debhelper lintian
