@@ -173,6 +173,7 @@ CLASS_PATTERNS = [
     r"(?:unknown type name|no type named) '(\w+)'",
     r"(?:member access into|incomplete|base class has|initialization of) (?:definition of )?incomplete type '(?:const )?(?:class )?(\w+)'",
     r"unknown class name '(\w+)'",
+    r"incomplete type '(?:class |struct )?(\w+)' (?:named|used) in nested name specifier",
 ]
 NAME_PATTERN = r"'(\w+)' was not declared in this scope|use of undeclared identifier '(\w+)'"
 MEMBER_PATTERNS = [
@@ -194,7 +195,7 @@ MEMBER_PATTERNS = [
 
 def own_types():
     text = "".join(file.read_text(encoding="utf-8") for folder in FOLDERS for file in (ROOT / folder).glob("*.h"))
-    return set(re.findall(r"^ *(?:class|struct|enum class|using) (\w+)(?! *;)", text, re.M))
+    return set(kind or alias for kind, alias in re.findall(r"^ *(?:(?:class|struct|enum class) (\w+)\b(?! *;)|using (\w+) *=)", text, re.M))
 
 
 def judge(mapping, own, complaint):
