@@ -13,7 +13,7 @@ public:
     StandardTexts();
     StandardTexts(const StandardTexts&) = delete;
     StandardTexts& operator=(const StandardTexts&) = delete;
-    ~StandardTexts();
+    ~StandardTexts(); // NOLINT(performance-trivially-destructible): on Windows there is something to undo
 
 private:
     [[maybe_unused]] unsigned codePageBefore = 0; // where there is such a thing
