@@ -243,8 +243,9 @@ TEST_F(RememberedPulses, ADamagedFileIsToldAndReplaced) {
         Run next(*this);
         next.pulses.look();
         EXPECT_THAT(next.taker.texts, IsEmpty()) << damage;
-        if (*damage != '\0')
+        if (*damage != '\0') {
             EXPECT_THAT(next.messages, ElementsAre(HasSubstr("is damaged or not this site's"))) << damage;
+        }
         EXPECT_EQ(files().size(), *damage != '\0' ? 0 : 1) << damage;
         next.switchOn();
         EXPECT_EQ(files().size(), 1) << damage;
