@@ -11,10 +11,13 @@ namespace {
 
 // Reads `count` elements from `first` of station 5.
 std::string readTelegram(std::uint8_t command, unsigned first, unsigned count) {
-    sim::Bytes body{5, command, static_cast<std::uint8_t>(count - 1), static_cast<std::uint8_t>(first >> 8),
-                    static_cast<std::uint8_t>(first)};
-    sim::Bytes telegram{0xB5, 0x00};
-    telegram.insert(telegram.end(), body.begin(), body.end());
+    sim::Bytes telegram{0xB5,
+                        0x00,
+                        5,
+                        command,
+                        static_cast<std::uint8_t>(count - 1),
+                        static_cast<std::uint8_t>(first >> 8),
+                        static_cast<std::uint8_t>(first)};
     const std::uint16_t checksum = sim::checksum(telegram.data(), telegram.size());
     telegram.push_back(static_cast<std::uint8_t>(checksum >> 8));
     telegram.push_back(static_cast<std::uint8_t>(checksum));
