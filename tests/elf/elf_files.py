@@ -58,10 +58,15 @@ def loading_faults(path):
     return faults
 
 
+def code_size(path):
+    section = re.search(r" \.text +PROGBITS +[0-9a-f]+ [0-9a-f]+ ([0-9a-f]+)", readelf("-SW", path))
+    return int(section[1], 16)
+
+
 def compiler_faults(path):
     faults = []
     symbols = readelf("--dyn-syms", path)
-    large = os.path.getsize(path) > 100_000  # a small library may have nothing to check
+    large = code_size(path) > 20_000  # bytes; a small library may have nothing to check
     if large and "__stack_chk_fail" not in symbols:
         faults.append("its stack is not protected")
     with open(path, "rb") as file:
