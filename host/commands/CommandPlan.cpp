@@ -17,20 +17,9 @@ std::string quoted(const Point& point) {
            "): ";
 }
 
-const char* mediaName(char media) {
-    switch (media) {
-    case 'T':
-        return "a timer";
-    case 'C':
-        return "a counter";
-    default:
-        return "a register";
-    }
-}
-
 std::string switchFault(const Point& point) {
     if (point.kind != PointKind::Status)
-        return std::string("is ") + mediaName(point.address.media) +
+        return std::string("is ") + wordMediaName(point.address.media) +
                " and cannot be switched; give it a value instead";
     if (!isSwitchableMedia(point.address.media))
         return "is an input, which nobody can switch; command the output or flag that acts on it";

@@ -46,4 +46,15 @@ bool isSwitchableMedia(char media) {
     return media == 'O' || media == 'F';
 }
 
+const char* wordMediaName(char media) {
+    switch (media) {
+    case 'T':
+        return "a timer";
+    case 'C':
+        return "a counter";
+    default:
+        return "a register";
+    }
+}
+
 } // namespace host

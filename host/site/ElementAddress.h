@@ -39,5 +39,7 @@ ParsedAddress parseElementAddress(const std::string& text);
 bool isBitMedia(char media);
 // Outputs and flags: what a binary command can switch.
 bool isSwitchableMedia(char media);
+// "a register", of the media that hold numbers.
+const char* wordMediaName(char media);
 
 } // namespace host

@@ -21,20 +21,10 @@ const Scaling& scalingOf(const Point& point) {
     return point.engineering ? point.engineering->scaling : none;
 }
 
-const char* mediaName(char media) {
-    switch (media) {
-    case 'T':
-        return "a timer";
-    case 'C':
-        return "a counter";
-    default:
-        return "a register";
-    }
-}
-
 // "the value does not fit a register; give a whole number from 0 to 100"
 RawNumber refuse(const Point& point, const std::string& remedy) {
-    return {0, std::string("the value does not fit ") + mediaName(point.address.media) + "; give " + remedy};
+    return {0,
+            std::string("the value does not fit ") + wordMediaName(point.address.media) + "; give " + remedy};
 }
 
 RawNumber plainWord(const Point& point, double value) {

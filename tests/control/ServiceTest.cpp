@@ -1,12 +1,7 @@
-#include "FakeHost.h"
-#include "services/control/ControlService.h"
-
-#include <QDateTime>
+#include "ServiceByLines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-// Lines in, lines out, without a socket.
 
 using namespace host;
 using testing::AllOf;
@@ -18,48 +13,7 @@ using Result = Halvex::DriverErrorResult;
 
 namespace {
 
-class Service : public testing::Test {
-protected:
-    std::vector<std::string> ask(const QByteArray& line, ClientId client = 1) {
-        sent.clear();
-        service.handleLine(client, line);
-        service.answerFinished();
-        return sent[client];
-    }
-
-    std::string askOne(const QByteArray& line, ClientId client = 1) {
-        const auto lines = ask(line, client);
-        EXPECT_EQ(lines.size(), 1U) << line.toStdString();
-        return lines.empty() ? "" : lines[0];
-    }
-
-    void publish(int channelId, int rtuId, unsigned id, double value,
-                 PointQuality quality = PointQuality::Good) {
-        PointUpdate update;
-        update.number = id - 1; // ids go from 1 on without gaps here
-        update.value = value;
-        update.stamp = CMidTime(QDateTime::fromMSecsSinceEpoch(1'000'000'000'000, Qt::UTC), 0);
-        update.quality = quality;
-        fake.store.publishPoints(channelId, rtuId, {update});
-    }
-
-    std::vector<std::string> changesTold(ClientId client) {
-        sent.clear();
-        service.tellChanges();
-        return sent[client];
-    }
-
-    Site site = controlSite();
-    FakeHost fake{site};
-    std::map<ClientId, std::vector<std::string>> sent;
-    int woken = 0;
-    ControlService::Clock::time_point time;
-    ControlService service{
-        fake,
-        fake.store,
-        {[this](ClientId client, const QByteArray& line) { sent[client].push_back(line.toStdString()); },
-         [](ClientId) { return true; }, [this] { ++woken; }, [this] { return time; }}};
-};
+class Service : public ServiceByLines {};
 
 const char* const writeRun = R"({"id":1,"do":"write","values":[{"point":"hill/RUN","value":1}]})";
 
@@ -292,98 +246,6 @@ TEST_F(Service, CountsFiguresAnewOnlyAfterAWhile) {
     time += std::chrono::milliseconds(100);
     ask(R"({"do":"status"})");
     EXPECT_EQ(fake.figuresAsked(), 2);
-}
-
-TEST_F(Service, TellsAWatcherTheCurrentValuesFirst) {
-    publish(5, 1, 1, 1);
-    service.tellChanges();
-    EXPECT_EQ(askOne(R"({"id":1,"do":"watch","rtus":["hill"]})"), R"({"id":1,"ok":true,"points":1})");
-    EXPECT_TRUE(service.isWatching(1));
-    sent.clear();
-    EXPECT_FALSE(service.tellCurrentValues(1, 10));
-    EXPECT_THAT(
-        sent[1],
-        ElementsAre(R"({"change":{"time":"2001-09-09T01:46:40.000Z","channel":"reservoirs","rtu":"hill",)"
-                    R"("id":1,"name":"RUN","address":"O1","value":1,"quality":"good"}})"));
-}
-
-TEST_F(Service, TellsCurrentValuesInPortions) {
-    EXPECT_THAT(askOne(R"({"do":"watch"})"), HasSubstr(R"("points":7)"));
-    sent.clear();
-    EXPECT_TRUE(service.tellCurrentValues(1, 5));
-    EXPECT_THAT(sent[1], SizeIs(5));
-    EXPECT_FALSE(service.tellCurrentValues(1, 5));
-    EXPECT_THAT(sent[1], SizeIs(7));
-}
-
-TEST_F(Service, TellsEveryWatcherEveryChange) {
-    ask(R"({"do":"watch"})", 1);
-    ask(R"({"do":"watch","rtus":["hill"]})", 2);
-    service.tellCurrentValues(1, 100);
-    service.tellCurrentValues(2, 100);
-    publish(4, 7, 3, 5);
-    publish(4, 7, 3, 6);
-    publish(5, 1, 1, 1, PointQuality::Refused);
-    const auto told = changesTold(1);
-    EXPECT_THAT(told, ElementsAre(HasSubstr(R"("value":5,"quality":"good")"), HasSubstr(R"("value":6)"),
-                                  HasSubstr(R"("value":null,"quality":"refused")")));
-    EXPECT_THAT(sent[2], ElementsAre(HasSubstr(R"("rtu":"hill")")));
-}
-
-TEST_F(Service, TellsAChangeBeforeItsPointWasToldOnlyAsCurrentValue) {
-    ask(R"({"do":"watch"})");
-    publish(5, 3, 2, 1);
-    EXPECT_THAT(changesTold(1), IsEmpty());
-    service.tellCurrentValues(1, 100);
-    EXPECT_THAT(sent[1], SizeIs(7));
-    EXPECT_THAT(sent[1].back(), HasSubstr(R"("name":"RUN","address":"O3","value":1,"quality":"good")"));
-}
-
-// Also when they were not yet passed on when the current values were told.
-TEST_F(Service, TellsJustTheChangesThatTheCurrentValuesDoNotHold) {
-    ask(R"({"do":"watch"})");
-    EXPECT_TRUE(service.tellCurrentValues(1, 3)); // of the first pump-house
-    publish(4, 7, 3, 5);
-    publish(5, 3, 2, 1);
-    EXPECT_FALSE(service.tellCurrentValues(1, 100));
-    publish(5, 3, 2, 0);
-    EXPECT_THAT(changesTold(1), ElementsAre(AllOf(HasSubstr(R"("name":"LEVEL")"), HasSubstr(R"("value":5)")),
-                                            AllOf(HasSubstr(R"("name":"RUN")"), HasSubstr(R"("value":0)"))));
-    publish(5, 3, 2, 1);
-    EXPECT_THAT(changesTold(1), ElementsAre(HasSubstr(R"("name":"RUN")")));
-}
-
-TEST_F(Service, TellsCurrentValuesOnceMoreWhenChangesWereMissed) {
-    ask(R"({"do":"watch","rtus":["waterworks/pump-house"]})");
-    service.tellCurrentValues(1, 100);
-    QVector<PointUpdate> burst;
-    for (std::size_t value = 0; value <= ValueStore::mostKeptChanges; ++value)
-        burst << PointUpdate{true, 2, static_cast<double>(value), {}, PointQuality::Good};
-    fake.store.publishPoints(4, 7, burst);
-    EXPECT_THAT(changesTold(1), IsEmpty());
-    EXPECT_FALSE(service.tellCurrentValues(1, 100));
-    EXPECT_THAT(sent[1], SizeIs(3));
-    EXPECT_THAT(sent[1].back(), HasSubstr(R"("name":"LEVEL","address":"R101","value":262144,)"));
-    publish(4, 7, 3, 7);
-    EXPECT_THAT(changesTold(1), ElementsAre(HasSubstr(R"("value":7)")));
-}
-
-TEST_F(Service, TellsNobodyMoreWhoIsGone) {
-    ask(R"({"do":"watch"})");
-    service.tellCurrentValues(1, 100);
-    service.forget(1);
-    publish(5, 1, 1, 1);
-    EXPECT_THAT(changesTold(1), IsEmpty());
-}
-
-TEST_F(Service, TakesOneWatchOfAClientAndNoMoreThanItsLimitOfAll) {
-    ask(R"({"do":"watch"})");
-    EXPECT_THAT(askOne(R"({"do":"watch"})"), HasSubstr(R"("code":"busy")"));
-    for (ClientId client = 2; client <= ControlService::mostWatches; ++client)
-        EXPECT_THAT(askOne(R"({"do":"watch"})", client), HasSubstr(R"("ok":true)"));
-    EXPECT_THAT(askOne(R"({"do":"watch"})", 1'000), HasSubstr(R"("code":"busy")"));
-    service.forget(2);
-    EXPECT_THAT(askOne(R"({"do":"watch"})", 1'000), HasSubstr(R"("ok":true)"));
 }
 
 TEST_F(Service, AnswersEachMalformedLine) {

@@ -1,4 +1,4 @@
-#include "site/PointTableFile.h"
+#include "TableText.h"
 #include "site/SiteFile.h"
 
 #include <gmock/gmock.h>
@@ -14,26 +14,13 @@ using testing::IsEmpty;
 
 namespace {
 
-struct Table {
-    std::vector<Point> points;
-    std::vector<std::string> findings;
-};
-
-Table read(const std::string& text) {
-    Findings findings;
-    Table table{readPointTable(text, "p.csv", {}, findings), {}};
-    findings.finish();
-    for (const Finding& finding : findings.all())
-        table.findings.push_back(toText(finding));
-    return table;
-}
-
 const std::string head = "id,name,kind,address,format,scale,offset,unit,decimals,deadband,description\n";
 
 // The one finding of a table whose only row ends like this.
 std::string findingOf(const std::string& address, const std::string& cells) {
     const bool isBit = address[0] == 'I' || address[0] == 'O';
-    const Table table = read(head + "1,P," + (isBit ? "status," : "analog,") + address + ',' + cells + '\n');
+    const TableText table =
+        readTable(head + "1,P," + (isBit ? "status," : "analog,") + address + ',' + cells + '\n');
     EXPECT_EQ(table.findings.size(), 1U) << cells;
     EXPECT_THAT(table.points, IsEmpty());
     return table.findings.empty() ? "" : table.findings[0];
@@ -42,7 +29,7 @@ std::string findingOf(const std::string& address, const std::string& cells) {
 } // namespace
 
 TEST(EngineeringColumns, TellWhatARawNumberMeans) {
-    const Table table = read(head + "1,LEVEL,analog,R2,,0.01,-20,m,2,0.05,Well of the pump house\n");
+    const TableText table = readTable(head + "1,LEVEL,analog,R2,,0.01,-20,m,2,0.05,Well of the pump house\n");
     EXPECT_THAT(table.findings, IsEmpty());
     ASSERT_EQ(table.points.size(), 1U);
     const Point& point = table.points[0];
@@ -56,8 +43,8 @@ TEST(EngineeringColumns, TellWhatARawNumberMeans) {
 }
 
 TEST(EngineeringColumns, MayAllBeEmpty) {
-    const Table table =
-        read(head + "1,LEVEL,analog,R2,,,,,,,\n2,RUN,status,O2,,,,,,,Pump 1 runs\n3,A,analog,R3,,1,0,,,0,\n");
+    const TableText table = readTable(
+        head + "1,LEVEL,analog,R2,,,,,,,\n2,RUN,status,O2,,,,,,,Pump 1 runs\n3,A,analog,R3,,1,0,,,0,\n");
     EXPECT_THAT(table.findings, IsEmpty());
     ASSERT_EQ(table.points.size(), 3U);
     EXPECT_EQ(table.points[0].engineering, nullptr);
@@ -68,16 +55,17 @@ TEST(EngineeringColumns, MayAllBeEmpty) {
 
 // A million points of a table have a few scales and units between them.
 TEST(EngineeringColumns, AreKeptOnceForAllPointsWithTheSame) {
-    const Table table =
-        read(head + "1,A,analog,R1,,0.1,,m,,,\n2,B,analog,R2,,0.1,,m,,,\n3,C,analog,R3,,0.1,,s,,,\n");
+    const TableText table =
+        readTable(head + "1,A,analog,R1,,0.1,,m,,,\n2,B,analog,R2,,0.1,,m,,,\n3,C,analog,R3,,0.1,,s,,,\n");
     ASSERT_EQ(table.points.size(), 3U);
     EXPECT_EQ(table.points[0].engineering, table.points[1].engineering);
     EXPECT_NE(table.points[0].engineering, table.points[2].engineering);
 }
 
 TEST(EngineeringColumns, HaveDecimalCommasWhereSemicolonsSeparate) {
-    const Table table = read("id;name;kind;address;Scale;Offset;Unit\n1;A;analog;R1;0,1;-273,15;\xC2\xB0"
-                             "C\n2;B;analog;R2;12,0;;\n");
+    const TableText table =
+        readTable("id;name;kind;address;Scale;Offset;Unit\n1;A;analog;R1;0,1;-273,15;\xC2\xB0"
+                  "C\n2;B;analog;R2;12,0;;\n");
     EXPECT_THAT(table.findings, IsEmpty());
     ASSERT_EQ(table.points.size(), 2U);
     EXPECT_EQ(table.points[0].engineering->scaling.scale(), 0.1);
@@ -88,7 +76,7 @@ TEST(EngineeringColumns, HaveDecimalCommasWhereSemicolonsSeparate) {
 }
 
 TEST(EngineeringColumns, KnowTheFormatIeee) {
-    const Table table = read(head + "1,A,analog,R1,IEEE,,,,,,\n2,B,analog,R2,float,,,,,,\n");
+    const TableText table = readTable(head + "1,A,analog,R1,IEEE,,,,,,\n2,B,analog,R2,float,,,,,,\n");
     ASSERT_EQ(table.points.size(), 2U);
     EXPECT_TRUE(table.points[0].isIeee);
     EXPECT_FALSE(table.points[0].isFloat);
@@ -128,7 +116,7 @@ TEST(EngineeringColumns, AreNothingForAStatusPoint) {
 }
 
 TEST(EngineeringColumns, HoldOneLineOfWhatCanBeShown) {
-    const Table table = read(head + "1,A,analog,R1,,,,,,,\"first\nsecond\"\n");
+    const TableText table = readTable(head + "1,A,analog,R1,,,,,,,\"first\nsecond\"\n");
     ASSERT_EQ(table.points.size(), 1U);
     EXPECT_EQ(*table.points[0].description, "first second");
     EXPECT_THAT(findingOf("R1", ",,,\"m\n/s\",,,"), HasSubstr("unit with control character"));

@@ -1,4 +1,4 @@
-#include "site/PointTableFile.h"
+#include "TableText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,26 +15,13 @@ using testing::IsEmpty;
 
 namespace {
 
-struct Table {
-    std::vector<Point> points;
-    std::vector<std::string> findings;
-};
-
-Table read(const std::string& text) {
-    Findings findings;
-    Table table{host::readPointTable(text, "p.csv", {}, findings), {}};
-    findings.finish();
-    for (const host::Finding& finding : findings.all())
-        table.findings.push_back(toText(finding));
-    return table;
-}
-
 const std::string allColumns = "id,name,kind,address,format,value,second_address,second_value,pulse_ms\n";
 
 } // namespace
 
 TEST(PointTableFile, ReadsPointsByTheirColumnNames) {
-    const Table table = read("kind,address,id,name,format\nstatus,I5,1,DOOR,\nanalog,r010,2,FLOW,float\n");
+    const TableText table =
+        readTable("kind,address,id,name,format\nstatus,I5,1,DOOR,\nanalog,r010,2,FLOW,float\n");
     EXPECT_TRUE(table.findings.empty());
     ASSERT_EQ(table.points.size(), 2U);
     EXPECT_EQ(table.points[0].kind, PointKind::Status);
@@ -48,7 +35,7 @@ TEST(PointTableFile, ReadsPointsByTheirColumnNames) {
 }
 
 TEST(PointTableFile, ReadsWhatCommandsWrite) {
-    const Table table = read(allColumns + "1,VALVE,status,O40,,2,o041,3,500\n");
+    const TableText table = readTable(allColumns + "1,VALVE,status,O40,,2,o041,3,500\n");
     EXPECT_TRUE(table.findings.empty());
     ASSERT_EQ(table.points.size(), 1U);
     EXPECT_EQ(table.points[0].value, 2U);
@@ -58,7 +45,7 @@ TEST(PointTableFile, ReadsWhatCommandsWrite) {
 }
 
 TEST(PointTableFile, TellsARowWithAColumnTooFewAtItsEnd) {
-    const Table table = read("id,name,kind,address\n1,A,status\n2,B,status,I1,x\n3,C,status,I2\n");
+    const TableText table = readTable("id,name,kind,address\n1,A,status\n2,B,status,I1,x\n3,C,status,I2\n");
     EXPECT_THAT(table.findings,
                 ElementsAre(HasSubstr("p.csv:2:11: error: row with 3 columns, where the first row names 4"),
                             HasSubstr("p.csv:3:15: error: row with 5 columns, where the first row names 4")));
@@ -66,16 +53,16 @@ TEST(PointTableFile, TellsARowWithAColumnTooFewAtItsEnd) {
 }
 
 TEST(PointTableFile, NeedsItsFourColumns) {
-    const Table table = read("id,name,colour,id\n1,A,red,1\n");
+    const TableText table = readTable("id,name,colour,id\n1,A,red,1\n");
     EXPECT_THAT(table.findings, ElementsAre(HasSubstr("p.csv:1:1: error: no column \"kind\", \"address\"; "),
                                             HasSubstr("p.csv:1:9: error: unknown column \"colour\""),
                                             HasSubstr("p.csv:1:16: error: column \"id\" stands twice")));
-    EXPECT_THAT(read("").findings, ElementsAre(HasSubstr("p.csv:1:1: error: empty point table")));
+    EXPECT_THAT(readTable("").findings, ElementsAre(HasSubstr("p.csv:1:1: error: empty point table")));
 }
 
 TEST(PointTableFile, TellsKindAndMediaThatDoNotFit) {
-    const Table table =
-        read("id,name,kind,address\n1,A,status,R1\n2,B,analog,F1\n3,C,digital,I1\n4,D,analog,X1\n");
+    const TableText table =
+        readTable("id,name,kind,address\n1,A,status,R1\n2,B,analog,F1\n3,C,digital,I1\n4,D,analog,X1\n");
     EXPECT_THAT(table.findings,
                 ElementsAre(HasSubstr("p.csv:2:12: error: address R1 does not fit kind status"),
                             HasSubstr("p.csv:3:12: error: address F1 does not fit kind analog"),
@@ -84,15 +71,16 @@ TEST(PointTableFile, TellsKindAndMediaThatDoNotFit) {
 }
 
 TEST(PointTableFile, TakesFloatsForRegistersAlone) {
-    const Table table = read("id,name,kind,address,format\n1,A,analog,T1,float\n2,B,analog,R1,real\n");
+    const TableText table =
+        readTable("id,name,kind,address,format\n1,A,analog,T1,float\n2,B,analog,R1,real\n");
     EXPECT_THAT(table.findings, ElementsAre(HasSubstr("p.csv:2:15: error: format float on T1"),
                                             HasSubstr("p.csv:3:15: error: format \"real\" is not known")));
 }
 
 TEST(PointTableFile, TellsCommandsThatCannotBe) {
-    const Table table =
-        read(allColumns + "1,A,status,I1,,1,,,\n2,B,analog,R1,,,O1,,\n3,C,status,O1,,256,,,0\n"
-                          "4,D,status,O1,,,,1,\n5,E,status,O1,,,I1,,\n");
+    const TableText table =
+        readTable(allColumns + "1,A,status,I1,,1,,,\n2,B,analog,R1,,,O1,,\n3,C,status,O1,,256,,,0\n"
+                               "4,D,status,O1,,,,1,\n5,E,status,O1,,,I1,,\n");
     EXPECT_THAT(table.findings,
                 ElementsAre(HasSubstr("p.csv:2:16: error: value on I1"),
                             HasSubstr("p.csv:3:17: error: second_address on R1"),
@@ -103,7 +91,7 @@ TEST(PointTableFile, TellsCommandsThatCannotBe) {
 }
 
 TEST(PointTableFile, TellsEveryFaultOfARow) {
-    const Table table = read("id,name,kind,address\nx,,status,\n");
+    const TableText table = readTable("id,name,kind,address\nx,,status,\n");
     EXPECT_THAT(table.findings, ElementsAre(HasSubstr("p.csv:2:1: error: id \"x\""),
                                             HasSubstr("p.csv:2:3: error: point without name"),
                                             HasSubstr("p.csv:2:11: error: point without address")));
@@ -111,21 +99,21 @@ TEST(PointTableFile, TellsEveryFaultOfARow) {
 }
 
 TEST(PointTableFile, TellsAnIdTakenTwiceWhateverElseIsWrongWithItsRows) {
-    EXPECT_THAT(read("id,name,kind,address\n3,A,status,X5\n3,B,status,F5\n").findings,
+    EXPECT_THAT(readTable("id,name,kind,address\n3,A,status,X5\n3,B,status,F5\n").findings,
                 ElementsAre(HasSubstr("p.csv:2:12: error: address \"X5\" fits no media"),
                             HasSubstr("p.csv:3:1: error: point id 3 is already taken by \"A\" in line 2")));
-    EXPECT_THAT(read("id,name,kind,address\n3,,status,F1\n3,B,status\n").findings,
+    EXPECT_THAT(readTable("id,name,kind,address\n3,,status,F1\n3,B,status\n").findings,
                 ElementsAre(HasSubstr("p.csv:2:3: error: point without name"),
                             HasSubstr("p.csv:3:1: error: point id 3 is already taken in line 2"),
                             HasSubstr("p.csv:3:11: error: row with 3 columns")));
     EXPECT_THAT(
-        read("id,name,kind,address\nx,A,status,F1\nx,B,status,F2\n").findings,
+        readTable("id,name,kind,address\nx,A,status,F1\nx,B,status,F2\n").findings,
         ElementsAre(HasSubstr("p.csv:2:1: error: id \"x\""), HasSubstr("p.csv:3:1: error: id \"x\"")));
 }
 
 TEST(PointTableFile, LeavesTheNumbersOfHiddenPointsFree) {
-    EXPECT_TRUE(read("id,name,kind,address\n2147483647,A,status,I1\n").findings.empty());
-    EXPECT_EQ(read("id,name,kind,address\n2147483648,A,status,I1\n").findings.size(), 1U);
+    EXPECT_TRUE(readTable("id,name,kind,address\n2147483647,A,status,I1\n").findings.empty());
+    EXPECT_EQ(readTable("id,name,kind,address\n2147483648,A,status,I1\n").findings.size(), 1U);
 }
 
 TEST(PointTableFile, TakesAnySeparatorAndAnyCase) {
@@ -135,7 +123,7 @@ TEST(PointTableFile, TakesAnySeparatorAndAnyCase) {
         for (const char* const mark : {"", "\xEF\xBB\xBF", "sep=;\n"}) {
             if (*mark == 's' && separator != ';')
                 continue;
-            const Table table = read(mark + text);
+            const TableText table = readTable(mark + text);
             EXPECT_THAT(table.findings, IsEmpty()) << separator;
             ASSERT_EQ(table.points.size(), 2U);
             EXPECT_EQ(table.points[0].pulseMs, 500U);
@@ -146,15 +134,15 @@ TEST(PointTableFile, TakesAnySeparatorAndAnyCase) {
 
 // A comma may be part of a name, and more frequent than what separates the cells.
 TEST(PointTableFile, FindsTheSeparatorByTheHeadsOfTheColumns) {
-    const Table table =
-        read("#a,b,c,d,e,f;id;name;kind;address\n;1;Pump, old, red, left, big, loud;status;O1\n");
+    const TableText table =
+        readTable("#a,b,c,d,e,f;id;name;kind;address\n;1;Pump, old, red, left, big, loud;status;O1\n");
     EXPECT_THAT(table.findings, IsEmpty());
     EXPECT_EQ(table.points.at(0).name, "Pump, old, red, left, big, loud");
 }
 
 TEST(PointTableFile, TakesDecimalCommasWhereCommasSeparateNothing) {
-    const Table table =
-        read("id;name;kind;address;value\n1,0;A;status;O1;2,00\n2.0;B;status;O2;\n3;C;status;O3;1,5\n");
+    const TableText table =
+        readTable("id;name;kind;address;value\n1,0;A;status;O1;2,00\n2.0;B;status;O2;\n3;C;status;O3;1,5\n");
     EXPECT_THAT(table.findings,
                 ElementsAre(HasSubstr("p.csv:4:15: error: value \"1.5\" is out of range or no")));
     ASSERT_EQ(table.points.size(), 2U);
@@ -164,24 +152,24 @@ TEST(PointTableFile, TakesDecimalCommasWhereCommasSeparateNothing) {
 
 // It may stand for a thousand.
 TEST(PointTableFile, RefusesANumberWithThreeDecimals) {
-    EXPECT_THAT(read("id;name;kind;address;pulse_ms\n1;A;status;O1;1.000\n").findings,
+    EXPECT_THAT(readTable("id;name;kind;address;pulse_ms\n1;A;status;O1;1.000\n").findings,
                 ElementsAre(HasSubstr("p.csv:2:15: error: pulse_ms \"1.000\" is out of range or no number")));
 }
 
 TEST(PointTableFile, PassesOverCommentsAndEmptyRowsAndNamelessColumns) {
-    const Table table = read("# made by hand, \"today\n,,,,,\n#,id,name,kind,address,\n,,,,,\n"
-                             "\"# first floor, pumps\",,,,,\n1,7,A,status,I1,\n");
+    const TableText table = readTable("# made by hand, \"today\n,,,,,\n#,id,name,kind,address,\n,,,,,\n"
+                                      "\"# first floor, pumps\",,,,,\n1,7,A,status,I1,\n");
     EXPECT_THAT(table.findings, IsEmpty());
     ASSERT_EQ(table.points.size(), 1U);
     EXPECT_EQ(table.points[0].id, 7U);
     EXPECT_EQ(table.points[0].spot.line, 6U);
-    EXPECT_THAT(read("id,name,kind,address,\n1,A,status,I1,x\n").findings,
+    EXPECT_THAT(readTable("id,name,kind,address,\n1,A,status,I1,x\n").findings,
                 ElementsAre(HasSubstr("p.csv:2:15: error: cell in a column without a name")));
 }
 
 TEST(PointTableFile, SaysThatItReadWindows1252) {
-    const Table table = read("id;name;kind;address\n1;Br\xFC"
-                             "cke;status;I1\n");
+    const TableText table = readTable("id;name;kind;address\n1;Br\xFC"
+                                      "cke;status;I1\n");
     EXPECT_THAT(table.findings,
                 ElementsAre("p.csv:2:5: note: read as Windows-1252, because it is not UTF-8"));
     EXPECT_EQ(table.points.at(0).name, "Brücke");
@@ -193,16 +181,16 @@ TEST(PointTableFile, ReadsUtf16) {
         bytes += letter;
         bytes += '\0';
     }
-    const Table table = read(bytes);
+    const TableText table = readTable(bytes);
     EXPECT_THAT(table.findings, IsEmpty());
     EXPECT_EQ(table.points.at(0).name, "A");
 }
 
 TEST(PointTableFile, RefusesControlCharacters) {
-    EXPECT_THAT(read("id,name,kind,address\n1,A\x1B[2J,status,I1\n").findings,
+    EXPECT_THAT(readTable("id,name,kind,address\n1,A\x1B[2J,status,I1\n").findings,
                 ElementsAre(HasSubstr("p.csv:2:3: error: name with control character U+001B: \"A\\x1B[2J\""),
                             HasSubstr("p.csv:2:4: error: control character U+001B")));
-    EXPECT_THAT(read("id,name,kind,address\n1,\"A\nB\",status,I1\n").findings,
+    EXPECT_THAT(readTable("id,name,kind,address\n1,\"A\nB\",status,I1\n").findings,
                 ElementsAre(HasSubstr("p.csv:2:3: error: name with control character U+000A: \"A\\x0AB\"")));
 }
 
@@ -211,11 +199,11 @@ TEST(PointTableFile, TellsAFileThatIsNoTableInOneLine) {
     for (int i = 0; i < 1'000; ++i)
         prose += "Dear colleagues, here are the points; all of them\n";
     EXPECT_THAT(
-        read(prose).findings,
+        readTable(prose).findings,
         ElementsAre(AllOf(HasSubstr("p.csv:1:1: error: no column of a point table in the first row: \"Dear"),
                           HasSubstr("id, name, kind and address are needed"))));
     EXPECT_THAT(
-        read("PK\x03\x04 and more").findings,
+        readTable("PK\x03\x04 and more").findings,
         ElementsAre(HasSubstr("p.csv: error: is a workbook or another packed file, not text; save the "
                               "table as comma-separated values (CSV)")));
 }
@@ -224,7 +212,7 @@ TEST(PointTableFile, ShowsTwentyErrorsAndCountsTheOthers) {
     std::string rows = "id,name,kind,address\n";
     for (int i = 0; i < 100'000; ++i)
         rows += std::to_string(i) + ",P" + std::to_string(i) + ",digital,I1\n";
-    const Table table = read(rows);
+    const TableText table = readTable(rows);
     ASSERT_EQ(table.findings.size(), 21U);
     EXPECT_THAT(table.findings.front(), HasSubstr("p.csv:2:6: error: kind \"digital\""));
     EXPECT_EQ(table.findings.back(),
