@@ -2,6 +2,8 @@
 
 #include "VirtualSlots.h"
 
+#include <PlainDriver.h>
+
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -13,25 +15,6 @@
 namespace {
 
 class PluginFile : public LoadedDriver {};
-
-// A driver with nothing but what every driver must have.
-class PlainDriver : public DriverPluginInterface {
-public:
-    QString driverDescription() override { return {}; }
-    void initialize(HalvexDriverCoreInterface*) override {}
-    QString driverName() override { return {}; }
-    CChannel* createChannel(int) override { return nullptr; }
-    bool isSupportedCommType(int) override { return false; }
-    bool isAvailable() override { return false; }
-    QList<QPair<int, QString>> supportedCommTypes() override { return {}; }
-    QList<DeviceOptionWidgetInterface*> deviceOptionWidgets(int) override { return {}; }
-    void loadTranslator() override {}
-    int driverCode() override { return 0; }
-    QStringList biAddressDescriptions() override { return {}; }
-    QStringList boAddressDescriptions() override { return {}; }
-    QStringList aoAddressDescriptions() override { return {}; }
-    QStringList aiAddressDescriptions() override { return {}; }
-};
 
 // What the object has at a place of its table of operations.
 const void* operationAt(const DriverPluginInterface& object, std::size_t slot) {

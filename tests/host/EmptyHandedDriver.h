@@ -1,25 +1,9 @@
 #pragma once
 
-#include <HalvexAbstractDriver/DriverPluginInterface.h>
+#include <PlainDriver.h>
 
 // A driver plug-in that serves every line type and makes no channel.
-class EmptyHandedDriver final : public DriverPluginInterface {
+class EmptyHandedDriver final : public PlainDriver {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID HALVEX_DRIVER_PLUGIN_IID FILE "EmptyHandedDriver.json")
-
-public:
-    QString driverDescription() override { return {}; }
-    void initialize(HalvexDriverCoreInterface*) override {}
-    QString driverName() override { return {}; }
-    CChannel* createChannel(int) override { return nullptr; }
-    bool isSupportedCommType(int) override { return true; }
-    bool isAvailable() override { return true; }
-    QList<QPair<int, QString>> supportedCommTypes() override { return {}; }
-    QList<DeviceOptionWidgetInterface*> deviceOptionWidgets(int) override { return {}; }
-    void loadTranslator() override {}
-    int driverCode() override { return 0; }
-    QStringList biAddressDescriptions() override { return {}; }
-    QStringList boAddressDescriptions() override { return {}; }
-    QStringList aoAddressDescriptions() override { return {}; }
-    QStringList aiAddressDescriptions() override { return {}; }
 };

@@ -12,20 +12,15 @@ import pty
 import re
 import select
 import shutil
-import socket
 import subprocess
 import sys
 import tempfile
 import time
 import unittest
 
+from udp_port import free_port
+
 PATIENCE = 120  # seconds, which only a failure waits for
-
-
-def free_port():
-    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
 
 
 def udp_site(port, more=""):

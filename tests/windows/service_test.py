@@ -8,12 +8,13 @@ account do everything, and starts no service again that has failed.
 import os
 import pathlib
 import re
-import socket
 import subprocess
 import sys
 import tempfile
 import time
 import unittest
+
+from udp_port import free_port
 
 PATIENCE = 180  # seconds, which only a failure waits for
 EMULATOR, BIN = [], pathlib.Path()
@@ -44,12 +45,6 @@ kind = "status"
 address = "O32"
 pulse_ms = 600000
 """
-
-
-def free_port():
-    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
 
 
 def word(argument):
