@@ -26,20 +26,19 @@ std::optional<Fault> faultOf(const Channel& channel, const LinkEnd& end, const R
     if (std::optional<Obstacle> obstacle = obstacleTo(cost, end, rtu.timeout))
         return Fault{Severity::Error, telegram, cost.bytes(), std::move(*obstacle)};
     const auto expected = expectedAnswerOf(channel);
-    const double milliseconds = byteTimeOf(end, cost.bytes()) + static_cast<double>(expected.count());
-    if (milliseconds <= static_cast<double>(rtu.timeout.count()) / 2)
+    const double lineTime = byteTimeOf(end, cost.bytes()) + static_cast<double>(expected.count());
+    if (lineTime <= static_cast<double>(rtu.timeout.count()) / 2)
         return std::nullopt;
-    std::string what = "takes " + lineTimeText(milliseconds);
+    std::string what = "takes " + lineTimeText(lineTime);
     if (const SerialEnd* const serial = std::get_if<SerialEnd>(&end))
         what += " at " + std::to_string(serial->baud) + " baud";
     if (expected.count() > 0)
         what += ", " + std::to_string(expected.count()) + " ms of them the controller's";
     what += ", more than half of the time-out of " + std::to_string(rtu.timeout.count()) + " ms";
-    return Fault{
-        Severity::Warning,
-        telegram,
-        cost.bytes(),
-        {what, "a slow answer comes too late: raise the time-out to " + ampleTimeoutText(milliseconds)}};
+    return Fault{Severity::Warning,
+                 telegram,
+                 cost.bytes(),
+                 {what, "a slow answer comes too late: raise the time-out to " + ampleTimeoutText(lineTime)}};
 }
 
 std::string telegramText(const ReadTelegram& telegram) {
