@@ -1,5 +1,6 @@
 #include "CheckCommand.h"
 
+#include "GatewayServices.h"
 #include "plan/Forecast.h"
 #include "plan/LineChecks.h"
 #include "services/control/ControlGroup.h"
@@ -11,6 +12,7 @@ namespace host {
 ExitStatus checkSiteFile(const std::string& path) {
     LoadedSite loaded = loadCheckedSite(path);
     checkControlGroup(loaded.site, loaded.findings);
+    checkGatewayServices(loaded.site, loaded.findings);
     for (const Finding& finding : loaded.findings.all())
         std::cerr << toText(finding) << '\n';
     if (loaded.findings.hasErrors())

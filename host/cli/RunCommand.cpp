@@ -1,5 +1,6 @@
 #include "RunCommand.h"
 
+#include "GatewayServices.h"
 #include "OutputWatch.h"
 #include "RunServices.h"
 #include "commands/CommandDispatcher.h"
@@ -184,6 +185,7 @@ ExitStatus runSite(const RunOptions& options) {
     LoadedSite loaded = loadCheckedSite(options.sitePath);
     if (options.takesControl)
         checkControlGroup(loaded.site, loaded.findings);
+    checkGatewayServices(loaded.site, loaded.findings);
     for (const Finding& finding : loaded.findings.all())
         std::cerr << journal::mark(finding.severity) << toText(finding) << '\n';
     if (loaded.findings.hasErrors())

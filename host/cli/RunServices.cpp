@@ -1,5 +1,6 @@
 #include "RunServices.h"
 
+#include "GatewayServices.h"
 #include "commands/CommandDispatcher.h"
 #include "runtime/StartThread.h"
 #include "services/capture/CaptureService.h"
@@ -52,6 +53,8 @@ RunServices::RunServices(const RunOptions& options, OutputFormat format, const H
     services.push_back(std::move(shown));
     if (options.capture)
         services.push_back(std::make_unique<CaptureService>(*options.capture));
+    for (std::unique_ptr<Service>& service : makeGatewayServices(host.site))
+        services.push_back(std::move(service));
     if (std::optional<Supervisor> supervisor = findSupervisor()) {
         auto link = std::make_unique<SupervisorLink>(std::move(*supervisor));
         supervisorLink = link.get();

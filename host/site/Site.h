@@ -109,6 +109,7 @@ struct ControlSettings {
 
 struct Site {
     std::vector<Channel> channels;
+    std::string name = {}; // in topics and labels; the site file's, without its ending, where it gives none
     ControlSettings control = {};
 };
 

@@ -18,6 +18,7 @@ namespace {
 
 const std::string idRemedy = "give a whole number above 0";
 const std::string nameRemedy = "write a name in quotes";
+const std::string siteNameRemedy = "write a name in quotes, without \"/\", \"+\" and \"#\"";
 const std::string typeRemedy = "write \"SBus-Ethernet\" or \"SBus-Serial\"";
 constexpr int highestId = 0x7FFF'FFFF;
 
@@ -60,9 +61,21 @@ private:
         table.need("channel", "describe each line in a [[channel]] table");
         for (const toml::table* const one : table.tables("channel"))
             readChannel(*one);
+        loaded.site.name = readSiteName(table);
         loaded.site.control = readControlTable(table, file, loaded.findings);
         table.rejectUnknownKeys();
         checkSite(loaded.site, loaded.findings);
+    }
+
+    // It becomes one level of an MQTT topic, in which these characters have a meaning.
+    std::string readSiteName(TomlTable& table) {
+        const std::optional<Field> field = table.text("site", siteNameRemedy);
+        if (!field)
+            return std::filesystem::u8path(file).stem().u8string();
+        if (field->text.find_first_of("/+#") != std::string::npos)
+            loaded.findings.error(field->place, "site \"" + field->text + "\" is no name for a site",
+                                  siteNameRemedy);
+        return field->text;
     }
 
     void readChannel(const toml::table& source) {

@@ -376,3 +376,16 @@ TEST(SiteFile, TellsAFileThatIsNotThere) {
     const LoadedSite loaded = host::loadSite("no/such/site.toml");
     EXPECT_THAT(findings(loaded), ElementsAre(HasSubstr("no/such/site.toml: error: is not there")));
 }
+
+TEST(SiteFile, NamesTheSiteOrIsItsName) {
+    EXPECT_EQ(read("site = \"north\"\n" + ethernet).site.name, "north");
+    EXPECT_EQ(read(ethernet).site.name, "site");
+}
+
+TEST(SiteFile, TellsANameThatIsNoLevelOfATopic) {
+    for (const char* const name : {"a/b", "a+", "#"})
+        EXPECT_THAT(findings("site = \"" + std::string(name) + "\"\n" + ethernet),
+                    ElementsAre("sites/site.toml:1:8: error: site \"" + std::string(name) +
+                                "\" is no name for a site; write a name in quotes, without \"/\", \"+\" and "
+                                "\"#\""));
+}

@@ -84,7 +84,7 @@ def check_simulator(program, page):
 
 
 def check_site(page, document):
-    described = {tag[3:] for heading, lines in sections_of(page).items() if heading.startswith("[")
+    described = {tag[3:] for heading, lines in sections_of(page).items() if heading.startswith(("[", "The site"))
                  for tag in tags_in(lines)}
     with open(document, encoding="utf-8") as file:
         text = file.read()

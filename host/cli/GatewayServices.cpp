@@ -1,0 +1,11 @@
+#include "GatewayServices.h"
+
+namespace host {
+
+GatewayServices makeGatewayServices(const Site&) {
+    return {};
+}
+
+void checkGatewayServices(const Site&, Findings&) {}
+
+} // namespace host
