@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <fcntl.h>
+#include <optional>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -18,8 +19,6 @@
 #include <unistd.h>
 
 namespace {
-
-constexpr int patienceMs = 60'000;
 
 // The process may open so many descriptors and no more, until this ends.
 class LowDescriptorLimit {
@@ -53,66 +52,79 @@ int connectTo(int socket, const std::string& path) {
     return connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
 }
 
-} // namespace
+// A server, and a client that has its own descriptor already, in a process that has no other one left.
+class ServerWithoutDescriptors : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(server.start(doorAt(path, 100)), "");
+        low.emplace(256);
+        client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        ASSERT_GE(client, 0);
+        used = useUpDescriptors();
+        ASSERT_FALSE(used.empty());
+    }
 
-TEST(ServerWithoutDescriptors, ListensAgainOnceThereAreSome) {
+    void TearDown() override {
+        giveBack(used.size());
+        close(client);
+    }
+
+    void giveBack(std::size_t count) {
+        for (; count > 0; --count) {
+            close(used.back());
+            used.pop_back();
+        }
+    }
+
+    // The system accepts the connection, whether the server can or not.
+    void ask() const {
+        constexpr char request[] = "{\"do\":\"status\"}\n";
+        ASSERT_EQ(connectTo(client, path), 0);
+        ASSERT_EQ(write(client, request, sizeof request - 1), static_cast<ssize_t>(sizeof request - 1));
+    }
+
+    // Empty when nothing comes within that time.
+    std::string replyWithin(timeval patience) const {
+        std::string reply(100, ' ');
+        setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+        const ssize_t size = read(client, reply.data(), reply.size());
+        reply.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+        return reply;
+    }
+
+private:
     const QTemporaryDir folder;
     const std::string path = folder.filePath(QStringLiteral("control.sock")).toStdString();
     const host::Site site = controlSite();
-    FakeHost fake(site);
-    host::ControlServer server(fake, fake.store);
-    ASSERT_EQ(server.start(doorAt(path, 100)), "");
+    FakeHost fake{site};
+    host::ControlServer server{fake, fake.store};
+    std::optional<LowDescriptorLimit> low;
+    int client = -1;
 
-    const LowDescriptorLimit low(256);
-    const int client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_GE(client, 0);
-    const std::vector<int> used = useUpDescriptors();
-    ASSERT_FALSE(used.empty());
-    ASSERT_EQ(connectTo(client, path), 0); // the system accepts it, the server cannot
-    constexpr char request[] = "{\"do\":\"status\"}\n";
-    ASSERT_EQ(write(client, request, sizeof request - 1), static_cast<ssize_t>(sizeof request - 1));
-    const timeval shortWhile{0, 200'000};
-    setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &shortWhile, sizeof shortWhile);
-    char byte = 0;
-    EXPECT_LT(read(client, &byte, 1), 0);
-    for (const int one : used)
-        close(one);
-    const timeval patience{patienceMs / 1'000, 0};
-    setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    EXPECT_EQ(read(client, &byte, 1), 1); // who has waited is served
-    close(client);
+protected:
+    std::vector<int> used;
+};
+
+constexpr timeval patience{60, 0};
+constexpr timeval shortWhile{0, 200'000};
+
+} // namespace
+
+TEST_F(ServerWithoutDescriptors, ListensAgainOnceThereAreSome) {
+    ask();
+    EXPECT_EQ(replyWithin(shortWhile), "");
+    giveBack(used.size());
+    EXPECT_THAT(replyWithin(patience), testing::StartsWith("{\"channels\"")); // who has waited is served
 }
 
 // Nobody makes room for a client that is not there.
-TEST(ServerWithoutDescriptors, KeepsTheClientThatTookTheLastOne) {
-    const QTemporaryDir folder;
-    const std::string path = folder.filePath(QStringLiteral("control.sock")).toStdString();
-    const host::Site site = controlSite();
-    FakeHost fake(site);
-    host::ControlServer server(fake, fake.store);
-    ASSERT_EQ(server.start(doorAt(path, 100)), "");
-
-    const LowDescriptorLimit low(256);
-    const int client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_GE(client, 0);
-    std::vector<int> used = useUpDescriptors();
-    ASSERT_FALSE(used.empty());
-    close(used.back());
-    used.pop_back();
-    ASSERT_EQ(connectTo(client, path), 0);
-    const timeval patience{patienceMs / 1'000, 0};
-    setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    constexpr char request[] = "{\"do\":\"status\"}\n";
-    ASSERT_EQ(write(client, request, sizeof request - 1), static_cast<ssize_t>(sizeof request - 1));
-    std::string reply(100, ' ');
-    EXPECT_GT(read(client, reply.data(), reply.size()), 0);
-    EXPECT_THAT(reply, testing::StartsWith("{\"channels\""));
-    for (const int one : used)
-        close(one);
-    close(client);
+TEST_F(ServerWithoutDescriptors, KeepsTheClientThatTookTheLastOne) {
+    giveBack(1);
+    ask();
+    EXPECT_THAT(replyWithin(patience), testing::StartsWith("{\"channels\""));
 }
 
-TEST(ServerWithoutDescriptors, SaysSo) {
+TEST(ListeningSocketWithoutDescriptors, SaysSo) {
     const QTemporaryDir folder;
     host::ListeningSocket socket([](QLocalSocket*) {}, [] { return false; }, nullptr);
     const LowDescriptorLimit low(256);
