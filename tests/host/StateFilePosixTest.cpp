@@ -1,4 +1,4 @@
-#include "services/pulses/StateFile.h"
+#include "services/StateFile.h"
 
 #include <QFile>
 #include <QTemporaryDir>

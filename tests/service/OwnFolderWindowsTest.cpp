@@ -1,5 +1,5 @@
 #include "runtime/OwnFolderWindows.h"
-#include "services/pulses/StateFile.h"
+#include "services/StateFile.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,8 +1,6 @@
 #include "PulseMemory.h"
 
-#include <QCryptographicHash>
-#include <QDir>
-#include <QFileInfo>
+#include "services/StateDirectory.h"
 
 #include <utility>
 
@@ -10,39 +8,16 @@ namespace host {
 
 namespace {
 
-constexpr int hashDigits = 24; // 96 bits: no two sites of one user meet by chance
-
-std::string realPath(const std::string& path) {
-    const QFileInfo file(QString::fromStdString(path));
-    return (file.exists() ? file.canonicalFilePath() : file.absoluteFilePath()).toStdString();
-}
-
-std::string fileName(const std::string& sitePath) {
-    const QByteArray hash =
-        QCryptographicHash::hash(QByteArray::fromStdString(sitePath), QCryptographicHash::Sha256).toHex();
-    return "pulses-" + hash.left(hashDigits).toStdString() + ".json";
-}
-
-// Empty when the user has none.
-std::string usualDirectory() {
-    for (const auto& [variable, below] : {std::pair{"XDG_STATE_HOME", ""}, std::pair{"LOCALAPPDATA", ""},
-                                          std::pair{"HOME", "/.local/state"}}) {
-        const QString directory = qEnvironmentVariable(variable);
-        if (!directory.isEmpty() && QDir::isAbsolutePath(directory))
-            return directory.toStdString() + below;
-    }
-    return {};
-}
-
 std::unique_ptr<StateFile> makeFile(const std::string& directory, const std::string& sitePath) {
-    const std::string base = directory.empty() ? usualDirectory() : directory;
-    return base.empty() ? nullptr : std::make_unique<StateFile>(base, fileName(sitePath));
+    const std::string base = stateDirectory(directory);
+    return base.empty() ? nullptr
+                        : std::make_unique<StateFile>(base, stateFileName("pulses", sitePath, ".json"));
 }
 
 } // namespace
 
 PulseMemory::PulseMemory(const std::string& directory, const std::string& siteFile)
-    : sitePath(realPath(siteFile)), file(makeFile(directory, sitePath)) {}
+    : sitePath(realSitePath(siteFile)), file(makeFile(directory, sitePath)) {}
 
 std::string PulseMemory::open() {
     const std::string fault = file ? file->open() : "this user has no directory for state files";

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "PulseState.h"
-#include "StateFile.h"
+#include "services/StateFile.h"
 
 #include <memory>
 #include <string>
