@@ -1,11 +1,54 @@
 #include "GatewayServices.h"
 
+#include "runtime/Secret.h"
+
+#ifdef SBUS_WITH_MQTT
+#include "services/mqtt/MqttService.h"
+#endif
+
 namespace host {
 
-GatewayServices makeGatewayServices(const Site&) {
-    return {};
+namespace {
+
+[[maybe_unused]] void checkSecret(const std::optional<SecretSource>& source, Findings& findings) {
+    if (!source)
+        return;
+    if (const Secret secret = readSecret(*source); !secret.text)
+        findings.error(source->place, "there is no password: " + secret.fault, {});
 }
 
-void checkGatewayServices(const Site&, Findings&) {}
+[[maybe_unused]] void tellMissing(const std::string& table, const Place& place, Findings& findings) {
+    findings.error(place, "this sbus-host was built without [" + table + "]",
+                   "take the table out, or a program that was built with it");
+}
+
+void checkMqtt(const MqttSettings& settings, Findings& findings) {
+#ifdef SBUS_WITH_MQTT
+    checkSecret(settings.password, findings);
+    if (const std::string fault = findSecretFileFault(settings.keyFile);
+        !settings.keyFile.empty() && !fault.empty())
+        findings.error(settings.place, "key_file: " + fault, {});
+#else
+    tellMissing("mqtt", settings.place, findings);
+#endif
+}
+
+} // namespace
+
+GatewayServices makeGatewayServices([[maybe_unused]] const Site& site,
+                                    [[maybe_unused]] const GatewayPlaces& places) {
+    GatewayServices services;
+#ifdef SBUS_WITH_MQTT
+    if (site.mqtt)
+        services.push_back(std::make_unique<MqttService>(*site.mqtt, places.stateDirectory, places.sitePath));
+#endif
+    return services;
+}
+
+void checkGatewayServices(const Site& site, Findings& findings) {
+    if (site.mqtt)
+        checkMqtt(*site.mqtt, findings);
+    findings.finish();
+}
 
 } // namespace host

@@ -5,6 +5,7 @@
 #include "site/Site.h"
 
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace host {
@@ -13,8 +14,14 @@ namespace host {
 // (SBUS_WITH_...), with a library that nothing else needs; this is the one place that knows which are.
 using GatewayServices = std::vector<std::unique_ptr<Service>>;
 
+// What they take from the command line.
+struct GatewayPlaces {
+    std::string sitePath;
+    std::string stateDirectory; // of what outlives the process; empty: the user's usual one
+};
+
 // Those of the site's tables. None is started.
-GatewayServices makeGatewayServices(const Site& site);
+GatewayServices makeGatewayServices(const Site& site, const GatewayPlaces& places);
 
 // Tells an error for each table whose service this program was built without, and what else can be said of
 // the tables only here: a secret that cannot be read.

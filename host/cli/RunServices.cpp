@@ -53,7 +53,8 @@ RunServices::RunServices(const RunOptions& options, OutputFormat format, const H
     services.push_back(std::move(shown));
     if (options.capture)
         services.push_back(std::make_unique<CaptureService>(*options.capture));
-    for (std::unique_ptr<Service>& service : makeGatewayServices(host.site))
+    for (std::unique_ptr<Service>& service :
+         makeGatewayServices(host.site, {options.sitePath, options.stateDirectory}))
         services.push_back(std::move(service));
     if (std::optional<Supervisor> supervisor = findSupervisor()) {
         auto link = std::make_unique<SupervisorLink>(std::move(*supervisor));

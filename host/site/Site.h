@@ -4,6 +4,7 @@
 #include "Engineering.h"
 #include "Finding.h"
 #include "LinkUrl.h"
+#include "MqttSettings.h"
 
 #include <chrono>
 #include <cstdint>
@@ -111,6 +112,7 @@ struct Site {
     std::vector<Channel> channels;
     std::string name = {}; // in topics and labels; the site file's, without its ending, where it gives none
     ControlSettings control = {};
+    std::optional<MqttSettings> mqtt = {};
 };
 
 bool hasPoints(const Rtu& rtu, PointKind kind);
