@@ -287,23 +287,51 @@ TEST(MqttBroker, HasWhatAHostLeftBehindThatEndedWhileItWasAway) {
     EXPECT_TRUE(subscriber.hasHeard(QStringLiteral("LEVEL {\"value\":2,")));
 }
 
-TEST(MqttBroker, PublishesTheLastWillOfAHostThatWasKilled) {
+// The program, on a line on which nobody answers.
+class MqttProgram : public testing::Test {
+protected:
+    void TearDown() override {
+        program.kill();
+        program.waitForFinished();
+    }
+    void start(const QByteArray& more) {
+        const QString site = broker.path(QStringLiteral("north.toml"));
+        writeSecret(site,
+                    "[[channel]]\nid = 1\nname = \"line\"\ntype = \"SBus-Ethernet\"\n"
+                    "primary = \"udp://127.0.0.1:9\"\n"
+                    "[[channel.rtu]]\nid = 1\nname = \"pump\"\nstation = 5\ntimeout = \"100ms\"\n"
+                    "[[channel.rtu.point]]\nid = 1\nname = \"RUN\"\nkind = \"status\"\naddress = \"O1\"\n"
+                    "[mqtt]\nurl = \"" +
+                        QByteArray::fromStdString(broker.url()) + "\"\n" + more);
+        program.start(QStringLiteral(HOST_PROGRAM),
+                      {QStringLiteral("run"), site, QStringLiteral("--no-control"),
+                       QStringLiteral("--state-dir"), broker.path(QStringLiteral("state"))});
+        ASSERT_TRUE(program.waitForStarted());
+        EXPECT_TRUE(subscriber.hasHeard(QStringLiteral("sbus/north/$state {\"state\":\"online\"")));
+    }
+
     Broker broker;
-    broker.start();
-    const QString site = broker.path(QStringLiteral("north.toml"));
-    writeSecret(site, "[[channel]]\nid = 1\ntype = \"SBus-Ethernet\"\nprimary = \"udp://127.0.0.1:9\"\n"
-                      "[[channel.rtu]]\nid = 1\nstation = 5\n"
-                      "[[channel.rtu.point]]\nid = 1\nname = \"RUN\"\nkind = \"status\"\naddress = \"O1\"\n"
-                      "[mqtt]\nurl = \"" +
-                          QByteArray::fromStdString(broker.url()) + "\"\n");
-    Subscriber subscriber(broker, {QStringLiteral("-t"), QStringLiteral("sbus/#")});
     QProcess program;
-    program.start(QStringLiteral(HOST_PROGRAM),
-                  {QStringLiteral("run"), site, QStringLiteral("--no-control"), QStringLiteral("--state-dir"),
-                   broker.path(QStringLiteral("state"))});
-    ASSERT_TRUE(program.waitForStarted());
-    EXPECT_TRUE(subscriber.hasHeard(QStringLiteral("sbus/north/$state {\"state\":\"online\"")));
+    Subscriber subscriber{started(broker), {QStringLiteral("-t"), QStringLiteral("sbus/#")}};
+
+private:
+    static const Broker& started(Broker& one) {
+        one.start();
+        return one;
+    }
+};
+
+TEST_F(MqttProgram, IsSaidByItsLastWillToBeGoneWhenItWasKilled) {
+    start({});
     program.kill();
-    program.waitForFinished();
     EXPECT_TRUE(subscriber.hasHeard(QStringLiteral("sbus/north/$state {\"state\":\"offline\"}")));
+}
+
+TEST_F(MqttProgram, TellsHowACommandHasEnded) {
+    start("commands = true\n");
+    ASSERT_TRUE(eventually([&] {
+        return publish(broker, {QStringLiteral("-t"), QStringLiteral("sbus/north/line/pump/RUN/set"),
+                                QStringLiteral("-m"), QStringLiteral("{\"id\":7,\"value\":1}")}) &&
+               !subscriber.lines().filter(QStringLiteral("RUN/set/result {\"id\":7,\"ok\":false")).isEmpty();
+    }));
 }

@@ -44,7 +44,7 @@ struct CommandResult {
 };
 
 // What a message that came is about.
-struct Reading {
+struct MessageMeaning {
     std::vector<CommandRequest> commands;
     bool wantsBirth = false;  // everything is to be said anew
     bool endsSession = false; // the connection is to be ended in order and made anew
@@ -79,7 +79,7 @@ public:
     // Makes a message of the first changes of those given, one or more. Returns of how many.
     virtual std::size_t tellChanges(const ToldChange* changes, std::size_t count, MqttMessage& into) = 0;
 
-    virtual Reading read(const MqttMessage& message) = 0;
+    virtual MessageMeaning read(const MqttMessage& message) = 0;
     // Nothing where results have no place.
     virtual std::optional<MqttMessage> result(const CommandRequest& request, const CommandResult& result) = 0;
 };

@@ -130,12 +130,12 @@ void MqttSession::handle(const BrokerEvents& events) {
 void MqttSession::handleMessage(const MqttMessage& message) {
     if (!client || isEnding)
         return;
-    const Reading reading = layout.read(message);
-    for (const CommandRequest& request : reading.commands)
+    const MessageMeaning meaning = layout.read(message);
+    for (const CommandRequest& request : meaning.commands)
         desk.take(request, Clock::now());
-    if (reading.wantsBirth)
+    if (meaning.wantsBirth)
         publishAll(layout.birth(nowMs()));
-    if (!reading.endsSession)
+    if (!meaning.endsSession)
         return;
     publishAll(layout.death(nowMs()));
     client->disconnect();

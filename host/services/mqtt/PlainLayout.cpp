@@ -106,12 +106,12 @@ std::size_t PlainLayout::tellChanges(const ToldChange* changes, std::size_t, Mqt
     return 1;
 }
 
-Reading PlainLayout::read(const MqttMessage& message) {
-    Reading reading;
+MessageMeaning PlainLayout::read(const MqttMessage& message) {
+    MessageMeaning meaning;
     if (settings.takesCommands)
         if (std::optional<CommandRequest> request = readSetMessage(message, siteTopics, table))
-            reading.commands.push_back(std::move(*request));
-    return reading;
+            meaning.commands.push_back(std::move(*request));
+    return meaning;
 }
 
 std::optional<MqttMessage> PlainLayout::result(const CommandRequest& request, const CommandResult& result) {

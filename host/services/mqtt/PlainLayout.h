@@ -33,7 +33,7 @@ public:
     void tellRtu(const PointTable::Block& block, RtuCondition condition, qint64 nowMs,
                  std::vector<MqttMessage>& into) override;
     std::size_t tellChanges(const ToldChange* changes, std::size_t count, MqttMessage& into) override;
-    Reading read(const MqttMessage& message) override;
+    MessageMeaning read(const MqttMessage& message) override;
     std::optional<MqttMessage> result(const CommandRequest& request, const CommandResult& result) override;
 
 protected:
