@@ -24,16 +24,17 @@ std::string toText(const BrokerUrl& url);
 std::optional<BrokerUrl> parseBrokerUrl(const std::string& text);
 
 // How values become topics and payloads.
-enum class MqttLayout { Plain, Batch };
+enum class MqttLayout { Plain, Batch, Sparkplug };
 enum class MqttVersion { V311, V5 };
 
 // The table [mqtt] of a site file.
 struct MqttSettings {
     BrokerUrl broker;
-    std::string prefix = "sbus"; // one or more levels of a topic
+    std::string prefix = "sbus"; // one or more levels of a topic; in Sparkplug the group, which is one
     MqttLayout layout = MqttLayout::Plain;
     MqttVersion version = MqttVersion::V5;
-    std::string user; // empty: none
+    std::string primaryHost; // in Sparkplug, who is waited for; empty: nobody
+    std::string user;        // empty: none
     std::optional<SecretSource> password;
     std::string caFile;      // empty: the authorities that the system trusts
     std::string certificate; // of this client, with keyFile; both empty: none

@@ -13,7 +13,8 @@ const std::string urlRemedy = "give the broker, such as \"mqtt://127.0.0.1:1883\
                               "\"mqtts://broker.plant:8883\"";
 const std::string prefixRemedy =
     "write one or more levels of a topic, such as \"sbus\" or \"plant/north\", without + and #";
-const std::string layoutRemedy = "write \"plain\" or \"batch\"";
+const std::string layoutRemedy = "write \"plain\", \"batch\" or \"sparkplug\"";
+const std::string hostRemedy = "write the id under which the host tells its state, without +, # and /";
 const std::string versionRemedy = "write \"5\" or \"3.1.1\"";
 const std::string textRemedy = "write a text in quotes";
 const std::string fileRemedy =
@@ -40,6 +41,7 @@ public:
         readUrl();
         readPrefix();
         readChoices();
+        readSparkplug();
         readIdentity();
         readNumbers();
         settings.takesCommands = table.flag("commands").value_or(false);
@@ -71,8 +73,10 @@ private:
 
     void readChoices() {
         if (const std::optional<Field> layout = table.text("layout", layoutRemedy)) {
-            settings.layout = layout->text == "batch" ? MqttLayout::Batch : MqttLayout::Plain;
-            if (layout->text != "batch" && layout->text != "plain")
+            settings.layout = layout->text == "batch"       ? MqttLayout::Batch
+                              : layout->text == "sparkplug" ? MqttLayout::Sparkplug
+                                                            : MqttLayout::Plain;
+            if (settings.layout == MqttLayout::Plain && layout->text != "plain")
                 findings.error(layout->place, "layout \"" + layout->text + "\" is not known", layoutRemedy);
         }
         if (const std::optional<Field> version = table.text("version", versionRemedy)) {
@@ -81,6 +85,24 @@ private:
                 findings.error(version->place, "version \"" + version->text + "\" is not known",
                                versionRemedy);
         }
+    }
+
+    void readSparkplug() {
+        const bool isSparkplug = settings.layout == MqttLayout::Sparkplug;
+        if (isSparkplug && settings.prefix.find('/') != std::string::npos)
+            findings.error(table.placeOf("prefix"),
+                           "prefix \"" + settings.prefix + "\" is no name for a group of Sparkplug",
+                           "write one level of a topic, such as \"plant\"");
+        const std::optional<Field> primary = table.text("primary_host", hostRemedy);
+        if (!primary)
+            return;
+        settings.primaryHost = primary->text;
+        if (!isSparkplug)
+            findings.error(primary->place, "primary_host without Sparkplug",
+                           "write layout = \"sparkplug\", or leave primary_host out");
+        if (primary->text.find_first_of("+#/") != std::string::npos)
+            findings.error(primary->place, "primary_host \"" + primary->text + "\" is no id of a host",
+                           hostRemedy);
     }
 
     std::string readPath(const std::string& key) {

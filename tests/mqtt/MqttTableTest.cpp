@@ -71,6 +71,17 @@ TEST(MqttTable, TellsWhatIsWrong) {
         EXPECT_FALSE(findings("url = \"mqtt://127.0.0.1\"\n" + std::string(wrong) + "\n").empty()) << wrong;
 }
 
+TEST(MqttTable, KnowsSparkplugAndWhoIsWaitedFor) {
+    const std::string sparkplug = "url = \"mqtt://127.0.0.1\"\nlayout = \"sparkplug\"\n";
+    EXPECT_THAT(findings(sparkplug + "prefix = \"plant\"\nprimary_host = \"scada\"\n"), IsEmpty());
+    EXPECT_THAT(findings(sparkplug + "prefix = \"plant/north\"\n"),
+                ElementsAre(HasSubstr("is no name for a group of Sparkplug")));
+    EXPECT_THAT(findings(sparkplug + "primary_host = \"a/b\"\n"),
+                ElementsAre(HasSubstr("is no id of a host")));
+    EXPECT_THAT(findings("url = \"mqtt://127.0.0.1\"\nprimary_host = \"scada\"\n"),
+                ElementsAre(HasSubstr("primary_host without Sparkplug")));
+}
+
 TEST(MqttTable, WarnsOfAPasswordThatOthersCanRead) {
     const std::string user = "user = \"g\"\npassword_env = \"P\"\n";
     EXPECT_THAT(findings("url = \"mqtt://10.0.0.1\"\n" + user),

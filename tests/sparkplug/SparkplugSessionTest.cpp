@@ -63,6 +63,15 @@ std::vector<std::string> kinds(const SparkplugMessages& messages) {
     return all;
 }
 
+// Two living devices, behind what was kept.
+void bearAll(EdgeNode& node) {
+    node.session.deviceReturned(0, now);
+    node.session.deviceReturned(1, now);
+    node.session.beginConnection(now);
+    node.session.connected(now); // 0 to 2
+    EXPECT_THAT(node.session.caughtUp(now), IsEmpty());
+}
+
 std::string orderFor(const SparkplugMetric& metric) {
     return encodeSparkplug({now, std::nullopt, {metric}});
 }
@@ -149,7 +158,7 @@ TEST(SparkplugSession, SendsNothingWhileItIsNotBorn) {
     EXPECT_THAT(node.session.deviceDied(0, now), IsEmpty());
     EXPECT_THAT(node.session.deviceReturned(0, now), IsEmpty());
     EXPECT_THAT(node.session.rebirth(now), IsEmpty());
-    EXPECT_THAT(node.session.deaths(now), IsEmpty());
+    EXPECT_THAT(node.session.caughtUp(now), IsEmpty());
 }
 
 TEST(SparkplugSession, TellsEachMetricsQualityAtARebirth) {
@@ -163,7 +172,7 @@ TEST(SparkplugSession, TellsEachMetricsQualityAtARebirth) {
     ASSERT_GE(messages.size(), 2U);
     EXPECT_EQ(shown(messages[0]),
               "NBIRTH/north 0 bdSeq=42 Node Control/Rebirth=off"); // the connection is the same
-    EXPECT_EQ(shown(messages[1]), "DBIRTH/north/waterworks.pumps 1 RUN=on STARTS=5 LEVEL=null");
+    EXPECT_EQ(shown(messages[1]), "DBIRTH/north/waterworks.pumps 1 RUN=on STARTS=null LEVEL=null");
 }
 
 TEST(SparkplugSession, WaitsForThePrimaryHost) {
@@ -216,26 +225,23 @@ TEST(SparkplugSession, DoesNotTakeOtherTextsForAHost) {
 
 TEST(SparkplugSession, SaysThatADeviceHasDiedAndThatItIsBack) {
     EdgeNode node;
-    node.session.beginConnection(now);
-    node.session.connected(now);
+    bearAll(node);
     node.session.data({node.change(3, 1)}, false, now); // 3
     EXPECT_THAT(shown(node.session.deviceDied(1, now)), ElementsAre("DDEATH/north/waterworks.well 4"));
     EXPECT_THAT(node.session.deviceDied(1, now), IsEmpty());
     EXPECT_THAT(node.session.data({node.change(3, 0, PointQuality::Bad)}, false, now), IsEmpty());
     EXPECT_THAT(shown(node.session.deviceReturned(1, now)),
-                ElementsAre("DBIRTH/north/waterworks.well 5 FLOW=1.000000"));
+                ElementsAre("DBIRTH/north/waterworks.well 5 FLOW=null")); // it has not been read since
     EXPECT_THAT(node.session.deviceReturned(1, now), IsEmpty());
 }
 
 TEST(SparkplugSession, TakesADeviceThatBringsAGoodValueForAlive) {
     EdgeNode node;
-    node.session.beginConnection(now);
-    node.session.connected(now);
+    bearAll(node);
     node.session.deviceDied(1, now);
     EXPECT_THAT(shown(node.session.data({node.change(3, 7)}, false, now)),
                 ElementsAre("DBIRTH/north/waterworks.well 4 FLOW=7.000000"));
-    EXPECT_THAT(kinds(node.session.deaths(now)),
-                ElementsAre("DDEATH")); // of the other one, which brought none
+    EXPECT_THAT(node.session.caughtUp(now), IsEmpty());
 }
 
 // What was kept of a device goes out before it is said to be dead.
@@ -245,9 +251,10 @@ TEST(SparkplugSession, BearsDeadDevicesForWhatWasKeptOfThem) {
     node.session.deviceReturned(0, now);
     node.session.beginConnection(now);
     EXPECT_THAT(kinds(node.session.connected(now)), ElementsAre("NBIRTH", "DBIRTH", "DBIRTH"));
+    EXPECT_THAT(node.session.deviceDied(1, now), IsEmpty());
     EXPECT_THAT(kinds(node.session.data({node.change(3, 7)}, true, now)), ElementsAre("DDATA"));
-    EXPECT_THAT(shown(node.session.deaths(now)), ElementsAre("DDEATH/north/waterworks.well 4"));
-    EXPECT_THAT(node.session.deaths(now), IsEmpty());
+    EXPECT_THAT(shown(node.session.caughtUp(now)), ElementsAre("DDEATH/north/waterworks.well 4"));
+    EXPECT_THAT(node.session.caughtUp(now), IsEmpty());
 }
 
 TEST(SparkplugSession, TakesARebirthForOneOnlyWhenItIsAskedFor) {

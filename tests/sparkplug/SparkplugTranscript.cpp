@@ -41,8 +41,9 @@ void playDay() {
     connect(node);
     show("message", node.session.data({node.change(1, 1)}, false, now)); // nobody is there yet
     hostIs(node, true, 1000);
-    show("message", node.session.deaths(now));
+    show("message", node.session.caughtUp(now));
     show("message", node.session.deviceReturned(0, now));
+    show("message", node.session.deviceReturned(1, now));
     show("message", node.session.data({node.change(0, 1), node.change(1, -70'000), node.change(2, 385),
                                        node.change(3, 1.5)},
                                       false, now));
@@ -59,7 +60,7 @@ void playDay() {
     connect(node);
     hostIs(node, true, 2000);
     show("message", node.session.data(kept, true, now));
-    show("message", node.session.deaths(now));
+    show("message", node.session.caughtUp(now));
     show("message", {node.session.death(now)});
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Layout.h"
 #include "MqttMessage.h"
 
 #include <chrono>
@@ -39,7 +40,7 @@ public:
     virtual std::string connect(const MqttMessage& will) = 0;
     // Exchanges what is to be exchanged for so long.
     virtual void exchange(std::chrono::milliseconds time, BrokerEvents& events) = 0;
-    virtual void subscribe(const std::string& filter) = 0;
+    virtual void subscribe(const Subscription& subscription) = 0;
     virtual Publication publish(const MqttMessage& message) = 0;
     // Ends the connection in order: the will is not published.
     virtual void disconnect() = 0;

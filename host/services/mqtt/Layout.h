@@ -50,6 +50,12 @@ struct MessageMeaning {
     bool endsSession = false; // the connection is to be ended in order and made anew
 };
 
+// What is to come from the broker.
+struct Subscription {
+    std::string filter;
+    bool wantsRetained = false; // what was published before, too
+};
+
 // Pure, but for what it remembers between calls; one thread. Called in this order: will(), subscriptions()
 // and birth() once for each connection, then all others, and death() where it ends in order.
 class Layout {
@@ -60,9 +66,9 @@ public:
     virtual ~Layout() = default;
 
     // What the broker publishes when the connection breaks.
-    virtual MqttMessage will() = 0;
-    virtual std::vector<std::string> subscriptions() const = 0;
-    // What is said first.
+    virtual MqttMessage will(qint64 nowMs) = 0;
+    virtual std::vector<Subscription> subscriptions() const = 0;
+    // What is said first, and again where a message that came wants it.
     virtual std::vector<MqttMessage> birth(qint64 nowMs) = 0;
     // What is said last.
     virtual std::vector<MqttMessage> death(qint64 nowMs) = 0;
@@ -76,7 +82,10 @@ public:
                           std::vector<MqttMessage>& into) = 0;
     virtual void tellRtu(const PointTable::Block& block, RtuCondition condition, qint64 nowMs,
                          std::vector<MqttMessage>& into) = 0;
-    // Makes a message of the first changes of those given, one or more. Returns of how many.
+    // Nothing of what was kept is left to be told; once behind each birth.
+    virtual void tellCaughtUp(qint64, std::vector<MqttMessage>&) {}
+    // Makes a message of the first changes of those given, one or more. Returns of how many. A message
+    // without a topic: nothing is to be said of them.
     virtual std::size_t tellChanges(const ToldChange* changes, std::size_t count, MqttMessage& into) = 0;
 
     virtual MessageMeaning read(const MqttMessage& message) = 0;

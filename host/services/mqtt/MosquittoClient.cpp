@@ -305,10 +305,12 @@ std::string MosquittoClient::failureText(int result) const {
     }
 }
 
-void MosquittoClient::subscribe(const std::string& filter) {
+void MosquittoClient::subscribe(const Subscription& subscription) {
     // What is retained comes with its mark, also while this client is connected, or not at all.
-    const int options = isV5() ? MQTT_SUB_OPT_RETAIN_AS_PUBLISHED | MQTT_SUB_OPT_SEND_RETAIN_NEVER : 0;
-    mosquitto_subscribe_v5(handle, nullptr, filter.c_str(), 1, options, nullptr);
+    const int before =
+        subscription.wantsRetained ? MQTT_SUB_OPT_SEND_RETAIN_ALWAYS : MQTT_SUB_OPT_SEND_RETAIN_NEVER;
+    const int options = isV5() ? MQTT_SUB_OPT_RETAIN_AS_PUBLISHED | before : 0;
+    mosquitto_subscribe_v5(handle, nullptr, subscription.filter.c_str(), 1, options, nullptr);
 }
 
 Publication MosquittoClient::publish(const MqttMessage& message) {

@@ -24,7 +24,7 @@ public:
 
     std::string connect(const MqttMessage& will) override;
     void exchange(std::chrono::milliseconds time, BrokerEvents& events) override;
-    void subscribe(const std::string& filter) override;
+    void subscribe(const Subscription& subscription) override;
     Publication publish(const MqttMessage& message) override;
     void disconnect() override;
 

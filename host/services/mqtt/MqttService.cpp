@@ -2,6 +2,7 @@
 
 #include "BatchLayout.h"
 #include "MosquittoClient.h"
+#include "SparkplugLayout.h"
 #include "services/StateDirectory.h"
 
 #include <utility>
@@ -41,7 +42,8 @@ MqttService::~MqttService() {
 
 std::string MqttService::start(RunningSite& runningSite) {
     openBacklog(runningSite);
-    layout = makeLayout(mqtt, runningSite);
+    layout =
+        mqtt.layout == MqttLayout::Sparkplug ? makeSparkplug(runningSite) : makeLayout(mqtt, runningSite);
     MqttSession::Settings sessionSettings;
     sessionSettings.broker = toText(mqtt.broker);
     sessionSettings.pauses = settings.pauses;
@@ -54,6 +56,29 @@ std::string MqttService::start(RunningSite& runningSite) {
     session = std::make_unique<MqttSession>(std::move(sessionSettings), runningSite, *layout, backlog.get());
     thread.start("MQTT", turnPause, [this] { session->turn(); });
     return {};
+}
+
+std::unique_ptr<Layout> MqttService::makeSparkplug(RunningSite& runningSite) {
+    Messages& messages = runningSite.messages;
+    birthDeathNumber = std::make_unique<BirthDeathNumber>(directory, sitePath);
+    if (const std::string fault = birthDeathNumber->open(); !fault.empty())
+        messages.tell(
+            "MQTT: " + fault +
+                "; a host of Sparkplug may take this edge node for one of before. Name a directory with "
+                "--state-dir",
+            Severity::Warning);
+    SparkplugLayout::Settings sparkplug;
+    sparkplug.session = {{mqtt.prefix, topicLevel(runningSite.site.name)}, mqtt.primaryHost};
+    sparkplug.takesCommands = mqtt.takesCommands;
+    sparkplug.lastBirthDeathSequence = birthDeathNumber->last();
+    sparkplug.tell = [&messages](const std::string& text) {
+        messages.tell("MQTT: " + text, Severity::Warning);
+    };
+    sparkplug.keepBirthDeathSequence = [this, tell = sparkplug.tell](std::uint8_t number) {
+        if (const std::string fault = birthDeathNumber->keep(number); !fault.empty())
+            tell("the number of the connection is not kept: " + fault);
+    };
+    return std::make_unique<SparkplugLayout>(std::move(sparkplug), runningSite.values);
 }
 
 // Without a place for it the service works on, and memory has to do.

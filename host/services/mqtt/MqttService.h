@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BirthDeathNumber.h"
 #include "MqttSession.h"
 #include "services/PeriodicThread.h"
 #include "services/Service.h"
@@ -35,6 +36,7 @@ public:
     std::vector<ServiceFigure> figures() const override;
 
 private:
+    std::unique_ptr<Layout> makeSparkplug(RunningSite& runningSite);
     void openBacklog(RunningSite& runningSite);
 
     const MqttSettings mqtt;
@@ -43,6 +45,7 @@ private:
     Settings settings;
     std::unique_ptr<StateFile> place; // holds the backlog's file for this process alone
     std::unique_ptr<ChangeBacklog> backlog;
+    std::unique_ptr<BirthDeathNumber> birthDeathNumber; // of Sparkplug
     std::unique_ptr<Layout> layout;
     std::unique_ptr<MqttSession> session;
     PeriodicThread thread; // last: it works on all of the above

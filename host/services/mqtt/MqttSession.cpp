@@ -51,6 +51,7 @@ void MqttSession::turn() {
         if (isConnected) {
             tellStates();
             sendChanges();
+            tellCaughtUp();
         }
         if (client)
             exchange();
@@ -63,7 +64,7 @@ void MqttSession::turn() {
 void MqttSession::beginConnection() {
     client = settings.makeClient();
     deadline = Clock::now() + settings.answerLimit;
-    if (const std::string fault = client->connect(layout.will()); !fault.empty())
+    if (const std::string fault = client->connect(layout.will(nowMs())); !fault.empty())
         noteFailure(fault);
 }
 
@@ -76,14 +77,19 @@ void MqttSession::noteConnected() {
                                " changes were kept meanwhile",
                            Severity::Note);
     outbox.noteConnected();
-    for (const std::string& filter : layout.subscriptions())
-        client->subscribe(filter);
-    publishAll(layout.birth(nowMs()));
+    for (const Subscription& one : layout.subscriptions())
+        client->subscribe(one);
+    tellBirth();
     toldLines.clear();
     toldRtus.clear();
     nextStates = {};
     if (layout.wantsCurrentValues())
         changes.beginCurrent();
+}
+
+void MqttSession::tellBirth() {
+    publishAll(layout.birth(nowMs()));
+    hasToldCaughtUp = false;
 }
 
 void MqttSession::noteFailure(const std::string& why) {
@@ -134,7 +140,7 @@ void MqttSession::handleMessage(const MqttMessage& message) {
     for (const CommandRequest& request : meaning.commands)
         desk.take(request, Clock::now());
     if (meaning.wantsBirth)
-        publishAll(layout.birth(nowMs()));
+        tellBirth();
     if (!meaning.endsSession)
         return;
     publishAll(layout.death(nowMs()));
@@ -207,6 +213,11 @@ void MqttSession::sendChanges() {
     MqttMessage message;
     while (done < waiting.size() && outbox.messagesInFlight() < mostMessagesInFlight) {
         const std::size_t count = layout.tellChanges(waiting.data() + done, waiting.size() - done, message);
+        if (message.topic.empty()) {
+            outbox.noteNeedless(count);
+            done += count;
+            continue;
+        }
         const Publication publication = client->publish(message);
         if (publication.fate == Publication::Fate::ConnectionOver)
             return; // which the next exchange tells
@@ -218,6 +229,15 @@ void MqttSession::sendChanges() {
         }
         done += count;
     }
+}
+
+void MqttSession::tellCaughtUp() {
+    if (hasToldCaughtUp || !layout.isListenedTo() || outbox.holdsHistorical())
+        return;
+    hasToldCaughtUp = true;
+    std::vector<MqttMessage> messages;
+    layout.tellCaughtUp(nowMs(), messages);
+    publishAll(messages);
 }
 
 void MqttSession::publish(const MqttMessage& message) {

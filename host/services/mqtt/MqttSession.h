@@ -47,6 +47,7 @@ public:
 private:
     void beginConnection();
     void noteConnected();
+    void tellBirth();
     void noteFailure(const std::string& why);
     void handle(const BrokerEvents& events);
     void handleMessage(const MqttMessage& message);
@@ -54,6 +55,7 @@ private:
     void tellStates();
     void tellAnswers();
     void sendChanges();
+    void tellCaughtUp();
     void publish(const MqttMessage& message);
     void publishAll(const std::vector<MqttMessage>& messages);
     void exchange();
@@ -73,6 +75,7 @@ private:
 
     std::unique_ptr<BrokerClient> client; // none: away
     bool isConnected = false;
+    bool hasToldCaughtUp = false;
     bool isEnding = false;
     Clock::time_point nextTry{};
     Clock::time_point deadline{}; // of connecting

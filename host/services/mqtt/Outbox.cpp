@@ -86,10 +86,19 @@ void Outbox::noteSent(int messageId, std::size_t count) {
 }
 
 void Outbox::noteUnsendable(std::size_t count) {
+    noteNeedless(count);
+    droppedHere += count;
+}
+
+void Outbox::noteNeedless(std::size_t count) {
     inFlight.push_back({0, count, true});
     given += count;
-    droppedHere += count;
     dropAcknowledged();
+}
+
+bool Outbox::holdsHistorical() const {
+    return !isDiskLoaded() || std::any_of(window.begin() + static_cast<std::ptrdiff_t>(given), window.end(),
+                                          [](const Entry& one) { return one.change.isHistorical; });
 }
 
 void Outbox::noteAcknowledged(int messageId) {

@@ -32,6 +32,8 @@ public:
     void noteSent(int messageId, std::size_t count);
     // The first `count` of them cannot be sent: they are dropped.
     void noteUnsendable(std::size_t count);
+    // Nothing is to be said of the first `count` of them.
+    void noteNeedless(std::size_t count);
     // Ids of other messages are passed over.
     void noteAcknowledged(int messageId);
     // Takes what was acknowledged off the disk. To be called every now and then.
@@ -40,6 +42,8 @@ public:
     std::size_t messagesInFlight() const { return inFlight.size(); }
     // Neither kept nor on its way.
     bool isEmpty() const { return window.empty() && isDiskLoaded(); }
+    // Whether some of what is not given away yet happened while nobody could be told.
+    bool holdsHistorical() const;
     bool isNearlyEmpty() const { return isDiskLoaded() && window.size() - given <= lowWater; }
     std::uint64_t kept() const { return backlog != nullptr ? backlog->size() : window.size(); }
     std::uint64_t dropped() const { return droppedHere + (backlog != nullptr ? backlog->dropped() : 0); }

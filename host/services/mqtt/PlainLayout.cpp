@@ -41,14 +41,14 @@ MqttMessage PlainLayout::state(const std::string& topic, const std::string& word
 }
 
 // The broker publishes it at some later time, which is not known yet.
-MqttMessage PlainLayout::will() {
+MqttMessage PlainLayout::will(qint64) {
     return state(siteTopics.root(), "offline", {});
 }
 
-std::vector<std::string> PlainLayout::subscriptions() const {
+std::vector<Subscription> PlainLayout::subscriptions() const {
     if (!settings.takesCommands)
         return {};
-    return {siteTopics.root() + "/+/+/+/set"};
+    return {{siteTopics.root() + "/+/+/+/set"}};
 }
 
 std::vector<MqttMessage> PlainLayout::birth(qint64 nowMs) {

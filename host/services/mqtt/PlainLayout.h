@@ -23,8 +23,8 @@ public:
     // The table outlives it.
     PlainLayout(Settings layoutSettings, const PointTable& pointTable);
 
-    MqttMessage will() override;
-    std::vector<std::string> subscriptions() const override;
+    MqttMessage will(qint64 nowMs) override;
+    std::vector<Subscription> subscriptions() const override;
     std::vector<MqttMessage> birth(qint64 nowMs) override;
     std::vector<MqttMessage> death(qint64 nowMs) override;
     bool wantsCurrentValues() const override { return true; }

@@ -1,7 +1,6 @@
 #include "SetMessage.h"
 
-#include "site/NumberText.h"
-#include "site/PointValue.h"
+#include "PointCommand.h"
 #include "values/ChangeText.h"
 
 #include <QJsonArray>
@@ -101,23 +100,6 @@ ReplyPlace placeFor(const MqttMessage& message, const Topics& topics) {
     if (message.correlation.size() <= longestCorrelation)
         place.correlation = message.correlation;
     return place;
-}
-
-// Fills in the command, or why there is none.
-void addCommand(CommandRequest& request, const PointRef& ref, double value) {
-    const Point& point = *ref.point;
-    request.command.channelId = ref.channel->id;
-    request.command.rtuId = ref.rtu->id;
-    if (!ref.rtu->enabled)
-        request.refusal = "the RTU is disabled in the site file";
-    else if (point.kind == PointKind::Status && value != 0 && value != 1)
-        request.refusal = "it is a status point: it takes 0 or 1";
-    else if (point.kind == PointKind::Analog && !rawOf(point, value).fault.empty())
-        request.refusal = numberText(value) + ": " + rawOf(point, value).fault;
-    if (point.kind == PointKind::Status)
-        request.command.action = SwitchPoint{point.id, value != 0};
-    else
-        request.command.action = SetPoint{point.id, value};
 }
 
 } // namespace

@@ -11,6 +11,8 @@ target_include_directories(sbus_sparkplug_payload SYSTEM PUBLIC ${CMAKE_CURRENT_
 target_link_libraries(sbus_sparkplug_payload PUBLIC protobuf::libprotobuf-lite)
 
 target_sources(sbus_host_core PRIVATE
+    services/mqtt/BirthDeathNumber.cpp
+    services/mqtt/SparkplugLayout.cpp
     services/mqtt/SparkplugNames.cpp
     services/mqtt/SparkplugPayload.cpp
     services/mqtt/SparkplugSession.cpp)

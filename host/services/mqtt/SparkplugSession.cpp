@@ -123,14 +123,17 @@ SparkplugMessages SparkplugSession::hostSaid(const std::string& json, std::uint6
 SparkplugMessages SparkplugSession::rebirth(std::uint64_t nowMs) {
     if (state != State::Born)
         return {};
+    const bool wasCaughtUp = isCaughtUp;
     SparkplugMessages messages = births(nowMs);
-    const SparkplugMessages dead = deaths(nowMs);
-    messages.insert(messages.end(), dead.begin(), dead.end());
+    if (wasCaughtUp)
+        for (SparkplugMessage& death : caughtUp(nowMs))
+            messages.push_back(std::move(death));
     return messages;
 }
 
 SparkplugMessages SparkplugSession::births(std::uint64_t nowMs) {
     state = State::Born;
+    isCaughtUp = false;
     SparkplugMessages messages{nodeBirth(nowMs)};
     for (std::size_t place = 0; place < devices.size(); ++place)
         messages.push_back(deviceBirth(place, nowMs));
@@ -183,7 +186,7 @@ SparkplugMetric SparkplugSession::metricOf(PointIndex index, const PointState& p
     metric.alias = index;
     metric.timeMs = time > 0 ? static_cast<std::uint64_t>(time) : nowMs;
     metric.type = typeOf(point);
-    if (pointState.hasValue())
+    if (pointState.quality == PointQuality::Good)
         metric.value = sparkplugValueOf(point, pointState.value);
     metric.quality = qualityOf(pointState.quality);
     return metric;
@@ -218,7 +221,7 @@ SparkplugMessages SparkplugSession::data(const std::vector<PointChange>& changes
 
 SparkplugMessages SparkplugSession::deviceDied(std::size_t place, std::uint64_t nowMs) {
     devices[place].isAlive = false;
-    if (state != State::Born || !devices[place].isBorn)
+    if (state != State::Born || !isCaughtUp || !devices[place].isBorn)
         return {};
     return {deviceDeath(place, nowMs)};
 }
@@ -230,10 +233,11 @@ SparkplugMessages SparkplugSession::deviceReturned(std::size_t place, std::uint6
     return {deviceBirth(place, nowMs)};
 }
 
-SparkplugMessages SparkplugSession::deaths(std::uint64_t nowMs) {
+SparkplugMessages SparkplugSession::caughtUp(std::uint64_t nowMs) {
     SparkplugMessages messages;
     if (state != State::Born)
         return messages;
+    isCaughtUp = true;
     for (std::size_t place = 0; place < devices.size(); ++place)
         if (devices[place].isBorn && !devices[place].isAlive)
             messages.push_back(deviceDeath(place, nowMs));

@@ -68,8 +68,8 @@ public:
     // Of the RTU at this place among the table's blocks.
     SparkplugMessages deviceDied(std::size_t place, std::uint64_t nowMs);
     SparkplugMessages deviceReturned(std::size_t place, std::uint64_t nowMs);
-    // Of all devices that are dead, behind births and what was kept.
-    SparkplugMessages deaths(std::uint64_t nowMs);
+    // Behind births and what was kept: the deaths of all devices that are dead.
+    SparkplugMessages caughtUp(std::uint64_t nowMs);
     // For an end in order, before the connection is ended.
     SparkplugMessage death(std::uint64_t nowMs) const;
 
@@ -96,6 +96,7 @@ private:
     const StateOf stateOf;
     std::vector<Device> devices; // in the order of the table's blocks
     State state = State::Away;
+    bool isCaughtUp = false;
     std::uint8_t birthDeath;
     std::uint8_t sequence = 0;         // of the next message of a born node
     std::uint64_t hostOnlineSince = 0; // what the primary host gave with its last word that it is there
