@@ -7,6 +7,8 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+# No header that moc reads is made by a build: it need not wait for what its target links.
+set(CMAKE_AUTOGEN_ORIGIN_DEPENDS OFF)
 
 # Everything that can run lies in one folder, so that the host finds the plug-in beside itself.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)

@@ -3,6 +3,7 @@
 #include <DescriptorLimit.h>
 #include <OutOfMemory.h>
 #include <StandardDescriptors.h>
+#include <StandardOutput.h>
 #include <StandardTexts.h>
 
 #include <exception>
@@ -20,7 +21,8 @@ int main(int argc, char** argv) {
     ProgramArguments arguments(argc, argv);
     descriptors::raiseLimit();
     try {
-        return sim::runProgram(arguments.count(), arguments.values(), std::cout, std::cerr);
+        const int status = sim::runProgram(arguments.count(), arguments.values(), std::cout, std::cerr);
+        return statusWithOutput("sbus-sim", status);
     } catch (const std::exception& failure) { // no descriptor is left
         std::cerr << "sbus-sim: " << failure.what() << std::endl;
         return sim::exitUsage;

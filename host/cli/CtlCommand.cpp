@@ -3,7 +3,6 @@
 #include "ControlClient.h"
 #include "ReplyText.h"
 #include "runtime/ExchangeText.h"
-#include "services/console/OutputReader.h"
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
 #include "services/control/SocketPath.h"
@@ -11,6 +10,7 @@
 #include "site/SiteFile.h"
 #include "site/SwitchWord.h"
 #include "values/TimeText.h"
+#include <OutputReader.h>
 
 #include <ControlCharacters.h>
 #include <QDateTime>

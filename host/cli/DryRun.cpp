@@ -5,6 +5,8 @@
 
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
+#include "site/IeeeWord.h"
+#include "site/NumberText.h"
 #include "telegram/Framing.h"
 #include "telegram/TelegramText.h"
 
@@ -56,7 +58,18 @@ private:
     void tellTelegrams(const WriteStep& step, const std::vector<TelegramBytes>& telegrams) const {
         for (const TelegramBytes& telegram : telegrams)
             std::cout << telegramText(framingOf(lineType(), line.transmitType), telegram, step.isFloat)
-                      << "\n  " << breakText() << hexText(telegram) << '\n';
+                      << ieeeText(step) << "\n  " << breakText() << hexText(telegram) << '\n';
+    }
+
+    // " (R30 is 1.5)": telegrams carry such numbers as words.
+    std::string ieeeText(const WriteStep& step) const {
+        std::string text;
+        for (const std::size_t place : step.writes)
+            if (const ElementWrite& write = options.writes[place]; write.isIeee) {
+                text += (text.empty() ? " (" : ", ") + toText(write.address) + " is ";
+                appendSingle(text, numberOfIeeeWord(ieeeWordOf(write.value)));
+            }
+        return text.empty() ? text : text + ")";
     }
 
     std::string breakText() const {

@@ -7,12 +7,12 @@
 #include "RunArguments.h"
 #include "ScanArguments.h"
 #include "ServiceArguments.h"
-#include "StandardOutput.h"
 #include "services/console/Journal.h"
 #include "services/console/Terminal.h"
 #include "site/Duration.h"
 
 #include <StandardDescriptors.h>
+#include <StandardOutput.h>
 #include <StandardTexts.h>
 
 #include <CLI/CLI.hpp>
@@ -160,7 +160,7 @@ int main(int argc, char** argv) {
     descriptors::raiseLimit();
     host::terminal::survivePipeEnd();
     try {
-        return host::statusWithOutput(runProgram(arguments.count(), arguments.values()));
+        return statusWithOutput("sbus-host", runProgram(arguments.count(), arguments.values()));
     } catch (const std::bad_alloc&) {
         outofmemory::endProgram();
     } catch (const std::exception& failure) {

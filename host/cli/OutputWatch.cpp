@@ -1,9 +1,9 @@
 #include "OutputWatch.h"
 
 #include "services/console/ConsoleService.h"
-#include "services/console/OutputReader.h"
 #include "services/console/StreamWriter.h"
 #include "site/CountText.h"
+#include <OutputReader.h>
 
 namespace host {
 

@@ -3,13 +3,13 @@
 #include "oneshot/ElementTally.h"
 #include "oneshot/OneShotCapture.h"
 
-#include "services/console/OutputReader.h"
 #include "services/console/ProgressBar.h"
 #include "services/console/StopSignal.h"
 #include "services/console/Terminal.h"
 #include "site/PointValue.h"
 #include "values/ReadingText.h"
 #include "values/TimeText.h"
+#include <OutputReader.h>
 
 #include <QDateTime>
 

@@ -2,6 +2,8 @@
 
 #include "plan/TelegramTime.h"
 #include "telegram/AnswerTelegram.h"
+#include "telegram/Framing.h"
+#include "telegram/RequestTelegram.h"
 #include "telegram/TelegramText.h"
 
 #include <algorithm>
@@ -70,6 +72,39 @@ std::string badAnswer(const RequestEnd& end) {
                      : "; check for answers later than the time-out");
 }
 
+// " (LEVEL, FLOW)": the points that a write is for.
+std::string pointsOf(const RequestTelegram& write, const Rtu& rtu) {
+    const auto isWritten = [&write](const ElementAddress& element) {
+        return element.media == write.media && element.number >= write.first &&
+               element.number - write.first < write.count;
+    };
+    std::string names;
+    for (const Point& point : rtu.points)
+        if (isWritten(point.address) || (point.secondAddress && isWritten(*point.secondAddress)))
+            names += (names.empty() ? " (" : ", ") + point.name;
+    return names.empty() ? "" : names + ")";
+}
+
+// "a command was not sent: write R101: 12 (LEVEL); "
+std::string unsentText(const RequestEnd& end) {
+    const Framing framing = framingOf(end.channel->type, end.rtu->transmitType);
+    const std::optional<RequestTelegram> write = readRequest(framing, end.unsentWrite);
+    if (!write)
+        return {};
+    const std::vector<Point>& points = end.rtu->points;
+    const bool isFloat = std::any_of(points.begin(), points.end(), [&write](const Point& point) {
+        return point.isFloat && point.address == ElementAddress{write->media, write->first};
+    });
+    return "a command was not sent: " + telegramText(framing, end.unsentWrite, isFloat) +
+           pointsOf(*write, *end.rtu) + "; ";
+}
+
+std::string lineFailed(const RequestEnd& end) {
+    return unsentText(end) + "the line failed; check " +
+           (end.channel->type == LineType::Ethernet ? "the network of this computer"
+                                                    : "that device and cable are still plugged in");
+}
+
 constexpr std::size_t mostElementsTold = 20;
 
 // "R17, R205..207 and 4 more"
@@ -118,9 +153,7 @@ std::string failureReason(const RequestEnd& end) {
     case RequestEnd::Kind::BadAnswer:
         return badAnswer(end);
     case RequestEnd::Kind::LineFailed:
-        return end.channel->type == LineType::Ethernet
-                   ? "the line failed; check the network of this computer"
-                   : "the line failed; check that device and cable are still plugged in";
+        return lineFailed(end);
     case RequestEnd::Kind::NotSent:
         return "the line is not open; check the messages of the line";
     }

@@ -15,10 +15,13 @@ using Clock = std::chrono::steady_clock;
 constexpr int openSource = 0;
 constexpr int endInUseSource = -1;
 
-// A damaged answer and a foreign one are failures of two kinds.
+// A damaged answer and a foreign one are failures of two kinds. So are a command that could not be sent and a
+// poll that met the dead line.
 int kindOf(const RequestEnd& end) {
     constexpr int answers = 8; // more than there are
-    return static_cast<int>(end.kind) * answers + (end.exchange ? static_cast<int>(end.exchange->answer) : 0);
+    constexpr int unsentCommand = answers - 1;
+    const int detail = end.exchange ? static_cast<int>(end.exchange->answer) : 0;
+    return static_cast<int>(end.kind) * answers + (end.unsentWrite.empty() ? detail : unsentCommand);
 }
 
 } // namespace

@@ -69,6 +69,11 @@ void LineObserver::discarded(const char* bytes, int length) {
     append(discardedBeforeNext, bytes, length);
 }
 
+void LineObserver::notSent(const char* bytes, int length) {
+    request.unsent.assign(bytes, bytes + std::max(length, 0));
+    failed();
+}
+
 void LineObserver::failed() {
     request.hasLineFailed = true;
     current.hasLineFailed = isOpen;

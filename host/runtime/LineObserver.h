@@ -40,6 +40,7 @@ public:
         bool hasExchange = false;
         bool hasLineFailed = false;
         bool wasHeard = false; // something came back to one of its telegrams at least
+        TelegramBytes unsent;  // the telegram with which the line failed before it had gone out
         // Of a write that the controller refused, whatever the driver made of it.
         std::optional<Exchange> refusedWrite;
     };
@@ -74,7 +75,8 @@ private:
             line.received(bytes, length, now);
         }
         void bytesDiscarded(const char* bytes, int length) override { line.discarded(bytes, length); }
-        void linkFailed() override { line.failed(); }
+        void sendFailed(const char* bytes, int length) override { line.notSent(bytes, length); }
+        void receiveFailed() override { line.failed(); }
 
     private:
         LineObserver& line;
@@ -85,6 +87,7 @@ private:
     void sent(bool onSecondaryEnd, const char* bytes, int length, Clock::time_point begun);
     void received(const char* bytes, int length, Clock::time_point now);
     void discarded(const char* bytes, int length);
+    void notSent(const char* bytes, int length);
     void failed();
     void endExchange();
 

@@ -25,10 +25,11 @@ struct RequestEnd {
     // The write that was refused, else the last telegram, with what came back; none when the request was
     // answered or had no telegram.
     std::optional<Exchange> exchange;
-    bool onSecondary = false; // the end in use
-    bool isTimeOut = false;   // what the driver counts a failure as
-    bool hasTelegram = false; // at least one was sent
-    bool wasHeard = false;    // something came back to one of its telegrams, to the last one or not
+    TelegramBytes unsentWrite; // the telegram of a command with which the line failed before it had gone out
+    bool onSecondary = false;  // the end in use
+    bool isTimeOut = false;    // what the driver counts a failure as
+    bool hasTelegram = false;  // at least one was sent
+    bool wasHeard = false;     // something came back to one of its telegrams, to the last one or not
 };
 
 // What a poll has found out about what a controller reads.

@@ -88,32 +88,37 @@ bool RequestEnds::isSecond(const Line& line, int driverRtuId) {
 
 // Nothing when the status counts no request more than the last one did.
 std::optional<RequestEnd> RequestEnds::endOf(Line& line, Counted& counted, const RtuStatus& status) {
-    RequestEnd end;
+    std::optional<RequestEnd> ended;
     bool isAnswered = false;
+    bool isTimeOut = false;
     {
         const std::lock_guard<std::mutex> lock(mutex);
         if (status.requests <= counted.status.requests)
-            return std::nullopt;
+            return ended;
         isAnswered = status.answers > counted.status.answers;
-        end.isTimeOut = status.timeOuts > counted.status.timeOuts;
+        isTimeOut = status.timeOuts > counted.status.timeOuts;
         counted.status = status;
     }
+    RequestEnd& end = ended.emplace();
+    end.isTimeOut = isTimeOut;
     end.channel = line.channel;
     end.rtu = counted.requests->rtu;
     if (!line.observer->isOnItsThread()) {
         end.kind = isAnswered ? Kind::Answered : Kind::NotSent;
-        return end;
+        return ended;
     }
-    const LineObserver::RequestTrace trace = line.observer->endRequest();
+    LineObserver::RequestTrace trace = line.observer->endRequest();
     if (trace.refusedWrite)
         end.exchange = trace.refusedWrite;
     else if (trace.hasExchange && !isAnswered)
         end.exchange = line.observer->lastExchange();
     end.kind = kindOf(trace, isAnswered, end.exchange);
     end.hasTelegram = trace.hasExchange;
+    if (isWriteTelegram(line.observer->framing(), trace.unsent))
+        end.unsentWrite = std::move(trace.unsent);
     end.wasHeard = trace.wasHeard;
     end.onSecondary = line.observer->onSecondary();
-    return end;
+    return ended;
 }
 
 void RequestEnds::tell(Requests& requests, const RequestEnd& end) {
@@ -135,8 +140,8 @@ void RequestEnds::tellEnd(Line& line, int driverRtuId, const RequestEnd& end, co
     }
     const LineObserver& observer = *line.observer;
     const bool isOnItsThread = observer.isOnItsThread();
-    const bool isCommand =
-        !isOnItsThread || (end.hasTelegram && isWriteTelegram(observer.framing(), observer.lastTelegram()));
+    const bool isCommand = !isOnItsThread || !end.unsentWrite.empty() ||
+                           (end.hasTelegram && isWriteTelegram(observer.framing(), observer.lastTelegram()));
     if (end.hasTelegram || end.kind != Kind::Answered)
         countAttempt(requests.figures, status);
     if (!isCommand) {

@@ -129,8 +129,6 @@ void FaultedHost::command(QProcess& host, Life& life) {
                                   host);
     life.hasReply = !reply.empty();
     life.isSuccess = reply.find(R"("result":"success")") != std::string::npos;
-    life.isRefusalNamed =
-        !life.isSuccess && reply.find(R"("point":"tank/LEVEL","result":")") != std::string::npos;
     life.isWritten = simulator.memory(tankLine, tankStation).get(sim::Media::Registers, 1) == value;
     life.hasPulseReply =
         !ask(R"({"id":2,"do":"write","values":[{"point":"tank/VALVE","value":1}]})", host).empty();

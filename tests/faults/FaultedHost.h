@@ -13,7 +13,6 @@ struct Life {
     bool isFresh = false;             // all values were good in the end
     bool hasReply = false;            // to the command
     bool isSuccess = false;           // of the command, by its reply
-    bool isRefusalNamed = false;      // by a reply that tells the point and how its command ended
     bool isWritten = false;           // the controller has what was commanded
     bool hasPulseReply = false;       // to the command that began a pulse
     bool isPulseOver = false;         // its output is off after the end

@@ -126,10 +126,35 @@ TEST(FailureText, TellsALineThatFailedFromSilence) {
     const host::Site site = serialSite();
     ObservedLine line(site);
     line.send(switchOn);
-    line.wire().primaryEnd().linkFailed();
+    line.wire().primaryEnd().receiveFailed();
     line.reportFailure();
     EXPECT_THAT(failureReason(line.ended.at(0)),
                 HasSubstr("check that device and cable are still plugged in"));
+}
+
+// Who reads the messages need not be the one who gave the command.
+TEST(FailureText, NamesTheCommandThatCouldNotBeSent) {
+    const host::Site site = smallSite();
+    ObservedLine line(site);
+    line.failToSend(writeLevel);
+    line.reportFailure();
+    EXPECT_EQ(failureReason(line.ended.at(0)),
+              "a command was not sent: write R101: 12 (LEVEL); the line failed; check the network of this "
+              "computer");
+    line.failToSend(readTwoRegisters);
+    line.reportFailure();
+    EXPECT_EQ(failureReason(line.ended.at(1)), "the line failed; check the network of this computer");
+}
+
+TEST(FailureText, NamesTheCommandToAnElementWithoutAPointThatCouldNotBeSent) {
+    const host::Site site = serialSite();
+    ObservedLine line(site);
+    line.failToSend(switchOn);
+    line.reportFailure();
+    EXPECT_EQ(
+        failureReason(line.ended.at(0)),
+        "a command was not sent: switch O200 on; the line failed; check that device and cable are still "
+        "plugged in");
 }
 
 // Errors as the system tells them of real devices.
@@ -238,6 +263,22 @@ TEST(LineMessages, TellsFailuresAndTheirEndButNotSuccess) {
         messages.take(),
         ElementsAre(HasSubstr("channel 4 \"waterworks\", RTU 7 \"pump-house\" (station 5): no answer"),
                     HasSubstr("answers again")));
+}
+
+// A poll that met the dead line before must not hide it.
+TEST(LineMessages, TellsACommandThatCouldNotBeSentBesideAReadThatCouldNot) {
+    const host::Site site = smallSite();
+    host::Messages messages;
+    host::LineMessages teller(messages);
+    ObservedLine line(site);
+    line.failToSend(readTwoRegisters);
+    line.reportFailure();
+    line.failToSend(writeLevel);
+    line.reportFailure();
+    for (const host::RequestEnd& end : line.ended)
+        teller.requestEnded(end);
+    EXPECT_THAT(messages.take(),
+                ElementsAre(HasSubstr(": the line failed"), HasSubstr("a command was not sent")));
 }
 
 // Each answer's sequence number is another one.

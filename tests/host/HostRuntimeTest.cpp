@@ -1,8 +1,10 @@
 #include "runtime/HostRuntime.h"
 #include "RecordingCore.h"
 #include "SmallSite.h"
+#include "runtime/FailureText.h"
 
 #include <HalvexAbstractDriver/DriverPluginInterface.h>
+#include <HalvexDriverComponent/CReply.h>
 #include <HalvexDriverComponent/CRtu.h>
 #include <HalvexDriverLink/CLink.h>
 
@@ -15,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <future>
 
 using host::DriverPlugin;
 using host::HostRuntime;
@@ -42,6 +45,38 @@ public:
 
 private:
     void wake() override {}
+};
+
+// A line that can be opened and takes nothing.
+class UntakingLink : public CLink {
+public:
+    void reset() override {}
+    int open() override { return noteOpened(0); }
+    void close() override {}
+    int send(const char* data, int length, int) override { return noteSendEnded(-1, data, length); }
+    int receive(char*, int, int& received, int) override {
+        received = 0;
+        return 0;
+    }
+    int kind() const override { return udpKind; }
+
+private:
+    void wake() override {}
+};
+
+// Who hears of the first request with which a line has failed.
+class FailureListener : public host::LineListener {
+public:
+    void requestEnded(const host::RequestEnd& end) override {
+        if (end.kind == host::RequestEnd::Kind::LineFailed && !isTold.exchange(true))
+            reason.set_value(failureReason(end));
+    }
+    void lineOpened(const host::Channel&, bool, int) override {}
+
+    std::promise<std::string> reason;
+
+private:
+    std::atomic<bool> isTold{false};
 };
 
 } // namespace
@@ -155,6 +190,29 @@ TEST(HostRuntime, InterruptsALineAtItsOwnTimeOutHoweverLongThatOfAnother) {
     elapsed.start();
     runtime.stop();
     EXPECT_LT(elapsed.elapsed(), 300'000);
+}
+
+// No poll finds that out: nothing is read.
+TEST(HostRuntime, TellsACommandThatCouldNotBeSentWhilePollsAreSupervised) {
+    host::Site site = smallSite();
+    host::Rtu& rtu = site.channels[0].rtus[0];
+    rtu.points.resize(1);
+    rtu.points[0].isPolled = false;
+    RecordingCore core;
+    FailureListener listener;
+    HostRuntime runtime(site, core, &listener,
+                        [](const host::LinkEnd&) { return std::make_unique<UntakingLink>(); });
+    runtime.supervisePolls();
+    ASSERT_EQ(runtime.start(PLUGIN_FILE), "");
+    while (!runtime.channelStatus(site.channels[0]).connected)
+        QThread::msleep(10);
+    CReply reply;
+    EXPECT_EQ(runtime.findRtu(4, 7)->statusWrite(numberOf(rtu, rtu.points[0]), 1, &reply), 0);
+    std::future<std::string> reason = listener.reason.get_future();
+    ASSERT_EQ(reason.wait_for(std::chrono::minutes(1)), std::future_status::ready);
+    EXPECT_EQ(reason.get(), "a command was not sent: switch O32 on (RUN); the line failed; check the network "
+                            "of this computer");
+    runtime.stop();
 }
 
 TEST(HostRuntime, StopsWhileALineCannotBeOpened) {

@@ -118,7 +118,7 @@ TEST(LineObserver, MarksAnExchangeWhoseLinkFailed) {
     const host::Site site = smallSite();
     WatchedLine line(site);
     line.send(readTwoRegisters);
-    line.wire().primaryEnd().linkFailed();
+    line.wire().primaryEnd().receiveFailed();
     line.reportFailure();
     line.send(readTwoRegisters);
     line.reportFailure();

@@ -24,6 +24,9 @@ public:
     void send(const QByteArray& telegram) {
         wire().primaryEnd().telegramSent(telegram.constData(), telegram.size(), LinkObserver::Clock::now());
     }
+    void failToSend(const QByteArray& telegram) {
+        wire().primaryEnd().sendFailed(telegram.constData(), telegram.size());
+    }
     void receive(const QByteArray& bytes) {
         wire().primaryEnd().bytesReceived(bytes.constData(), bytes.size(), LinkObserver::Clock::now());
     }
@@ -72,6 +75,8 @@ inline const QByteArray refusal = ethernetTelegram(7, 2, hex("00 01"));
 inline const QByteArray lateAnswer = ethernetTelegram(6, 1, hex("00 00 00 0C 00 00 00 0D"));
 inline const QByteArray damagedAnswer =
     withWrongChecksum(ethernetBytes(7, 1, hex("00 00 00 0C 00 00 00 0D"), 19));
+// 12 into register 101.
+inline const QByteArray writeLevel = ethernetTelegram(7, 0, hex("05 0E 05 00 65 00 00 00 0C"));
 
 // Data Mode: output 200 of station 5 on.
 inline const QByteArray switchOn = withChecksum(hex("B5 00 05 0D 03 00 C8 00 01"));

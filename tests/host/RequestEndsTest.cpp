@@ -170,7 +170,7 @@ TEST(RequestEnds, KnowsALineThatFailed) {
     const host::Site site = smallSite();
     ObservedLine line(site);
     line.send(readTwoRegisters);
-    line.wire().primaryEnd().linkFailed();
+    line.wire().primaryEnd().receiveFailed();
     line.reportFailure();
     line.send(readTwoRegisters);
     line.reportFailure();

@@ -34,6 +34,15 @@ protected:
     }
     Ending inShell(const char* commandLine) { return endOf(shell(QString::fromLatin1(commandLine))); }
 
+    // A line that no other simulator has.
+    void writeSerialSite() {
+        QFile file(site);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write("[[channel]]\nid = 1\ntype = \"SBus-Serial\"\nprimary = \"serial:" +
+                   folder.filePath(QStringLiteral("line")).toUtf8() +
+                   "\"\n[[channel.rtu]]\nid = 1\nname = \"tank\"\nstation = 5\npoints = \"points.csv\"\n");
+    }
+
     // On standard error.
     static bool tells(QProcess& program, const char* text) {
         program.setReadChannel(QProcess::StandardError);
@@ -132,13 +141,15 @@ TEST_F(StandardOutput, ThatWasClosedIsNotTakenForALineOrASocket) {
     EXPECT_EQ(endOf(host).status, 0);
 }
 
+TEST_F(StandardOutput, OfTheSimulatorOnAFullDiskIsTold) {
+    writeSerialSite();
+    const Ending ending = inShell("exec SIM SITE --for 10ms > /dev/full");
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_THAT(ending.errors, HasSubstr("sbus-sim: standard output could not be written: "));
+}
+
 TEST_F(StandardOutput, OfTheSimulatorThatWasClosedIsNotTakenForALine) {
-    QFile file(site);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write("[[channel]]\nid = 1\ntype = \"SBus-Serial\"\nprimary = \"serial:" +
-               folder.filePath(QStringLiteral("line")).toUtf8() +
-               "\"\n[[channel.rtu]]\nid = 1\nname = \"tank\"\nstation = 5\npoints = \"points.csv\"\n");
-    file.close();
+    writeSerialSite();
     QProcess& program = shell(QStringLiteral("exec SIM SITE <&- >&- 2>&-"));
     // Whose device is there once the simulator minds signals.
     EXPECT_TRUE(

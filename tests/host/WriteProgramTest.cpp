@@ -154,6 +154,13 @@ TEST_F(Write, ADryRunTellsOfNoReadsWhereThereAreNone) {
     EXPECT_THAT(run("write LINK O200=1 --dry-run").output, Not(HasSubstr("read")));
 }
 
+// The first is no number that 32 bits hold: what is told is the one that will be there.
+TEST_F(Write, ADryRunTellsTheNumbersOfIeeeWords) {
+    EXPECT_THAT(run("write LINK R30:ieee=0.123456789 R31=7 R32:ieee=-1.5 --dry-run").output,
+                HasSubstr("write 3 registers from R30: 1039980266, 7, -1077936128 (R30 is 0.12345679, R32 is "
+                          "-1.5)\n  "));
+}
+
 TEST_F(Write, EndsWithTwoOnWrongUsage) {
     for (const char* const commandLine :
          {"write LINK", "write LINK R10", "write LINK O1=2", "write LINK I1=1", "write LINK T1=-1",

@@ -10,7 +10,7 @@
 #include <vector>
 
 // Keeps what a link tells of itself, one text each: "opened 0", "sent 01 02", "received 03", "discarded 04",
-// "failed".
+// "not sent 01 02", "failed" (to receive).
 class NotingObserver : public LinkObserver {
 public:
     void linkOpened(int result) override { notes.push_back("opened " + std::to_string(result)); }
@@ -23,7 +23,8 @@ public:
         receivedAt = now;
     }
     void bytesDiscarded(const char* bytes, int length) override { note("discarded", bytes, length); }
-    void linkFailed() override { notes.emplace_back("failed"); }
+    void sendFailed(const char* bytes, int length) override { note("not sent", bytes, length); }
+    void receiveFailed() override { notes.emplace_back("failed"); }
 
     std::vector<std::string> notes;
     Clock::time_point sentAt{};

@@ -11,6 +11,7 @@
 #include <string>
 
 using testing::ElementsAre;
+using testing::StartsWith;
 
 namespace {
 
@@ -58,7 +59,7 @@ TEST_F(ObservedSerial, TellsWhatIsThrownAwayBeforeTheTelegram) {
 // Nobody knows how much of it went out.
 TEST_F(ObservedSerial, TellsNoTelegramThatTheLineDidNotTake) {
     EXPECT_EQ(send(link, QByteArray(1'000'000, 'x'), 50), -1);
-    EXPECT_THAT(observer.notes, ElementsAre("opened 0", "failed"));
+    EXPECT_THAT(observer.notes, ElementsAre("opened 0", StartsWith("not sent 78 78")));
 }
 
 TEST_F(ObservedSerial, TellsADeviceThatVanishes) {
@@ -68,8 +69,8 @@ TEST_F(ObservedSerial, TellsADeviceThatVanishes) {
     EXPECT_EQ(send(link, hex("01")), -1);
     pty.plugIn();
     EXPECT_EQ(link.open(), 0);
-    EXPECT_THAT(observer.notes,
-                ElementsAre("opened 0", "failed", "opened " + std::to_string(ENOENT), "failed", "opened 0"));
+    EXPECT_THAT(observer.notes, ElementsAre("opened 0", "failed", "opened " + std::to_string(ENOENT),
+                                            "not sent 01", "opened 0"));
 }
 
 TEST_F(ObservedSerial, TellsADeviceInUse) {

@@ -73,7 +73,7 @@ TEST_F(ObservedUdp, TellsNothingOfAWaitInWhichNothingCame) {
 TEST_F(ObservedUdp, TellsSendAndReceiveThatFailOnAClosedLink) {
     EXPECT_EQ(send(link, hex("01")), -1);
     EXPECT_EQ(receive(link, 16, ampleMs), failed);
-    EXPECT_THAT(observer.notes, ElementsAre("failed", "failed"));
+    EXPECT_THAT(observer.notes, ElementsAre("not sent 01", "failed"));
 }
 
 TEST_F(ObservedUdp, TellsWhyAnOpenHasFailed) {

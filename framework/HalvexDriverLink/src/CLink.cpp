@@ -76,9 +76,15 @@ int CLink::noteOpened(int result) {
     return result;
 }
 
-int CLink::noteResult(int result) {
+int CLink::noteSendEnded(int result, const char* bytes, int length) {
     if (result != 0 && observer != nullptr)
-        observer->linkFailed();
+        observer->sendFailed(bytes, length);
+    return result;
+}
+
+int CLink::noteReceiveEnded(int result) {
+    if (result != 0 && observer != nullptr)
+        observer->receiveFailed();
     return result;
 }
 

@@ -120,7 +120,7 @@ void CLinkSerial::close() {
 }
 
 int CLinkSerial::send(const char* data, int length, int timeoutMs) {
-    return noteResult(port->use([&](asio::serial_port& device) {
+    const int result = port->use([&](asio::serial_port& device) {
         asio::error_code error =
             port->discard(device, [this](const char* bytes, int count) { noteDiscarded(bytes, count); });
         if (error || length <= 0)
@@ -131,12 +131,13 @@ int CLinkSerial::send(const char* data, int length, int timeoutMs) {
         if (!error)
             noteSent(data, length, begun);
         return error;
-    }));
+    });
+    return noteSendEnded(result, data, length);
 }
 
 int CLinkSerial::receive(char* buffer, int capacity, int& received, int timeoutMs) {
     received = 0;
-    return noteResult(port->use([&](asio::serial_port& device) {
+    return noteReceiveEnded(port->use([&](asio::serial_port& device) {
         if (capacity <= 0 || isInterrupted())
             return asio::error_code();
         const asio::mutable_buffer area(buffer, static_cast<std::size_t>(capacity));

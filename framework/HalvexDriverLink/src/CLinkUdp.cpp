@@ -104,7 +104,7 @@ void CLinkUdp::close() {
 }
 
 int CLinkUdp::send(const char* data, int length, int timeoutMs) {
-    return noteResult(socket->use([&](udp::socket& end) -> asio::error_code {
+    const int result = socket->use([&](udp::socket& end) -> asio::error_code {
         socket->discard(end, [this](const char* bytes, int count) { noteDiscarded(bytes, count); });
         if (length <= 0)
             return {};
@@ -121,12 +121,13 @@ int CLinkUdp::send(const char* data, int length, int timeoutMs) {
             return outcome.error;
         noteSent(data, length, begun);
         return {};
-    }));
+    });
+    return noteSendEnded(result, data, length);
 }
 
 int CLinkUdp::receive(char* buffer, int capacity, int& received, int timeoutMs) {
     received = 0;
-    return noteResult(socket->use([&](udp::socket& end) -> asio::error_code {
+    return noteReceiveEnded(socket->use([&](udp::socket& end) -> asio::error_code {
         if (capacity <= 0)
             return {};
         const asio::mutable_buffer area(buffer, static_cast<std::size_t>(capacity));

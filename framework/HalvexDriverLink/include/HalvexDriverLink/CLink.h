@@ -41,8 +41,10 @@ public:
     virtual void bytesReceived(const char* bytes, int length, Clock::time_point now) = 0;
     // Unread bytes are thrown away before a send.
     virtual void bytesDiscarded(const char* bytes, int length) = 0;
-    // A send or a receive is about to fail.
-    virtual void linkFailed() = 0;
+    // A send is about to fail: these bytes have not gone out, or not all of them.
+    virtual void sendFailed(const char* bytes, int length) = 0;
+    // A receive is about to fail.
+    virtual void receiveFailed() = 0;
 };
 
 // One end of a line to the controllers: a serial device or a UDP peer.
@@ -101,10 +103,11 @@ protected:
     // Wakes the wait that interrupt() is to end. Called on the interrupting thread.
     virtual void wake() = 0;
 
-    // What every link tells of itself. noteOpened gives `result` back, and so does noteResult, which is for
-    // the result of each send and receive.
+    // What every link tells of itself. The results of each open, send and receive pass through the first
+    // three, which give them back.
     int noteOpened(int result);
-    int noteResult(int result);
+    int noteSendEnded(int result, const char* bytes, int length);
+    int noteReceiveEnded(int result);
     // `begun`: just before the write; the answer may be there before the write returns.
     void noteSent(const char* bytes, int length, Clock::time_point begun);
     void noteReceived(const char* bytes, int length);

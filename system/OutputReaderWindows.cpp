@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-namespace host::outputreader {
+namespace outputreader {
 
 // A write of nothing fails once the other side is closed.
 bool isGone() {
@@ -11,4 +11,4 @@ bool isGone() {
     return GetFileType(output) == FILE_TYPE_PIPE && WriteFile(output, "", 0, &written, nullptr) == 0;
 }
 
-} // namespace host::outputreader
+} // namespace outputreader

@@ -1,14 +1,16 @@
 #include "StandardOutput.h"
 
-#include "runtime/ExitStatus.h"
-#include "services/console/OutputReader.h"
+#include "OutputReader.h"
 
 #include <cerrno>
 #include <iostream>
 #include <system_error>
 
-namespace host {
+namespace {
 
+constexpr int outputLost = 1;
+
+// Writes out what is still to be written. Empty, or why something is lost.
 std::string finishOutput() {
     errno = 0;
     const bool wasGood = std::cout.good();
@@ -19,13 +21,13 @@ std::string finishOutput() {
     return errno == 0 ? "look whether its disk is full" : std::generic_category().message(errno);
 }
 
-int statusWithOutput(int status) {
+} // namespace
+
+int statusWithOutput(const std::string& program, int status) {
     const std::string fault = finishOutput();
     if (fault.empty())
         return status;
-    std::cerr << "sbus-host: standard output could not be written: " << fault << "; a part of it is lost"
+    std::cerr << program << ": standard output could not be written: " << fault << "; a part of it is lost"
               << std::endl;
-    return status == 0 ? static_cast<int>(ExitStatus::CommunicationFailed) : status;
+    return status == 0 ? outputLost : status;
 }
-
-} // namespace host

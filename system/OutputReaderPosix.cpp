@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace host::outputreader {
+namespace outputreader {
 
 bool isGone() {
     struct stat found {};
@@ -14,4 +14,4 @@ bool isGone() {
     return poll(&output, 1, 0) == 1 && (output.revents & (POLLERR | POLLHUP)) != 0;
 }
 
-} // namespace host::outputreader
+} // namespace outputreader
