@@ -86,8 +86,8 @@ bool carriesSequence(quint32 command) {
     return classOf(command) != CommandClass::WriteClock;
 }
 
-qint32 announcedLength(const QByteArray& bytes) {
-    return numberAt<qint32>(bytes, 0);
+qint32 announcedLength(const char* telegram) {
+    return qFromBigEndian<qint32>(telegram);
 }
 
 AnswerCheck checkReadAnswer(const QByteArray& telegram, quint16 expectedSequence) {
