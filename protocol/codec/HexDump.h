@@ -17,8 +17,9 @@ void forEachHexLine(const char* bytes, int length, Write write) {
     QString line(std::min(length, bytesInLine) * hexCharactersOfByte, Qt::Uninitialized); // one for all
     do {
         const int count = std::min(length, bytesInLine);
-        if (line.size() != count * hexCharactersOfByte)
-            line.resize(count * hexCharactersOfByte);
+        const int characters = count * hexCharactersOfByte;
+        if (line.size() != characters)
+            line.resize(characters);
         // A string has room for one character behind its end, which data() leaves 0.
         writeHexLine(line.data(), bytes, count);
         write(std::as_const(line));
