@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto check = isRead ? sbus::ethernet::checkReadAnswer(telegram, sequence)
                               : sbus::ethernet::checkWriteAnswer(telegram, sequence);
     if (telegram.size() >= sbus::ethernet::lengthSize)
-        sbus::ethernet::announcedLength(telegram);
+        sbus::ethernet::announcedLength(telegram.constData());
     if (check.result != sbus::ethernet::AnswerCheck::Result::Good)
         return 0;
     require(endsWithItsChecksum(telegram), "a good answer ends with its checksum");

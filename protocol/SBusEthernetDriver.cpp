@@ -8,6 +8,7 @@
 
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <utility>
 
 using sbus::ethernet::AnswerCheck;
@@ -74,38 +75,36 @@ unsigned SBusEthernetDriver::transceive(const SBusRequestItem& item, const QByte
 
 unsigned SBusEthernetDriver::awaitTelegram(QByteArray& telegram, const QByteArray& response,
                                            const SBusExchange& exchange) {
-    constexpr int capacity = 1024; // no telegram is longer
     QElapsedTimer time;
     time.start();
-    QByteArray area(capacity, '\0');
+    ReceiveArea area{};
     int arrived = 0;
-    if (exchange.link.receive(area.data(), capacity, arrived, exchange.timeOutMs()) == -1 ||
+    if (exchange.link.receive(area.data(), areaSize, arrived, exchange.timeOutMs()) == -1 ||
         arrived < sbus::ethernet::lengthSize) {
         exchange.disconnectRtuAndChannel();
         return SBusChannelError;
     }
-    const qint32 length = sbus::ethernet::announcedLength(area);
+    const qint32 length = sbus::ethernet::announcedLength(area.data());
     if (length > arrived) {
         if (const unsigned code = awaitRest(area, arrived, time, response, exchange))
             return code;
     }
-    area.truncate(length);
-    telegram = std::move(area);
+    telegram = QByteArray(area.data(), std::max(length, 0));
     return SBusSuccess;
 }
 
 // One more datagram may bring the rest of a telegram; no more than one is waited for. What is traced when the
 // rest is not there is the buffer of the caller, not what has arrived.
-unsigned SBusEthernetDriver::awaitRest(QByteArray& area, int arrived, const QElapsedTimer& time,
+unsigned SBusEthernetDriver::awaitRest(ReceiveArea& area, int arrived, const QElapsedTimer& time,
                                        const QByteArray& response, const SBusExchange& exchange) {
     const int timeOutMs = exchange.timeOutMs();
-    const int space = area.size() - arrived;
+    const int space = areaSize - arrived;
     int more = 0;
     if (space > 0 && exchange.link.receive(area.data() + arrived, space, more, timeOutMs) == -1) {
         exchange.disconnectRtuAndChannel();
         return SBusChannelError;
     }
-    if (arrived + more == sbus::ethernet::announcedLength(area))
+    if (arrived + more == sbus::ethernet::announcedLength(area.data()))
         return SBusSuccess;
     const bool silent = more == 0 && time.elapsed() > timeOutMs;
     if (response.isEmpty())

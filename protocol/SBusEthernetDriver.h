@@ -2,6 +2,8 @@
 
 #include "SBusProtocolBase.h"
 
+#include <array>
+
 class QElapsedTimer;
 class SBusExchange;
 
@@ -22,12 +24,15 @@ public:
                         const SBusRequest& request, bool read) override;
 
 private:
+    static constexpr int areaSize = 1024; // bytes; no telegram is longer
+    using ReceiveArea = std::array<char, areaSize>;
+
     quint16 nextSequence = 0;
     quint16 expectedSequence = 0; // of the telegram built last
 
     static unsigned awaitTelegram(QByteArray& telegram, const QByteArray& response,
                                   const SBusExchange& exchange);
-    static unsigned awaitRest(QByteArray& area, int arrived, const QElapsedTimer& time,
+    static unsigned awaitRest(ReceiveArea& area, int arrived, const QElapsedTimer& time,
                               const QByteArray& response, const SBusExchange& exchange);
     unsigned checkReadAnswer(const QByteArray& telegram, const SBusExchange& exchange) const;
     unsigned checkWriteAnswer(const QByteArray& telegram, const SBusExchange& exchange) const;

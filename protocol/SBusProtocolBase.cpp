@@ -133,7 +133,7 @@ void SBusProtocolBase::publish(const SBusRequest& request, const SBusRequestItem
 void SBusProtocolBase::logFrame(int channelId, int rtuId, Halvex::PacketType type, const char* bytes,
                                 int length) {
     CLogger* const logger = CLogger::GetInstance();
-    sbus::HexDump dump(bytes, length);
-    while (dump.next())
-        logger->writeConPacket(channelId, rtuId, type, dump.line(), false);
+    sbus::forEachHexLine(bytes, length, [=](const QString& line) {
+        logger->writeConPacket(channelId, rtuId, type, line, false);
+    });
 }

@@ -28,8 +28,9 @@ void SBusRtu::putStatus(unsigned pointNumber, quint32 element, char value) {
 
 void SBusRtu::publishAnalogValues(quint32 start, const QString& media, const QList<int>& words) {
     const sbus::WordReader reader(media);
+    const auto firstWord = words.cbegin();
     const auto put = [&](const sbus::PointIndex::Entry& entry) {
-        const int word = words.at(static_cast<int>(entry.element - start));
+        const int word = firstWord[static_cast<int>(entry.element - start)];
         putAnalog(entry.pointNumber, reader, static_cast<quint32>(word));
     };
     analogIndex->forEach(media, start, static_cast<quint32>(words.size()), put);

@@ -18,18 +18,20 @@ constexpr int versionOffset = lengthSize;
 constexpr int sequenceOffset = 6;
 constexpr int attributeOffset = 8;
 
-QByteArray framed(const QByteArray& body, quint16 sequence) {
-    const qint32 length = headerSize + body.size() + checksumSize;
-    std::array<char, headerSize> header{}; // the protocol type is 0, and so is a request's attribute
-    qToBigEndian(length, header.data());
-    header[versionOffset] = version;
-    qToBigEndian(sequence, header.data() + sequenceOffset);
+// The header, with room for the length, which is known at the end.
+QByteArray beginFrame(quint16 sequence) {
+    constexpr int readFrameSize = 16;
     QByteArray frame;
-    frame.reserve(length);
-    frame.append(header.data(), headerSize);
-    frame.append(body);
-    appendChecksum(frame);
+    frame.reserve(readFrameSize);
+    frame.append(headerSize, '\0'); // the protocol type is 0, and so is a request's attribute
+    frame[versionOffset] = version;
+    qToBigEndian(sequence, frame.data() + sequenceOffset);
     return frame;
+}
+
+void endFrame(QByteArray& frame) {
+    qToBigEndian<qint32>(frame.size() + checksumSize, frame.data());
+    appendChecksum(frame);
 }
 
 // 0 where the telegram ends before the field does.
@@ -62,14 +64,21 @@ AnswerCheck checkChecksum(const QByteArray& telegram) {
 } // namespace
 
 QByteArray readFrame(const SBusRequestItem& item, int station, quint16 sequence) {
-    return framed(readBody(item, station), sequence);
+    QByteArray frame = beginFrame(sequence);
+    appendReadBody(frame, item, station);
+    endFrame(frame);
+    return frame;
 }
 
 QByteArray writeFrame(const SBusRequestItem& item, int station, quint16 sequence) {
-    if (carriesSequence(item.command))
-        return framed(writeBody(item, station), sequence);
-    QByteArray frame = item.data;
-    appendChecksum(frame);
+    if (!carriesSequence(item.command)) {
+        QByteArray bareFrame = item.data;
+        appendChecksum(bareFrame);
+        return bareFrame;
+    }
+    QByteArray frame = beginFrame(sequence);
+    appendWriteBody(frame, item, station);
+    endFrame(frame);
     return frame;
 }
 
@@ -77,8 +86,8 @@ bool carriesSequence(quint32 command) {
     return classOf(command) != CommandClass::WriteClock;
 }
 
-qint32 announcedLength(const QByteArray& bytes) {
-    return numberAt<qint32>(bytes, 0);
+qint32 announcedLength(const char* telegram) {
+    return qFromBigEndian<qint32>(telegram);
 }
 
 AnswerCheck checkReadAnswer(const QByteArray& telegram, quint16 expectedSequence) {

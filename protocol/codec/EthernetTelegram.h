@@ -17,8 +17,8 @@ QByteArray writeFrame(const SBusRequestItem& item, int station, quint16 sequence
 // Whether a frame of this command carries a sequence number.
 bool carriesSequence(quint32 command);
 
-// The length that the first four bytes give, as they give it: it may be negative. At least four bytes.
-qint32 announcedLength(const QByteArray& bytes);
+// The length that the first four bytes of a telegram, which must be there, give: it may be negative.
+qint32 announcedLength(const char* telegram);
 
 struct AnswerCheck {
     enum class Result {

@@ -5,39 +5,27 @@
 #include <QString>
 
 #include <algorithm>
-#include <cstddef>
+#include <utility>
 
 namespace sbus {
 
-// The lines of a hex dump: upper-case, 18 bytes a line, one blank after each byte. No bytes give one empty
-// line. The lines are made one by one in the same place.
-class HexDump {
-public:
-    // The bytes must stay until the last line is made.
-    HexDump(const char* dumpedBytes, int length) : at(dumpedBytes), end(dumpedBytes + length) {}
-
-    // Makes the next line; false behind the last one.
-    bool next() {
-        constexpr std::ptrdiff_t bytesInLine = 18;
-        if (begun && at == end)
-            return false;
-        begun = true;
-        const int bytes = static_cast<int>(std::min(bytesInLine, end - at));
-        if (text.size() != bytes * hexCharactersOfByte)
-            text.resize(bytes * hexCharactersOfByte);
+// Calls `write` with each line of a hex dump: upper-case, 18 bytes a line, one blank after each byte. No
+// bytes give one empty line. A line is good during the call alone, unless it is copied.
+template <typename Write>
+void forEachHexLine(const char* bytes, int length, Write write) {
+    constexpr int bytesInLine = 18;
+    QString line(std::min(length, bytesInLine) * hexCharactersOfByte, Qt::Uninitialized); // one for all
+    do {
+        const int count = std::min(length, bytesInLine);
+        const int characters = count * hexCharactersOfByte;
+        if (line.size() != characters)
+            line.resize(characters);
         // A string has room for one character behind its end, which data() leaves 0.
-        writeHexLine(text.data(), at, bytes);
-        at += bytes;
-        return true;
-    }
-    // Good until the next one is made.
-    const QString& line() const { return text; }
-
-private:
-    const char* at;
-    const char* const end;
-    bool begun = false;
-    QString text;
-};
+        writeHexLine(line.data(), bytes, count);
+        write(std::as_const(line));
+        bytes += count;
+        length -= count;
+    } while (length > 0);
+}
 
 } // namespace sbus

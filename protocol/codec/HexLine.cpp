@@ -1,6 +1,6 @@
 // The three characters of each of the 256 bytes stand in a table that the compiler makes.
 // An entry is four characters long, so that it is copied as one word of eight bytes; its fourth character
-// lands where the first one of the next byte is written afterwards, or in the one place behind the line. Six
+// lands where the first one of the next byte is written afterwards, or in the one place behind the line. Nine
 // bytes are written at a time, without a test and a jump for each. Digit by digit, a poll of 127 registers
 // takes 17% more instructions: every telegram is dumped.
 
@@ -37,7 +37,7 @@ void writeByte(QChar* characters, char byte) {
 } // namespace
 
 void writeHexLine(QChar* characters, const char* bytes, int count) {
-    constexpr int atOnce = 6;
+    constexpr int atOnce = 9; // half a line of the dump
     for (; count >= atOnce; count -= atOnce)
         for (int i = 0; i < atOnce; ++i, ++bytes, characters += hexCharactersOfByte)
             writeByte(characters, *bytes);

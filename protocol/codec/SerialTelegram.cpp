@@ -12,12 +12,10 @@ constexpr char acknowledgeAttribute = '\x02';
 constexpr char acknowledge = '\x06'; // Break Mode's whole answer to a write
 constexpr int startSize = 2;         // synchronisation byte and attribute
 
-QByteArray framed(const QByteArray& body, Mode mode) {
+QByteArray beginFrame(Mode mode) {
     QByteArray frame;
     if (mode == Mode::Data)
         frame.append(synchronisation).append(requestAttribute);
-    frame.append(body);
-    appendChecksum(frame);
     return frame;
 }
 
@@ -36,11 +34,17 @@ Mode modeOf(int number) {
 }
 
 QByteArray readFrame(const SBusRequestItem& item, int station, Mode mode) {
-    return framed(readBody(item, station), mode);
+    QByteArray frame = beginFrame(mode);
+    appendReadBody(frame, item, station);
+    appendChecksum(frame);
+    return frame;
 }
 
 QByteArray writeFrame(const SBusRequestItem& item, int station, Mode mode) {
-    return framed(writeBody(item, station), mode);
+    QByteArray frame = beginFrame(mode);
+    appendWriteBody(frame, item, station);
+    appendChecksum(frame);
+    return frame;
 }
 
 int readAnswerSize(int payloadSize, Mode mode) {

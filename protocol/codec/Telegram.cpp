@@ -14,14 +14,6 @@ quint16 checksumAt(const char* bytes) {
     return qFromBigEndian<quint16>(bytes);
 }
 
-// Station and command begin the body of every write.
-QByteArray beginWriteBody(const SBusRequestItem& item, int station) {
-    QByteArray body;
-    appendBigEndian(body, static_cast<quint8>(station));
-    appendBigEndian(body, static_cast<quint8>(item.command));
-    return body;
-}
-
 } // namespace
 
 QByteArray crc16(const QByteArray& bytes) {
@@ -40,27 +32,28 @@ bool hasValidChecksum(const QByteArray& telegram) {
            checksumOf(telegram.constData(), covered) == checksumAt(telegram.constData() + covered);
 }
 
-QByteArray readBody(const SBusRequestItem& item, int station) {
+void appendReadBody(QByteArray& frame, const SBusRequestItem& item, int station) {
     const std::array<char, 5> body{static_cast<char>(station), static_cast<char>(item.command),
                                    static_cast<char>(item.count), static_cast<char>(item.address >> 8),
                                    static_cast<char>(item.address)};
-    return {body.data(), static_cast<int>(body.size())};
+    frame.append(body.data(), static_cast<int>(body.size()));
 }
 
 // The byte count is the number of bytes that follow it up to the checksum, minus one.
-QByteArray writeBody(const SBusRequestItem& item, int station) {
+void appendWriteBody(QByteArray& frame, const SBusRequestItem& item, int station) {
     constexpr int countedBesideBitData = 2;  // address and element count, minus one
     constexpr int countedBesideWordData = 1; // address, minus one
-    QByteArray body = beginWriteBody(item, station);
+    appendBigEndian(frame, static_cast<quint8>(station));
+    appendBigEndian(frame, static_cast<quint8>(item.command));
     switch (classOf(item.command)) {
     case CommandClass::WriteBits:
-        appendBigEndian(body, static_cast<quint8>(item.data.size() + countedBesideBitData));
-        appendBigEndian(body, static_cast<qint16>(item.address));
-        appendBigEndian(body, static_cast<quint8>(item.count));
+        appendBigEndian(frame, static_cast<quint8>(item.data.size() + countedBesideBitData));
+        appendBigEndian(frame, static_cast<qint16>(item.address));
+        appendBigEndian(frame, static_cast<quint8>(item.count));
         break;
     case CommandClass::WriteWords:
-        appendBigEndian(body, static_cast<quint8>(item.data.size() + countedBesideWordData));
-        appendBigEndian(body, static_cast<qint16>(item.address));
+        appendBigEndian(frame, static_cast<quint8>(item.data.size() + countedBesideWordData));
+        appendBigEndian(frame, static_cast<qint16>(item.address));
         break;
     case CommandClass::None:
     case CommandClass::ReadBits:
@@ -68,8 +61,7 @@ QByteArray writeBody(const SBusRequestItem& item, int station) {
     case CommandClass::WriteClock:
         break;
     }
-    body.append(item.data);
-    return body;
+    frame.append(item.data);
 }
 
 int readPayloadSize(const SBusRequestItem& item) {

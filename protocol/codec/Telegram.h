@@ -17,10 +17,10 @@ void appendChecksum(QByteArray& frame);
 bool hasValidChecksum(const QByteArray& telegram);
 
 // station, command, count, address
-QByteArray readBody(const SBusRequestItem& item, int station);
+void appendReadBody(QByteArray& frame, const SBusRequestItem& item, int station);
 // station, command, then by class: byte count, address, element count, data (bits); byte count, address,
 // data (words); data (clock and codes without a layout)
-QByteArray writeBody(const SBusRequestItem& item, int station);
+void appendWriteBody(QByteArray& frame, const SBusRequestItem& item, int station);
 
 // The bytes that the answer to a read holds without its framing; 0 for other commands.
 int readPayloadSize(const SBusRequestItem& item);

@@ -4,37 +4,61 @@
 
 #include <gtest/gtest.h>
 
+namespace {
+
+QByteArray readBody(const SBusRequestItem& item, int station) {
+    QByteArray frame;
+    sbus::appendReadBody(frame, item, station);
+    return toHex(frame);
+}
+
+QByteArray writeBody(const SBusRequestItem& item, int station) {
+    QByteArray frame;
+    sbus::appendWriteBody(frame, item, station);
+    return toHex(frame);
+}
+
+} // namespace
+
 TEST(TelegramBody, AReadIsStationCommandCountAddress) {
-    EXPECT_EQ(toHex(sbus::readBody({6, 1, 10, {}}, 5)), "05 06 01 00 0A");
+    EXPECT_EQ(readBody({6, 1, 10, {}}, 5), "05 06 01 00 0A");
+}
+
+TEST(TelegramBody, ABodyComesBehindWhatIsThere) {
+    QByteArray frame = hex("B5 00");
+    sbus::appendReadBody(frame, {6, 1, 10, {}}, 5);
+    EXPECT_EQ(toHex(frame), "B5 00 05 06 01 00 0A");
+    sbus::appendWriteBody(frame, {12, 3, 7, hex("01")}, 5);
+    EXPECT_EQ(toHex(frame), "B5 00 05 06 01 00 0A 05 0C 01");
 }
 
 TEST(TelegramBody, OnlyTheLowBitsOfLargeNumbersGoOut) {
     // Station 261, 257 elements, address 65,546.
-    EXPECT_EQ(toHex(sbus::readBody({2, 0x100, 0x1000A, {}}, 0x105)), "05 02 00 00 0A");
+    EXPECT_EQ(readBody({2, 0x100, 0x1000A, {}}, 0x105), "05 02 00 00 0A");
 }
 
 TEST(TelegramBody, AWriteOfBitsHoldsByteCountAddressElementCountData) {
-    EXPECT_EQ(toHex(sbus::writeBody({11, 8, 100, hex("FF 01")}, 5)), "05 0B 04 00 64 08 FF 01");
-    EXPECT_EQ(toHex(sbus::writeBody({13, 0, 32, hex("00")}, 5)), "05 0D 03 00 20 00 00");
+    EXPECT_EQ(writeBody({11, 8, 100, hex("FF 01")}, 5), "05 0B 04 00 64 08 FF 01");
+    EXPECT_EQ(writeBody({13, 0, 32, hex("00")}, 5), "05 0D 03 00 20 00 00");
 }
 
 TEST(TelegramBody, AWriteOfWordsHoldsByteCountAddressData) {
-    EXPECT_EQ(toHex(sbus::writeBody({10, 0, 20, hex("00 00 00 07")}, 5)), "05 0A 05 00 14 00 00 00 07");
-    EXPECT_EQ(toHex(sbus::writeBody({14, 0, 200, hex("FF FF FF FE")}, 5)), "05 0E 05 00 C8 FF FF FF FE");
-    EXPECT_EQ(toHex(sbus::writeBody({15, 0, 300, hex("00 00 00 0A")}, 5)), "05 0F 05 01 2C 00 00 00 0A");
+    EXPECT_EQ(writeBody({10, 0, 20, hex("00 00 00 07")}, 5), "05 0A 05 00 14 00 00 00 07");
+    EXPECT_EQ(writeBody({14, 0, 200, hex("FF FF FF FE")}, 5), "05 0E 05 00 C8 FF FF FF FE");
+    EXPECT_EQ(writeBody({15, 0, 300, hex("00 00 00 0A")}, 5), "05 0F 05 01 2C 00 00 00 0A");
 }
 
 TEST(TelegramBody, TheElementCountOfAWordWriteStaysAtHome) {
-    EXPECT_EQ(toHex(sbus::writeBody({14, 99, 200, hex("00 00 00 01")}, 5)), "05 0E 05 00 C8 00 00 00 01");
+    EXPECT_EQ(writeBody({14, 99, 200, hex("00 00 00 01")}, 5), "05 0E 05 00 C8 00 00 00 01");
 }
 
 TEST(TelegramBody, TheClockWriteIsItsDataBehindTheCommand) {
-    EXPECT_EQ(toHex(sbus::writeBody({12, 3, 7, hex("01 02 03")}, 5)), "05 0C 01 02 03");
+    EXPECT_EQ(writeBody({12, 3, 7, hex("01 02 03")}, 5), "05 0C 01 02 03");
 }
 
 TEST(TelegramBody, AWriteAddressAbove32767KeepsItsBytes) {
-    EXPECT_EQ(toHex(sbus::writeBody({14, 0, 0xFFFF, hex("00 00 00 01")}, 5)), "05 0E 05 FF FF 00 00 00 01");
-    EXPECT_EQ(toHex(sbus::writeBody({11, 0, 0x18000, hex("01")}, 5)), "05 0B 03 80 00 00 01");
+    EXPECT_EQ(writeBody({14, 0, 0xFFFF, hex("00 00 00 01")}, 5), "05 0E 05 FF FF 00 00 00 01");
+    EXPECT_EQ(writeBody({11, 0, 0x18000, hex("01")}, 5), "05 0B 03 80 00 00 01");
 }
 
 TEST(TelegramBody, TheAnswerToAWordReadHoldsFourBytesAnElement) {

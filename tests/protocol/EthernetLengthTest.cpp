@@ -142,6 +142,8 @@ TEST_F(EthernetLengthTest, ANegativeLengthIsRefusedWithoutValues) {
         const quint16 sequence = static_cast<quint16>(link->sent.size());
         poll({withChecksum(ethernetBytes(sequence, dataResponse, hex("00 00 00 07 FF FF FF FE"), length))});
         EXPECT_EQ(results(), QStringList{"Request result : Bad Data"}) << length;
+        // No byte is left of it.
+        EXPECT_EQ(log.texts(LogLine::Route::Packet).mid(2, 2), (QStringList{">> Receive frame ", ""}));
         EXPECT_TRUE(rtu->allValues.isEmpty());
         expectConnected(false, true);
     }

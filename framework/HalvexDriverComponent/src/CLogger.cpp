@@ -37,6 +37,8 @@ struct CLogger::Backend {
     ~Backend();
 
     void write(const LogLine& line);
+    void writeFrameLine(int channelId, int rtuId, Halvex::PacketType type, const QString& text,
+                        bool startsEntry);
     // Throws, with the files as they were, when the system has no thread or memory to give.
     void useFiles(const LoggerSettings& settings);
     // Forgets file sets that are written out; false when one is not by the deadline.
@@ -67,6 +69,18 @@ void CLogger::Backend::write(const LogLine& line) {
     const std::shared_lock<std::shared_mutex> lock(filesMutex);
     if (files && (!isFrame || filesTrace))
         files->write({line.channelId, line.rtuId, isFrame}, std::chrono::system_clock::now(), fileLine(line));
+}
+
+void CLogger::Backend::writeFrameLine(int channelId, int rtuId, Halvex::PacketType type, const QString& text,
+                                      bool startsEntry) {
+    LogLine line;
+    line.route = LogLine::Route::Packet;
+    line.channelId = channelId;
+    line.rtuId = rtuId;
+    line.packetType = type;
+    line.startsEntry = startsEntry;
+    line.text = text;
+    write(line);
 }
 
 void CLogger::Backend::useFiles(const LoggerSettings& settings) {
@@ -156,16 +170,8 @@ void CLogger::writeFile(int channelId, int rtuId, Halvex::LogLevel level, const 
 
 void CLogger::writeConPacket(int channelId, int rtuId, Halvex::PacketType type, const QString& text,
                              bool startsEntry) {
-    if (!backend->watchers->isTraceWanted())
-        return;
-    LogLine line;
-    line.route = LogLine::Route::Packet;
-    line.channelId = channelId;
-    line.rtuId = rtuId;
-    line.packetType = type;
-    line.startsEntry = startsEntry;
-    line.text = text;
-    backend->write(line);
+    if (backend->watchers->isTraceWanted())
+        backend->writeFrameLine(channelId, rtuId, type, text, startsEntry);
 }
 
 void CLogger::writeRecord(int channelId, std::chrono::system_clock::time_point time,

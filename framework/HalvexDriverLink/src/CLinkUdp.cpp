@@ -4,6 +4,7 @@
 #include "NameLookup.h"
 #include "TimeOut.h"
 
+#include <asio/basic_datagram_socket.hpp>
 #include <asio/buffer.hpp>
 #include <asio/ip/udp.hpp>
 
@@ -12,6 +13,9 @@
 #include <utility>
 
 using asio::ip::udp;
+// Asio's own kind of socket takes any executor, which costs a virtual call or two; here it is always a
+// context.
+using UdpSocket = asio::basic_datagram_socket<udp, asio::io_context::executor_type>;
 
 namespace {
 
@@ -37,16 +41,16 @@ bool isAbsence(const asio::error_code& error) {
 
 } // namespace
 
-struct CLinkUdp::Socket : LinkEnd<udp::socket> {
+struct CLinkUdp::Socket : LinkEnd<UdpSocket> {
     using LinkEnd::LinkEnd;
 
-    Outcome receive(udp::socket& end, asio::mutable_buffer buffer, Clock::time_point deadline) {
+    Outcome receive(UdpSocket& end, asio::mutable_buffer buffer, Clock::time_point deadline) {
         const auto start = [&](auto handler) { end.async_receive(buffer, std::move(handler)); };
         return perform(start, deadline);
     }
 
     // At once, as a rule; a wait is for a system that has no room for the datagram.
-    Outcome send(udp::socket& end, asio::const_buffer buffer, Clock::time_point deadline) {
+    Outcome send(UdpSocket& end, asio::const_buffer buffer, Clock::time_point deadline) {
         Outcome outcome;
         outcome.count = end.send(buffer, 0, outcome.error);
         if (outcome.error != asio::error::would_block)
@@ -57,7 +61,7 @@ struct CLinkUdp::Socket : LinkEnd<udp::socket> {
 
     // Reads away what is there, and tells each piece of it.
     template <typename Tell>
-    void discard(udp::socket& end, const Tell& tell) {
+    void discard(UdpSocket& end, const Tell& tell) {
         for (int i = 0; i < mostUnread; ++i) {
             asio::error_code error;
             const std::size_t count = end.receive(asio::buffer(scrap), 0, error);
@@ -82,7 +86,7 @@ void CLinkUdp::reset() {
 }
 
 int CLinkUdp::open() {
-    const int result = socket->open([this](udp::socket& end) {
+    const int result = socket->open([this](UdpSocket& end) {
         asio::error_code error;
         const auto mayWait = [this] { return socket->loop().mayWait(); };
         const udp::endpoint peer = socket->names.find(settings.host, settings.port, mayWait, error);
@@ -104,7 +108,7 @@ void CLinkUdp::close() {
 }
 
 int CLinkUdp::send(const char* data, int length, int timeoutMs) {
-    const int result = socket->use([&](udp::socket& end) -> asio::error_code {
+    const int result = socket->use([&](UdpSocket& end) -> asio::error_code {
         socket->discard(end, [this](const char* bytes, int count) { noteDiscarded(bytes, count); });
         if (length <= 0)
             return {};
@@ -127,7 +131,7 @@ int CLinkUdp::send(const char* data, int length, int timeoutMs) {
 
 int CLinkUdp::receive(char* buffer, int capacity, int& received, int timeoutMs) {
     received = 0;
-    return noteReceiveEnded(socket->use([&](udp::socket& end) -> asio::error_code {
+    return noteReceiveEnded(socket->use([&](UdpSocket& end) -> asio::error_code {
         if (capacity <= 0)
             return {};
         const asio::mutable_buffer area(buffer, static_cast<std::size_t>(capacity));

@@ -1,15 +1,15 @@
 #include "WaitLoop.h"
 
-#include <asio/executor_work_guard.hpp>
-
 #include <utility>
 
 WaitLoop::WaitLoop(std::function<bool()> isInterrupted) : interrupted(std::move(isInterrupted)) {}
 
 void WaitLoop::prepare() {
     const std::lock_guard lock(making);
-    if (!ioContext)
-        ioContext = std::make_unique<asio::io_context>(1); // one thread at a time runs it
+    if (ioContext)
+        return;
+    ioContext = std::make_unique<asio::io_context>(1); // one thread at a time runs it
+    work.emplace(ioContext->get_executor());
 }
 
 void WaitLoop::wake() {
@@ -28,7 +28,6 @@ WaitLoop::Abandonment::~Abandonment() {
 }
 
 void WaitLoop::sleepUntil(Clock::time_point deadline) {
-    const auto work = asio::make_work_guard(*ioContext); // without work a context does not wait
     const bool never = false;
     waitUntil(deadline, never);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <asio/error.hpp>
+#include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
 
 #include <atomic>
@@ -9,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <system_error>
 
 // Runs the asynchronous operations of one link, one at a time, on the thread that called the link: each is
@@ -82,4 +84,7 @@ private:
     std::atomic<int> abandonments{0};
     std::mutex making; // prepare() against wake()
     std::unique_ptr<asio::io_context> ioContext;
+    // A context that has run out of work stops, and would have to be started again.
+    using Work = asio::executor_work_guard<asio::io_context::executor_type>;
+    std::optional<Work> work;
 };
