@@ -1,7 +1,11 @@
 #include "GatewayServices.h"
 
+#include "plan/ModbusMap.h"
 #include "runtime/Secret.h"
 
+#ifdef SBUS_WITH_MODBUS
+#include "services/modbus/ModbusService.h"
+#endif
 #ifdef SBUS_WITH_MQTT
 #include "services/mqtt/MqttService.h"
 #endif
@@ -33,11 +37,23 @@ void checkMqtt(const MqttSettings& settings, Findings& findings) {
 #endif
 }
 
+void checkModbus([[maybe_unused]] const Site& site, const ModbusSettings& settings, Findings& findings) {
+#ifdef SBUS_WITH_MODBUS
+    const ModbusMap map(site, settings, findings); // tells what does not fit
+#else
+    tellMissing("modbus", settings.listen.place, findings);
+#endif
+}
+
 } // namespace
 
 GatewayServices makeGatewayServices([[maybe_unused]] const Site& site,
                                     [[maybe_unused]] const GatewayPlaces& places) {
     GatewayServices services;
+#ifdef SBUS_WITH_MODBUS
+    if (site.modbus)
+        services.push_back(std::make_unique<ModbusService>(*site.modbus));
+#endif
 #ifdef SBUS_WITH_MQTT
     if (site.mqtt)
         services.push_back(std::make_unique<MqttService>(*site.mqtt, places.stateDirectory, places.sitePath));
@@ -46,6 +62,8 @@ GatewayServices makeGatewayServices([[maybe_unused]] const Site& site,
 }
 
 void checkGatewayServices(const Site& site, Findings& findings) {
+    if (site.modbus)
+        checkModbus(site, *site.modbus, findings);
     if (site.mqtt)
         checkMqtt(*site.mqtt, findings);
     findings.finish();

@@ -46,9 +46,23 @@ const char* const exitStatusHelp =
 void addCheckCommand(CLI::App& program, ExitStatus& status) {
     CLI::App* const command =
         program.add_subcommand("check", "Tell what is wrong with a site file, or what its polls will cost");
-    const auto path = std::make_shared<std::string>();
-    command->add_option("SITE", *path, "Site file")->required();
-    command->callback([path, &status] { status = host::checkSiteFile(*path); });
+    struct Given {
+        std::string path;
+        bool tellsMap = false;
+        std::string format = "table";
+    };
+    const auto given = std::make_shared<Given>();
+    command->add_option("SITE", given->path, "Site file")->required();
+    CLI::Option* const map = command->add_flag("--modbus-map", given->tellsMap,
+                                               "Tell where clients of its Modbus server find which point");
+    command->add_option("--format", given->format, "How that is told; without it table")
+        ->check(CLI::IsMember(std::vector<std::string>{"table", "csv"}))
+        ->type_name("FORMAT")
+        ->needs(map);
+    command->callback([given, &status] {
+        status = given->tellsMap ? host::tellModbusMap(given->path, given->format == "csv")
+                                 : host::checkSiteFile(given->path);
+    });
 }
 
 std::string columnsFault(const std::string& text) {

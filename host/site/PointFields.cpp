@@ -26,7 +26,8 @@ const std::array<PointColumn, pointFieldCount> pointColumns = {{{"id", true},
                                                                 {"unit", false},
                                                                 {"decimals", true},
                                                                 {"deadband", true},
-                                                                {"description", false}}};
+                                                                {"description", false},
+                                                                {"modbus", true}}};
 
 namespace {
 
@@ -67,6 +68,7 @@ public:
         readOutputs();
         readEngineering();
         readDescription();
+        readModbus();
         return good ? std::optional<Point>(std::move(point)) : std::nullopt;
     }
 
@@ -275,6 +277,13 @@ private:
             [](char letter) { return letter == '\n' || letter == '\r' || letter == '\t'; }, ' ');
         if (isShowable({description, cell->spot}, PointField::Description))
             point.description = std::make_shared<const std::string>(std::move(description));
+    }
+
+    // A value takes two registers, the second of which has to be there.
+    void readModbus() {
+        const unsigned highest = point.kind == PointKind::Analog ? 65'534 : 65'535;
+        if (const std::optional<unsigned> address = number(PointField::Modbus, 0, highest))
+            point.modbus = static_cast<std::uint16_t>(*address);
     }
 
     const PointFields& fields;

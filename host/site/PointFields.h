@@ -25,9 +25,10 @@ enum class PointField : std::size_t {
     Unit,
     Decimals,
     Deadband,
-    Description
+    Description,
+    Modbus
 };
-constexpr std::size_t pointFieldCount = static_cast<std::size_t>(PointField::Description) + 1;
+constexpr std::size_t pointFieldCount = static_cast<std::size_t>(PointField::Modbus) + 1;
 constexpr std::size_t neededPointFields = 4;
 
 // What a field is called at the head of a column and as a key, and what stands in it.

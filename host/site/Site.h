@@ -4,6 +4,7 @@
 #include "Engineering.h"
 #include "Finding.h"
 #include "LinkUrl.h"
+#include "ModbusSettings.h"
 #include "MqttSettings.h"
 
 #include <chrono>
@@ -30,6 +31,7 @@ struct Point {
     ElementAddress address;                      // what is read, and what an off command writes
     std::optional<ElementAddress> secondAddress; // what an on command writes, where it is not `address`
     Spot spot;                                   // in its RTU's point file
+    std::optional<std::uint16_t> modbus;         // its address for Modbus; none: by its order
     // The address as it stands in the file, where that is not its plain form.
     std::shared_ptr<const std::string> writtenAddress;
     std::shared_ptr<const std::string> description; // for people; null: none
@@ -78,6 +80,7 @@ struct Rtu {
     unsigned attempts = 3; // how often a telegram is sent, at most, before its poll has failed
     RetryPauses retry;
     std::optional<std::chrono::milliseconds> timeSync; // how often the clock is set; none: never
+    std::optional<unsigned> modbusUnit;                // its unit id for Modbus; none: by its order
     std::vector<Point> points;                         // in the order of the file
     std::string pointFile;                             // where they stand: a point table or the site file
     Place place;
@@ -112,6 +115,7 @@ struct Site {
     std::vector<Channel> channels;
     std::string name = {}; // in topics and labels; the site file's, without its ending, where it gives none
     ControlSettings control = {};
+    std::optional<ModbusSettings> modbus = {}; // none: no server
     std::optional<MqttSettings> mqtt = {};
 };
 

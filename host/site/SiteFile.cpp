@@ -1,6 +1,7 @@
 #include "SiteFile.h"
 
 #include "ControlTable.h"
+#include "ModbusTable.h"
 #include "MqttTable.h"
 #include "PointFields.h"
 #include "PointTableFile.h"
@@ -64,6 +65,7 @@ private:
             readChannel(*one);
         loaded.site.name = readSiteName(table);
         loaded.site.control = readControlTable(table, file, loaded.findings);
+        loaded.site.modbus = readModbusTable(table, file, loaded.findings);
         loaded.site.mqtt = readMqttTable(table, file, loaded.findings);
         table.rejectUnknownKeys();
         checkSite(loaded.site, loaded.findings);

@@ -10,6 +10,7 @@ namespace {
 constexpr long long longestRead = 127; // elements that the driver puts into one telegram
 constexpr long long longestWrite = 32; // words that fit into a telegram's byte count
 constexpr long long mostAttempts = 10;
+constexpr long long highestUnit = 247; // those above are reserved
 
 std::optional<unsigned> readCount(TomlTable& table, const char* key, long long lowest, long long highest) {
     const std::optional<long long> count = table.integer(key, lowest, highest);
@@ -60,6 +61,7 @@ void readStationKeys(TomlTable& table, Rtu& rtu, Findings& findings) {
     readWrites(table, rtu, findings);
     rtu.attempts = readCount(table, "attempts", 1, mostAttempts).value_or(rtu.attempts);
     readRetry(table, rtu, findings);
+    rtu.modbusUnit = readCount(table, "modbus_unit", 1, highestUnit);
 }
 
 } // namespace host

@@ -1,6 +1,7 @@
 #include "ChangeText.h"
 
 #include "ValueText.h"
+#include "site/CsvText.h"
 #include "site/PointValue.h"
 
 #include <charconv>
@@ -36,17 +37,6 @@ void appendJsonText(std::string& text, const std::string& utf8) {
             text += digits[code & 0xF];
         }
     }
-    text += '"';
-}
-
-void appendCsvText(std::string& text, const std::string& cell) {
-    if (cell.find_first_of(",\"\r\n") == std::string::npos) {
-        text += cell;
-        return;
-    }
-    text += '"';
-    for (const char character : cell)
-        text.append(character == '"' ? 2 : 1, character);
     text += '"';
 }
 

@@ -38,6 +38,12 @@ TEST(DescriptorNeed, IsMoreWhereAHostNameHasToBeLookedUp) {
     EXPECT_EQ(neededBeyondNoLine(siteOf({byName, byAddress})), 14U);
 }
 
+TEST(DescriptorNeed, IsMoreWithAModbusServerByItsClients) {
+    Site site = siteOf({byAddress});
+    site.modbus = ModbusSettings();
+    EXPECT_EQ(neededBeyondNoLine(site), 4U + 5U + mostModbusClients);
+}
+
 TEST(DescriptorNeed, IsMoreWithLogFilesACaptureAndTheControlSocket) {
     const Site site = siteOf({byAddress, byAddress});
     BesideLines beside;

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "Eventually.h"
+#include "commands/Command.h"
+
+#include <deque>
+#include <mutex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+// Takes commands, and ends them at once or, while they are held, when the test says so. Any thread.
+class HoldingTaker : public host::CommandTaker {
+public:
+    std::string submit(const host::Command& command, host::CommandDone done) override {
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            if (taken.size() >= mostTaken)
+                return "too many wait";
+            taken.push_back(text(command));
+            if (isHolding) {
+                held.push_back(std::move(done));
+                return {};
+            }
+        }
+        done(nextEnd);
+        return {};
+    }
+
+    void hold() { isHolding = true; }
+    // Ends the oldest command, once there is one.
+    void end(const host::CommandEnd& commandEnd) {
+        host::CommandDone done;
+        eventually([&] {
+            const std::lock_guard<std::mutex> lock(mutex);
+            if (held.empty())
+                return false;
+            done = std::move(held.front());
+            held.pop_front();
+            return true;
+        });
+        done(commandEnd);
+    }
+
+    // "4/7 2 on", "4/7 3=1.5 4=-2"
+    std::vector<std::string> commands() const {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return taken;
+    }
+
+    host::CommandEnd nextEnd;          // of commands that are not held
+    std::size_t mostTaken = 1'000'000; // more are refused
+
+private:
+    static std::string text(const host::Command& command) {
+        std::ostringstream text;
+        text << command.channelId << '/' << command.rtuId;
+        if (const auto* const one = std::get_if<host::SwitchPoint>(&command.action))
+            text << ' ' << one->point << (one->on ? " on" : " off");
+        else if (const auto* const list = std::get_if<host::SetPoints>(&command.action))
+            for (const auto& [point, value] : list->values)
+                text << ' ' << point << '=' << value;
+        return text.str();
+    }
+
+    mutable std::mutex mutex; // guards what follows
+    bool isHolding = false;
+    std::vector<std::string> taken;
+    std::deque<host::CommandDone> held;
+};
