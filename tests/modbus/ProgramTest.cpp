@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+using testing::AnyOf;
 using testing::HasSubstr;
 
 namespace {
@@ -104,8 +105,9 @@ TEST_F(ModbusProgram, TellsAClientThatAControllerIsSilent) {
         return mbpoll(port, words("-t 4:int -r 0")).find("Target device failed to respond") !=
                std::string::npos;
     }));
+    // The only station of its line: once it has been silent for long enough, the line counts as down.
     EXPECT_THAT(mbpoll(port, words("-t 4:int -r 0"), words("7")),
-                HasSubstr("Target device failed to respond"));
+                AnyOf(HasSubstr("Target device failed to respond"), HasSubstr("Gateway path unavailable")));
 }
 
 TEST_F(ModbusProgram, TellsItsMapToPeopleAndPrograms) {

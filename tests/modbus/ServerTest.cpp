@@ -152,8 +152,10 @@ TEST(ModbusServer, AnswersGoodClientsAmongManyBadOnes) {
     for (int i = 0; i < 200; ++i)
         clients.push_back(served.connect());
     // Of four clients one is silent, one stops within a frame, and two are good; every eighth sends rubbish.
-    for (std::size_t i = 0; i < clients.size(); i += 4)
+    for (std::size_t i = 0; i < clients.size(); i += 4) {
         clients[i + 1]->write(i % 8 == 0 ? hex("00 01 00 00 00 06 01 03 00") : QByteArray(5'000, '\xA5'));
+        clients[i + 1]->flush();
+    }
     for (int round = 0; round < 20; ++round)
         for (std::size_t i = 0; i < clients.size(); i += 4)
             for (const std::size_t good : {i + 2, i + 3})

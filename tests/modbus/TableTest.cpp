@@ -73,7 +73,7 @@ TEST(ModbusTable, IsNotThereUnlessTheSiteHasIt) {
 
 TEST(ModbusTable, TellsWhatIsWrong) {
     EXPECT_THAT(findings(read("allow = [\"10.0.0.0/40\"]\nunits = \"two\"\nblock = 0\nport = 502\n")),
-                ElementsAre(HasSubstr("9:1: error: no listen"),
+                ElementsAre(HasSubstr("9:1: error: listen is missing"),
                             HasSubstr("allow \"10.0.0.0/40\" is no network"),
                             HasSubstr("units \"two\" is not known; write \"one\" or \"rtu\""),
                             HasSubstr("block"), HasSubstr("port")));
@@ -104,6 +104,6 @@ TEST(ModbusTable, RefusesNumbersThatNobodyCanHave) {
     // The second register of the value would be the 65,537th.
     EXPECT_THAT(
         findings(read("listen = \"127.0.0.1:1502\"\n", "", "65535")),
-        ElementsAre(HasSubstr("p.csv:3:20: error: modbus \"65535\" is out of range or no number; give a "
+        ElementsAre(HasSubstr("p.csv:3:19: error: modbus \"65535\" is out of range or no number; give a "
                               "whole number from 0 to 65534")));
 }
