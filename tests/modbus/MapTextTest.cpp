@@ -7,9 +7,9 @@ using host::ModbusSettings;
 
 namespace {
 
-class MapText : public testing::Test {
+class ModbusMapText : public testing::Test {
 protected:
-    MapText() {
+    ModbusMapText() {
         site.channels[0].rtus.pop_back();
         std::vector<host::Point>& points = site.channels[0].rtus[0].points;
         points.erase(points.begin() + 2, points.begin() + 4); // leaves READY, RUN and DEPTH
@@ -28,7 +28,7 @@ protected:
 
 } // namespace
 
-TEST_F(MapText, IsATableForPeople) {
+TEST_F(ModbusMapText, IsATableForPeople) {
     EXPECT_EQ(
         host::modbusMapTable(map(), settings),
         "Modbus TCP on 127.0.0.1:1502, read only, of 32-bit values the upper half first; a value that is not "
@@ -50,7 +50,7 @@ TEST_F(MapText, IsATableForPeople) {
         "m\n");
 }
 
-TEST_F(MapText, IsCommaSeparatedForPrograms) {
+TEST_F(ModbusMapText, IsCommaSeparatedForPrograms) {
     settings.takesWrites = true;
     settings.units = ModbusSettings::Units::Rtu;
     settings.quality = ModbusSettings::Quality::Bits;
