@@ -22,7 +22,8 @@ constexpr TableName coils{"coil", 1};
 constexpr TableName inputRegisters{"input register", 300'001};
 constexpr TableName holdingRegisters{"holding register", 400'001};
 
-enum Column : std::size_t {
+namespace column {
+enum Index : std::size_t {
     Unit,
     Table,
     Address,
@@ -36,9 +37,10 @@ enum Column : std::size_t {
     PointId,
     PointName,
     ValueUnit,
-    columnCount
+    count
 };
-using Row = std::array<std::string, columnCount>;
+} // namespace column
+using Row = std::array<std::string, column::count>;
 
 const Row heads = {"unit",    "table",   "address", "reference", "count", "format",    "access",
                    "quality", "channel", "rtu",     "id",        "name",  "value_unit"};
@@ -56,20 +58,20 @@ Row rowOf(const MappedPoint& one, const TableName& table, const char* access, co
     const Point& point = *one.point;
     const bool isAnalog = point.kind == PointKind::Analog;
     Row row;
-    row[Unit] = one.unit == 0 ? "any" : std::to_string(one.unit);
-    row[Table] = table.text;
-    row[Address] = std::to_string(one.address);
-    row[Reference] = referenceText(table, one.address);
-    row[Count] = std::to_string(isAnalog ? registersOfValue : 1);
-    row[Format] = formatOf(point);
-    row[Access] = access;
+    row[column::Unit] = one.unit == 0 ? "any" : std::to_string(one.unit);
+    row[column::Table] = table.text;
+    row[column::Address] = std::to_string(one.address);
+    row[column::Reference] = referenceText(table, one.address);
+    row[column::Count] = std::to_string(isAnalog ? registersOfValue : 1);
+    row[column::Format] = formatOf(point);
+    row[column::Access] = access;
     if (settings.quality == Settings::Quality::Bits)
-        row[QualityBit] = std::to_string((isAnalog ? analogQuality : statusQuality) + one.address);
-    row[ChannelName] = one.channel->name;
-    row[RtuName] = one.rtu->name;
-    row[PointId] = std::to_string(point.id);
-    row[PointName] = point.name;
-    row[ValueUnit] = unitOf(point);
+        row[column::QualityBit] = std::to_string((isAnalog ? analogQuality : statusQuality) + one.address);
+    row[column::ChannelName] = one.channel->name;
+    row[column::RtuName] = one.rtu->name;
+    row[column::PointId] = std::to_string(point.id);
+    row[column::PointName] = point.name;
+    row[column::ValueUnit] = unitOf(point);
     return row;
 }
 
@@ -92,8 +94,8 @@ std::size_t widthOf(const std::string& text) {
     }));
 }
 
-bool isShown(std::size_t column, const Settings& settings) {
-    return column != QualityBit || settings.quality == Settings::Quality::Bits;
+bool isShown(std::size_t index, const Settings& settings) {
+    return index != column::QualityBit || settings.quality == Settings::Quality::Bits;
 }
 
 std::string headLine(const Settings& settings) {
@@ -105,22 +107,22 @@ std::string headLine(const Settings& settings) {
                                                         : "is answered with exception 0x0B\n");
 }
 
-void appendLine(std::string& text, const Row& row, const std::array<std::size_t, columnCount>& widths,
+void appendLine(std::string& text, const Row& row, const std::array<std::size_t, column::count>& widths,
                 const Settings& settings) {
     std::string line;
-    for (std::size_t column = 0; column < columnCount; ++column) {
-        if (!isShown(column, settings))
+    for (std::size_t i = 0; i < column::count; ++i) {
+        if (!isShown(i, settings))
             continue;
-        line += row[column];
-        line.append(widths[column] - widthOf(row[column]) + 2, ' ');
+        line += row[i];
+        line.append(widths[i] - widthOf(row[i]) + 2, ' ');
     }
     text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
 }
 
 void appendCsvLine(std::string& text, const Row& row) {
-    for (std::size_t column = 0; column < columnCount; ++column) {
-        text += column == 0 ? "" : ",";
-        appendCsvText(text, row[column]);
+    for (std::size_t i = 0; i < column::count; ++i) {
+        text += i == 0 ? "" : ",";
+        appendCsvText(text, row[i]);
     }
     text += '\n';
 }
@@ -130,10 +132,10 @@ void appendCsvLine(std::string& text, const Row& row) {
 std::string modbusMapTable(const ModbusMap& map, const ModbusSettings& settings) {
     std::vector<Row> rows = rowsOf(map, settings);
     rows.insert(rows.begin(), heads);
-    std::array<std::size_t, columnCount> widths{};
+    std::array<std::size_t, column::count> widths{};
     for (const Row& row : rows)
-        for (std::size_t column = 0; column < columnCount; ++column)
-            widths[column] = std::max(widths[column], widthOf(row[column]));
+        for (std::size_t i = 0; i < column::count; ++i)
+            widths[i] = std::max(widths[i], widthOf(row[i]));
     std::string text = headLine(settings);
     for (const Row& row : rows)
         appendLine(text, row, widths, settings);

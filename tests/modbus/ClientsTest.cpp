@@ -89,7 +89,7 @@ TEST(QtModbusClient, GetsExceptions) {
     EXPECT_THAT(client.write(Unit::HoldingRegisters, 1'000, {0xFFFF, 0xFFFF}), ElementsAre(0x03));
     publish(served.store, 7, 3, 5, PointQuality::Bad);
     EXPECT_THAT(client.read(Unit::HoldingRegisters, 0, 6), ElementsAre(0x0B));
-    served.taker.nextEnd.result = Halvex::DriverErrorResult::TimeOut;
+    served.taker.endWith(Halvex::DriverErrorResult::TimeOut);
     EXPECT_THAT(client.write(Unit::Coils, 1, {1}), ElementsAre(0x0B));
 }
 
@@ -131,6 +131,6 @@ TEST(Mbpoll, IsToldOfExceptions) {
     EXPECT_THAT(mbpoll(port, words("-t 4 -r 2"), words("7")), HasSubstr("Illegal data address"));
     publish(served.store, 7, 3, 5, PointQuality::Bad);
     EXPECT_THAT(mbpoll(port, words("-t 4:int -r 2")), HasSubstr("Target device failed to respond"));
-    served.taker.nextEnd.wasRefused = true;
+    served.taker.endWith(Halvex::DriverErrorResult::Success, true);
     EXPECT_THAT(mbpoll(port, words("-t 0 -r 1"), words("1")), HasSubstr("Slave device or server failure"));
 }

@@ -127,10 +127,10 @@ TEST_F(ModbusGatewayTest, IsBusyWhileItsCommandsAreOpen) {
 }
 
 TEST_F(ModbusGatewayTest, IsBusyWhenNoMoreCommandsAreTaken) {
-    taker.mostTaken = 0;
+    taker.takeAtMost(0);
     ask(switchRun);
     EXPECT_THAT(answers, ElementsAre("85 06"));
-    taker.mostTaken = 1;
+    taker.takeAtMost(1);
     ask(switchRun);
     EXPECT_THAT(answers, ElementsAre("85 06", "05 00 01 FF 00"));
 }

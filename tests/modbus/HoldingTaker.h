@@ -13,6 +13,7 @@
 class HoldingTaker : public host::CommandTaker {
 public:
     std::string submit(const host::Command& command, host::CommandDone done) override {
+        host::CommandEnd end;
         {
             const std::lock_guard<std::mutex> lock(mutex);
             if (taken.size() >= mostTaken)
@@ -22,12 +23,27 @@ public:
                 held.push_back(std::move(done));
                 return {};
             }
+            end = nextEnd;
         }
-        done(nextEnd);
+        done(end);
         return {};
     }
 
-    void hold() { isHolding = true; }
+    void hold() {
+        const std::lock_guard<std::mutex> lock(mutex);
+        isHolding = true;
+    }
+    // How commands end that are not held.
+    void endWith(Halvex::DriverErrorResult result, bool wasRefused = false) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        nextEnd.result = result;
+        nextEnd.wasRefused = wasRefused;
+    }
+    // Refuses those that are more.
+    void takeAtMost(std::size_t count) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        mostTaken = count;
+    }
     // Ends the oldest command, once there is one.
     void end(const host::CommandEnd& commandEnd) {
         host::CommandDone done;
@@ -48,9 +64,6 @@ public:
         return taken;
     }
 
-    host::CommandEnd nextEnd;          // of commands that are not held
-    std::size_t mostTaken = 1'000'000; // more are refused
-
 private:
     static std::string text(const host::Command& command) {
         std::ostringstream text;
@@ -65,6 +78,8 @@ private:
 
     mutable std::mutex mutex; // guards what follows
     bool isHolding = false;
+    host::CommandEnd nextEnd;
+    std::size_t mostTaken = 1'000'000;
     std::vector<std::string> taken;
     std::deque<host::CommandDone> held;
 };
