@@ -2,6 +2,9 @@
 
 #include "runtime/Secret.h"
 
+#ifdef SBUS_WITH_HTTP
+#include "services/http/HttpService.h"
+#endif
 #ifdef SBUS_WITH_MQTT
 #include "services/mqtt/MqttService.h"
 #endif
@@ -20,6 +23,14 @@ namespace {
 [[maybe_unused]] void tellMissing(const std::string& table, const Place& place, Findings& findings) {
     findings.error(place, "this sbus-host was built without [" + table + "]",
                    "take the table out, or a program that was built with it");
+}
+
+void checkHttp(const HttpSettings& settings, Findings& findings) {
+#ifdef SBUS_WITH_HTTP
+    checkHttpFiles(settings, findings);
+#else
+    tellMissing("http", settings.listen.place, findings);
+#endif
 }
 
 void checkMqtt(const MqttSettings& settings, Findings& findings) {
@@ -42,12 +53,19 @@ GatewayServices makeGatewayServices([[maybe_unused]] const Site& site,
     if (site.mqtt)
         services.push_back(std::make_unique<MqttService>(*site.mqtt, places.stateDirectory, places.sitePath));
 #endif
+        // The last of them: it tells the others' figures.
+#ifdef SBUS_WITH_HTTP
+    if (site.http)
+        services.push_back(std::make_unique<HttpService>(*site.http));
+#endif
     return services;
 }
 
 void checkGatewayServices(const Site& site, Findings& findings) {
     if (site.mqtt)
         checkMqtt(*site.mqtt, findings);
+    if (site.http)
+        checkHttp(*site.http, findings);
     findings.finish();
 }
 

@@ -3,6 +3,7 @@
 #include "ElementAddress.h"
 #include "Engineering.h"
 #include "Finding.h"
+#include "HttpSettings.h"
 #include "LinkUrl.h"
 #include "MqttSettings.h"
 
@@ -112,6 +113,7 @@ struct Site {
     std::vector<Channel> channels;
     std::string name = {}; // in topics and labels; the site file's, without its ending, where it gives none
     ControlSettings control = {};
+    std::optional<HttpSettings> http = {};
     std::optional<MqttSettings> mqtt = {};
 };
 

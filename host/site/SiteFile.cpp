@@ -1,6 +1,7 @@
 #include "SiteFile.h"
 
 #include "ControlTable.h"
+#include "HttpTable.h"
 #include "MqttTable.h"
 #include "PointFields.h"
 #include "PointTableFile.h"
@@ -65,6 +66,7 @@ private:
         loaded.site.name = readSiteName(table);
         loaded.site.control = readControlTable(table, file, loaded.findings);
         loaded.site.mqtt = readMqttTable(table, file, loaded.findings);
+        loaded.site.http = readHttpTable(table, file, loaded.findings);
         table.rejectUnknownKeys();
         checkSite(loaded.site, loaded.findings);
     }

@@ -38,6 +38,12 @@ TEST(DescriptorNeed, IsMoreWhereAHostNameHasToBeLookedUp) {
     EXPECT_EQ(neededBeyondNoLine(siteOf({byName, byAddress})), 14U);
 }
 
+TEST(DescriptorNeed, IsMoreWithAnHttpServer) {
+    Site site = siteOf({byAddress});
+    site.http.emplace();
+    EXPECT_EQ(neededBeyondNoLine(site), 4U + 5U + mostHttpClients);
+}
+
 TEST(DescriptorNeed, IsMoreWithLogFilesACaptureAndTheControlSocket) {
     const Site site = siteOf({byAddress, byAddress});
     BesideLines beside;
