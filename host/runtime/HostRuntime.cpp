@@ -171,6 +171,7 @@ std::vector<RtuFigures> HostRuntime::rtuFigures() const {
                 one.wasRefused = ends.wasRefused(channelId, rtu.id);
                 const RequestEnds::TelegramFigures telegrams = ends.telegramFiguresOf(channelId, rtu.id);
                 one.refusals = telegrams.refusals;
+                one.silences = telegrams.silences;
                 one.roundTrips = telegrams.roundTrips;
                 one.overruns = ends.overrunsOf(channelId, rtu.id);
                 if (const auto supervised = ends.figuresOf(channelId, rtu.id)) {

@@ -160,6 +160,8 @@ void RequestEnds::countTelegrams(const LineObserver::RequestTrace& trace, Kind k
     requests.telegrams.roundTrips.add(trace.roundTrips);
     if (kind == Kind::Refused)
         ++requests.telegrams.refusals;
+    else if (kind == Kind::NoAnswer)
+        ++requests.telegrams.silences;
 }
 
 void RequestEnds::countAttempt(Figures& figures, const RtuStatus& status) {

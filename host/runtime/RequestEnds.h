@@ -58,6 +58,7 @@ public:
     // What an RTU's controller made of the requests for it, each try on its own.
     struct TelegramFigures {
         quint64 refusals = 0;
+        quint64 silences = 0; // nothing came back to the last telegram in time
         RoundTripHistogram roundTrips;
     };
     TelegramFigures telegramFiguresOf(int channelId, int rtuId) const;

@@ -233,7 +233,7 @@ TEST(RequestEnds, PassesOverWhatBelongsToNoRtuOfTheSite) {
     EXPECT_EQ(line.core.rtuStatusCount(), 2);
 }
 
-TEST(RequestEnds, CountsRefusalsAndTheRoundTripsOfAllTelegramsThatWereAnswered) {
+TEST(RequestEnds, CountsRefusalsSilencesAndTheRoundTripsOfAllTelegramsThatWereAnswered) {
     const host::Site site = smallSite();
     ObservedLine line(site);
     line.send(readTwoRegisters);
@@ -245,6 +245,7 @@ TEST(RequestEnds, CountsRefusalsAndTheRoundTripsOfAllTelegramsThatWereAnswered) 
     line.reportFailure();
     const auto figures = line.ends.telegramFiguresOf(channelId, rtuId);
     EXPECT_EQ(figures.refusals, 1U);
+    EXPECT_EQ(figures.silences, 1U);
     quint64 answered = 0;
     for (const std::uint64_t count : figures.roundTrips.counts)
         answered += count;

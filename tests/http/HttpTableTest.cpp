@@ -18,8 +18,9 @@ host::LoadedSite read(const std::string& http) {
 
 // Without those about the line.
 std::vector<std::string> findings(const std::string& http) {
+    const host::LoadedSite loaded = read(http);
     std::vector<std::string> texts;
-    for (const host::Finding& finding : read(http).findings.all())
+    for (const host::Finding& finding : loaded.findings.all())
         if (finding.place.line > 7)
             texts.push_back(toText(finding));
     return texts;

@@ -94,6 +94,7 @@ TEST_F(SiteMetrics, TellHowRequestsEnded) {
     rtu.status.timeOuts = 2;
     rtu.status.errors = 1;
     rtu.attempts = 17;
+    rtu.silences = 5;
     rtu.refusals = 3;
     rtu.overruns = 4;
     rtu.roundTrips.add(std::chrono::milliseconds(3));
@@ -104,8 +105,8 @@ TEST_F(SiteMetrics, TellHowRequestsEnded) {
         EXPECT_THAT(text, HasSubstr("\nsbus_rtu_" + std::string(line) + rtuLabels + "} "));
     EXPECT_THAT(text, AllOf(HasSubstr("requests_total" + rtuLabels + "} 12\n"),
                             HasSubstr("answers_total" + rtuLabels + "} 9\n"),
-                            HasSubstr("timeouts_total" + rtuLabels + "} 2\n"),
-                            HasSubstr("errors_total" + rtuLabels + "} 1\n"),
+                            HasSubstr("timeouts_total" + rtuLabels + "} 5\n"),
+                            HasSubstr("errors_total" + rtuLabels + "} 3\n"),
                             HasSubstr("attempts_total" + rtuLabels + "} 17\n"),
                             HasSubstr("refused_total" + rtuLabels + "} 3\n"),
                             HasSubstr("poll_overruns_total" + rtuLabels + "} 4\n"),

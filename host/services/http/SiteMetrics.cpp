@@ -67,14 +67,16 @@ void writeRequests(MetricsText& text, const std::vector<RtuRow>& rows) {
     writeSamples(text, rows, [](const RtuOutcome& rtu) { return flag(rtu.figures.status.connected); });
     text.beginCounter("sbus_rtu_requests", "Polls and commands that have ended.");
     writeSamples(text, rows, [](const RtuOutcome& rtu) { return rtu.figures.status.requests; });
-    text.beginCounter("sbus_rtu_attempts", "Tries that polls and commands took.");
-    writeSamples(text, rows, [](const RtuOutcome& rtu) { return rtu.figures.attempts; });
     text.beginCounter("sbus_rtu_answers", "Polls and commands that were answered.");
     writeSamples(text, rows, [](const RtuOutcome& rtu) { return rtu.figures.status.answers; });
-    text.beginCounter("sbus_rtu_timeouts", "Polls and commands that ended with a time-out.");
-    writeSamples(text, rows, [](const RtuOutcome& rtu) { return rtu.figures.status.timeOuts; });
-    text.beginCounter("sbus_rtu_errors", "Polls and commands that ended with another failure.");
-    writeSamples(text, rows, [](const RtuOutcome& rtu) { return rtu.figures.status.errors; });
+    text.beginCounter("sbus_rtu_errors", "Polls and commands that have failed, with all their tries.");
+    writeSamples(text, rows, [](const RtuOutcome& rtu) {
+        return rtu.figures.status.timeOuts + rtu.figures.status.errors;
+    });
+    text.beginCounter("sbus_rtu_attempts", "Tries that polls and commands took.");
+    writeSamples(text, rows, [](const RtuOutcome& rtu) { return rtu.figures.attempts; });
+    text.beginCounter("sbus_rtu_timeouts", "Tries that found no answer in time.");
+    writeSamples(text, rows, [](const RtuOutcome& rtu) { return rtu.figures.silences; });
     text.beginCounter("sbus_rtu_refused", "Tries that the controller refused.");
     writeSamples(text, rows, [](const RtuOutcome& rtu) { return rtu.figures.refusals; });
     text.beginCounter(
