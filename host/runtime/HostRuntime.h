@@ -30,7 +30,7 @@ struct RtuFigures {
     quint64 refusals = 0;    // requests of the driver's that the controller refused
     quint64 silences = 0;    // those that found no answer in time
     quint64 overruns = 0;    // polls left out because the one before of their kind still waited
-    RoundTripHistogram roundTrips;
+    RoundTripHistogram roundTrips = {};
 };
 
 // How a channel of the site stands.

@@ -1,4 +1,4 @@
-#include "HttpConnection.h"
+#include "HttpOffice.h"
 
 namespace host {
 
