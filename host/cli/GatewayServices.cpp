@@ -3,6 +3,9 @@
 #include "plan/ModbusMap.h"
 #include "runtime/Secret.h"
 
+#ifdef SBUS_WITH_HTTP
+#include "services/http/HttpService.h"
+#endif
 #ifdef SBUS_WITH_MODBUS
 #include "services/modbus/ModbusService.h"
 #endif
@@ -24,6 +27,14 @@ namespace {
 [[maybe_unused]] void tellMissing(const std::string& table, const Place& place, Findings& findings) {
     findings.error(place, "this sbus-host was built without [" + table + "]",
                    "take the table out, or a program that was built with it");
+}
+
+void checkHttp(const HttpSettings& settings, Findings& findings) {
+#ifdef SBUS_WITH_HTTP
+    checkHttpFiles(settings, findings);
+#else
+    tellMissing("http", settings.listen.place, findings);
+#endif
 }
 
 void checkMqtt(const MqttSettings& settings, Findings& findings) {
@@ -58,6 +69,11 @@ GatewayServices makeGatewayServices([[maybe_unused]] const Site& site,
     if (site.mqtt)
         services.push_back(std::make_unique<MqttService>(*site.mqtt, places.stateDirectory, places.sitePath));
 #endif
+        // The last of them: it tells the others' figures.
+#ifdef SBUS_WITH_HTTP
+    if (site.http)
+        services.push_back(std::make_unique<HttpService>(*site.http));
+#endif
     return services;
 }
 
@@ -66,6 +82,8 @@ void checkGatewayServices(const Site& site, Findings& findings) {
         checkModbus(site, *site.modbus, findings);
     if (site.mqtt)
         checkMqtt(*site.mqtt, findings);
+    if (site.http)
+        checkHttp(*site.http, findings);
     findings.finish();
 }
 

@@ -13,7 +13,8 @@ constexpr std::size_t ofEnd = 4;
 constexpr std::size_t ofNameLookUp = 6;
 constexpr std::size_t ofCapture = 2; // the file, and the next one
 constexpr std::size_t ofModbus =
-    5; // its socket, what its thread waits with, and a client that is turned away
+    5;                            // its socket, what its thread waits with, and a client that is turned away
+constexpr std::size_t ofHttp = 5; // its thread's waits, the socket, and a client that is turned away
 constexpr std::size_t ofControl = 5; // its thread, its lock, the socket, and what asks whether it is taken
 
 bool isName(const std::string& host) {
@@ -33,6 +34,7 @@ std::size_t descriptorsNeeded(const Site& site, const BesideLines& beside) {
         needed += neededBy(channel.primary) + (channel.secondary ? neededBy(*channel.secondary) : 0) +
                   (beside.hasLogFiles ? 1 : 0);
     needed += beside.hasCapture ? ofCapture : 0;
+    needed += site.http ? ofHttp + mostHttpClients : 0;
     needed += beside.hasControl ? ofControl + leastControlClients : 0;
     needed += site.modbus ? ofModbus + mostModbusClients : 0;
     return needed;

@@ -169,6 +169,11 @@ std::vector<RtuFigures> HostRuntime::rtuFigures() const {
                 one.status = made->GetRtuStatus();
                 one.attempts = one.status.requests;
                 one.wasRefused = ends.wasRefused(channelId, rtu.id);
+                const RequestEnds::TelegramFigures telegrams = ends.telegramFiguresOf(channelId, rtu.id);
+                one.refusals = telegrams.refusals;
+                one.silences = telegrams.silences;
+                one.roundTrips = telegrams.roundTrips;
+                one.overruns = ends.overrunsOf(channelId, rtu.id);
                 if (const auto supervised = ends.figuresOf(channelId, rtu.id)) {
                     one.status = supervised->status;
                     one.status.connected = running.channel->IsConnect() && one.status.answers > 0;

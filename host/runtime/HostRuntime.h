@@ -27,6 +27,10 @@ struct RtuFigures {
     RtuStatus status;        // not connected when the last request found no answer
     quint64 attempts = 0;    // requests of the driver's that its polls and commands took
     bool wasRefused = false; // the last of its requests that failed
+    quint64 refusals = 0;    // requests of the driver's that the controller refused
+    quint64 silences = 0;    // those that found no answer in time
+    quint64 overruns = 0;    // polls left out because the one before of their kind still waited
+    RoundTripHistogram roundTrips = {};
 };
 
 // How a channel of the site stands.

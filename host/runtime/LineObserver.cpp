@@ -82,6 +82,8 @@ void LineObserver::failed() {
 void LineObserver::endExchange() {
     if (!std::exchange(isOpen, false))
         return;
+    if (!current.received.empty())
+        request.roundTrips.add(current.roundTrip);
     if (isWriteTelegram(current.framing, current.sent) &&
         answerTo(current.framing, current.sent, current.received) == Answer::Refused)
         request.refusedWrite = lastExchange();

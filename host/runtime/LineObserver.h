@@ -2,6 +2,7 @@
 
 #include "ExchangeFeed.h"
 #include "LifeSign.h"
+#include "RoundTripHistogram.h"
 #include "site/Site.h"
 
 #include <HalvexDriverLink/CLink.h>
@@ -39,8 +40,9 @@ public:
     struct RequestTrace {
         bool hasExchange = false;
         bool hasLineFailed = false;
-        bool wasHeard = false; // something came back to one of its telegrams at least
-        TelegramBytes unsent;  // the telegram with which the line failed before it had gone out
+        bool wasHeard = false;         // something came back to one of its telegrams at least
+        TelegramBytes unsent;          // the telegram with which the line failed before it had gone out
+        RoundTripHistogram roundTrips; // of its telegrams to which something came back
         // Of a write that the controller refused, whatever the driver made of it.
         std::optional<Exchange> refusedWrite;
     };

@@ -113,6 +113,11 @@ std::vector<int> LinePoller::driverRtuIds() const {
     return ids;
 }
 
+quint64 LinePoller::overrunsOf(int rtuId) const {
+    const Carrier carrier = carrierOf(rtuId);
+    return carrier.entry == nullptr ? 0 : carrier.entry->overruns.load(std::memory_order_relaxed);
+}
+
 bool LinePoller::wish(int rtuId) {
     const Carrier carrier = carrierOf(rtuId);
     if (carrier.entry == nullptr)
@@ -126,7 +131,7 @@ void LinePoller::takeTurn(const std::vector<DuePoll>& due) {
     forgetLostRequests();
     for (const DuePoll& poll : due)
         if (const Carrier carrier = carrierOf(poll.rtu->GetRtuId()); carrier.entry != nullptr)
-            carrier.entry->rtu->want(poll.kind);
+            wantDue(*carrier.entry, poll.kind);
     for (const auto& entry : entries)
         if (entry->isWished.exchange(false, std::memory_order_acq_rel)) {
             entry->rtu->want(integrity);
@@ -134,6 +139,11 @@ void LinePoller::takeTurn(const std::vector<DuePoll>& due) {
         }
     for (auto& [number, station] : stations)
         takeTurn(station);
+}
+
+void LinePoller::wantDue(Entry& entry, int kind) {
+    if (!entry.rtu->want(kind) && !entry.station->rest.isResting())
+        entry.overruns.fetch_add(1, std::memory_order_relaxed);
 }
 
 void LinePoller::takeTurn(Station& station) {

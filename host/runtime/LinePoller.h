@@ -46,6 +46,9 @@ public:
     // A try to open the line, with its result. What was silent because of the line is asked afresh.
     void lineOpened(bool onSecondary, int result);
 
+    // Polls of an RTU that were left out because the one before of their kind had not begun when they were
+    // due; none of a station that rests. Any thread.
+    quint64 overrunsOf(int rtuId) const;
     // Asks for an integrity poll, at the next turn. Any thread. False for an RTU that is not polled.
     bool wish(int rtuId);
     // While this is held, the points of the line's RTUs stay as they are. Any thread; never while the channel
@@ -64,6 +67,7 @@ private:
         std::unique_ptr<PolledRtu> rtu;
         Station* station = nullptr;
         std::atomic<bool> isWished{false};
+        std::atomic<quint64> overruns{0};
     };
     // What a driver RTU is.
     struct Carrier {
@@ -74,6 +78,7 @@ private:
     void add(const Rtu& rtu, int secondId, HalvexDriverCoreInterface& core);
     Station& stationOf(const Rtu& rtu);
     Carrier carrierOf(int driverRtuId) const;
+    static void wantDue(Entry& entry, int kind);
     void forgetLostRequests();
     void takeTurn(Station& station);
     void hear(Station& station, const RequestEnd& end);

@@ -80,10 +80,12 @@ void PolledRtu::holdSecond(const std::vector<ReadTelegram>& telegrams) {
     givePointsToRead(second, rtu, telegrams);
 }
 
-void PolledRtu::want(int kind) {
-    if (std::find(wantedKinds.begin(), wantedKinds.end(), kind) == wantedKinds.end())
+bool PolledRtu::want(int kind) {
+    const bool isNew = std::find(wantedKinds.begin(), wantedKinds.end(), kind) == wantedKinds.end();
+    if (isNew)
         wantedKinds.push_back(kind);
     hasChanged = true;
+    return isNew;
 }
 
 void PolledRtu::proceed(bool isConnected) {

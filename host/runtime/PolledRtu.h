@@ -34,8 +34,8 @@ public:
     const Rtu& configured() const { return rtu; }
 
     void prepare();
-    // A poll is due.
-    void want(int kind);
+    // A poll is to be made. False when the one before of this kind has not even begun: both become one.
+    bool want(int kind);
 
     // Between two turns.
     void proceed(bool isConnected);

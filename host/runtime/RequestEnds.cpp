@@ -113,6 +113,7 @@ std::optional<RequestEnd> RequestEnds::endOf(Line& line, Counted& counted, const
     else if (trace.hasExchange && !isAnswered)
         end.exchange = line.observer->lastExchange();
     end.kind = kindOf(trace, isAnswered, end.exchange);
+    countTelegrams(trace, end.kind, *counted.requests);
     end.hasTelegram = trace.hasExchange;
     if (isWriteTelegram(line.observer->framing(), trace.unsent))
         end.unsentWrite = std::move(trace.unsent);
@@ -154,6 +155,15 @@ void RequestEnds::tellEnd(Line& line, int driverRtuId, const RequestEnd& end, co
         line.poller->commandEnded(driverRtuId, end);
 }
 
+void RequestEnds::countTelegrams(const LineObserver::RequestTrace& trace, Kind kind, Requests& requests) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    requests.telegrams.roundTrips.add(trace.roundTrips);
+    if (kind == Kind::Refused)
+        ++requests.telegrams.refusals;
+    else if (kind == Kind::NoAnswer)
+        ++requests.telegrams.silences;
+}
+
 void RequestEnds::countAttempt(Figures& figures, const RtuStatus& status) {
     const std::lock_guard<std::mutex> lock(mutex);
     ++figures.attempts;
@@ -184,6 +194,17 @@ std::optional<RequestEnds::Figures> RequestEnds::figuresOf(int channelId, int rt
         return std::nullopt;
     const std::lock_guard<std::mutex> lock(mutex);
     return line->second.rtus.at(rtuId).figures;
+}
+
+RequestEnds::TelegramFigures RequestEnds::telegramFiguresOf(int channelId, int rtuId) const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    const Requests* const requests = find(channelId, rtuId);
+    return requests == nullptr ? TelegramFigures() : requests->telegrams;
+}
+
+quint64 RequestEnds::overrunsOf(int channelId, int rtuId) const {
+    const auto line = lines.find(channelId);
+    return line == lines.end() || !line->second.poller ? 0 : line->second.poller->overrunsOf(rtuId);
 }
 
 RequestEnd::Kind RequestEnds::kindOf(const LineObserver::RequestTrace& trace, bool isAnswered,

@@ -55,10 +55,21 @@ public:
     };
     std::optional<Figures> figuresOf(int channelId, int rtuId) const;
 
+    // What an RTU's controller made of the requests for it, each try on its own.
+    struct TelegramFigures {
+        quint64 refusals = 0;
+        quint64 silences = 0; // nothing came back to the last telegram in time
+        RoundTripHistogram roundTrips;
+    };
+    TelegramFigures telegramFiguresOf(int channelId, int rtuId) const;
+    // Polls of an RTU that were left out, see LinePoller. Of a line without a poller 0.
+    quint64 overrunsOf(int channelId, int rtuId) const;
+
 private:
     struct Requests {
         const Rtu* rtu = nullptr;
         Figures figures;
+        TelegramFigures telegrams;
         bool isSilent = false;
         bool wasRefused = false;     // the last one that failed
         bool wasLastRefused = false; // the very last one
@@ -80,6 +91,7 @@ private:
     std::optional<RequestEnd> endOf(Line& line, Counted& counted, const RtuStatus& status);
     void tell(Requests& requests, const RequestEnd& end);
     void tellEnd(Line& line, int driverRtuId, const RequestEnd& end, const RtuStatus& status);
+    void countTelegrams(const LineObserver::RequestTrace& trace, RequestEnd::Kind kind, Requests& requests);
     void countAttempt(Figures& figures, const RtuStatus& status);
     void countEnd(const RequestEnd& end, Figures& figures);
     static std::optional<ReadTelegram> lastRead(const LineObserver& observer);

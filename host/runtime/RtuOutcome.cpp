@@ -6,7 +6,10 @@ namespace host {
 
 namespace {
 
-void count(RtuOutcome& outcome, PointQuality quality) {
+void count(RtuOutcome& outcome, const PointState& state) {
+    const PointQuality quality = state.quality;
+    if (state.hasValue() && (outcome.oldestValueMs == 0 || state.valueTimeMs < outcome.oldestValueMs))
+        outcome.oldestValueMs = state.valueTimeMs;
     if (quality == PointQuality::Good)
         ++outcome.goodPoints;
     else if (quality == PointQuality::Bad)
@@ -22,7 +25,7 @@ void countPoints(RtuOutcome& outcome, const PointTable::Block& block, const Valu
     for (PointIndex next = block.first; next < block.end();) {
         store.copyStates(next, block.end() - next, states);
         for (const PointState& state : states)
-            count(outcome, state.quality);
+            count(outcome, state);
         next += static_cast<PointIndex>(states.size());
     }
 }

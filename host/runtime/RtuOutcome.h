@@ -13,6 +13,7 @@ struct RtuOutcome {
     std::size_t badPoints = 0;
     std::size_t refusedPoints = 0;
     std::size_t neverReadPoints = 0;
+    qint64 oldestValueMs = 0; // since 1970, of all values that were ever read; 0: none was
 };
 
 std::vector<RtuOutcome> collectOutcomes(const std::vector<RtuFigures>& figures, const ValueStore& store);

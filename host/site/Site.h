@@ -3,6 +3,7 @@
 #include "ElementAddress.h"
 #include "Engineering.h"
 #include "Finding.h"
+#include "HttpSettings.h"
 #include "LinkUrl.h"
 #include "ModbusSettings.h"
 #include "MqttSettings.h"
@@ -116,6 +117,7 @@ struct Site {
     std::string name = {}; // in topics and labels; the site file's, without its ending, where it gives none
     ControlSettings control = {};
     std::optional<ModbusSettings> modbus = {}; // none: no server
+    std::optional<HttpSettings> http = {};
     std::optional<MqttSettings> mqtt = {};
 };
 

@@ -1,6 +1,7 @@
 #include "SiteFile.h"
 
 #include "ControlTable.h"
+#include "HttpTable.h"
 #include "ModbusTable.h"
 #include "MqttTable.h"
 #include "PointFields.h"
@@ -67,6 +68,7 @@ private:
         loaded.site.control = readControlTable(table, file, loaded.findings);
         loaded.site.modbus = readModbusTable(table, file, loaded.findings);
         loaded.site.mqtt = readMqttTable(table, file, loaded.findings);
+        loaded.site.http = readHttpTable(table, file, loaded.findings);
         table.rejectUnknownKeys();
         checkSite(loaded.site, loaded.findings);
     }

@@ -15,6 +15,7 @@ printf '#!/bin/sh\nexit 1\n' >"$folder/dpkg-query"
 printf '#!/bin/sh\nexec "$@"\n' >"$folder/sudo"
 printf '#!/bin/sh\nexit 0\n' >"$folder/cmake"
 cp "$folder/cmake" "$folder/ctest"
+cp "$folder/cmake" "$folder/systemctl"
 chmod +x "$folder"/*
 export INSTALLED=$folder/installed PATH=$folder:$PATH
 
@@ -41,8 +42,10 @@ expect() {
 }
 
 tools=(clang-14 tshark valgrind libgtest-dev libmodbus-dev libbenchmark-dev gcovr)
-expect build -- g++ cmake qtbase5-dev libspdlog-dev "${tools[@]/#/!}"
-expect build demo -- g++ cmake qtbase5-dev libspdlog-dev "${tools[@]/#/!}"
+tools+=(prometheus)
+services=(libboost1.81-dev libssl-dev)
+expect build -- g++ cmake qtbase5-dev libspdlog-dev "${services[@]}" "${tools[@]/#/!}"
+expect build demo -- g++ cmake qtbase5-dev libspdlog-dev "${services[@]/#/!}" "${tools[@]/#/!}"
 # For Windows with a Qt that was built before.
 recipe=$(sha256sum "$(dirname "$dev")/cmake/windows/build-qt")
 export XDG_CACHE_HOME=$folder/cache

@@ -44,6 +44,12 @@ TEST(DescriptorNeed, IsMoreWithAModbusServerByItsClients) {
     EXPECT_EQ(neededBeyondNoLine(site), 4U + 5U + mostModbusClients);
 }
 
+TEST(DescriptorNeed, IsMoreWithAnHttpServer) {
+    Site site = siteOf({byAddress});
+    site.http.emplace();
+    EXPECT_EQ(neededBeyondNoLine(site), 4U + 5U + mostHttpClients);
+}
+
 TEST(DescriptorNeed, IsMoreWithLogFilesACaptureAndTheControlSocket) {
     const Site site = siteOf({byAddress, byAddress});
     BesideLines beside;

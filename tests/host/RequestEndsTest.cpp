@@ -232,3 +232,37 @@ TEST(RequestEnds, PassesOverWhatBelongsToNoRtuOfTheSite) {
     EXPECT_TRUE(line.ended.empty());
     EXPECT_EQ(line.core.rtuStatusCount(), 2);
 }
+
+TEST(RequestEnds, CountsRefusalsSilencesAndTheRoundTripsOfAllTelegramsThatWereAnswered) {
+    const host::Site site = smallSite();
+    ObservedLine line(site);
+    line.send(readTwoRegisters);
+    line.receive(twoRegisters);
+    line.send(readTwoRegisters);
+    line.receive(refusal);
+    line.reportFailure();
+    line.send(readTwoRegisters);
+    line.reportFailure();
+    const auto figures = line.ends.telegramFiguresOf(channelId, rtuId);
+    EXPECT_EQ(figures.refusals, 1U);
+    EXPECT_EQ(figures.silences, 1U);
+    quint64 answered = 0;
+    for (const std::uint64_t count : figures.roundTrips.counts)
+        answered += count;
+    EXPECT_EQ(answered, 2U) << "to the third telegram nothing came back";
+    EXPECT_GE(figures.roundTrips.sum, std::chrono::microseconds(2));
+}
+
+TEST(RoundTripHistogram, CountsARoundTripInTheStepThatItEnds) {
+    host::RoundTripHistogram trips;
+    trips.add(std::chrono::microseconds(500));
+    trips.add(std::chrono::microseconds(501));
+    trips.add(std::chrono::microseconds(6'000'000));
+    EXPECT_EQ(trips.counts[0], 1U);
+    EXPECT_EQ(trips.counts[1], 1U);
+    EXPECT_EQ(trips.counts.back(), 1U);
+    host::RoundTripHistogram all = trips;
+    all.add(trips);
+    EXPECT_EQ(all.counts[0], 2U);
+    EXPECT_EQ(all.sum, std::chrono::microseconds(12'002'002));
+}

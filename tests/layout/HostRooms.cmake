@@ -1,5 +1,6 @@
 # The host's rooms, from the one that knows nothing of the others up to the program: a file includes headers of its
-# own room and of those that stand before it. The services do not know each other.
+# own room and of those that stand before it. The services do not know each other, and two files alone know Boost, which
+# takes long to compile.
 set(rooms site symbols plan polling telegram values runtime commands services oneshot windows cli)
 
 file(GLOB_RECURSE files RELATIVE ${ROOT}/host ${ROOT}/host/*.h ${ROOT}/host/*.cpp)
@@ -14,6 +15,10 @@ foreach(file ${files})
     if(place EQUAL -1)
         list(APPEND faults "${file}: there is no room of this name")
         continue()
+    endif()
+    file(STRINGS ${ROOT}/host/${file} ofBoost REGEX "^#include <boost/")
+    if(ofBoost AND NOT file MATCHES "^services/http/Http(Server|Connection)\\.")
+        list(APPEND faults "${file} includes Boost")
     endif()
     file(STRINGS ${ROOT}/host/${file} includes REGEX "^#include \"[^\"]*/")
     foreach(include ${includes})

@@ -29,36 +29,12 @@ protected:
         wells.rtus.front().timeout = 5s;
     }
 
-    bool haveAllBeenTried() const { return LineWatch::haveAllBeenTried(figures); }
-
     host::Channel pumps;
     host::Channel wells;
     host::SiteFigures figures;
 };
 
 } // namespace
-
-TEST_F(LineWatchTest, WaitsForTheFirstPollOfEachLine) {
-    EXPECT_FALSE(haveAllBeenTried());
-    figures.rtus[0].status.requests = 1;
-    EXPECT_FALSE(haveAllBeenTried());
-    figures.rtus[1].status.requests = 1;
-    EXPECT_TRUE(haveAllBeenTried());
-}
-
-TEST_F(LineWatchTest, TakesALineThatCannotBeOpenedForTried) {
-    figures.rtus[0].status.requests = 1;
-    figures.channels[1].status.failedOpens = 1;
-    EXPECT_TRUE(haveAllBeenTried());
-}
-
-TEST_F(LineWatchTest, AwaitsNoPollOfALineThatHasNothingToPoll) {
-    figures.rtus[0].status.requests = 1;
-    wells.rtus.front().enabled = false;
-    EXPECT_FALSE(haveAllBeenTried());
-    figures.channels[1].status.connected = true;
-    EXPECT_TRUE(haveAllBeenTried());
-}
 
 TEST_F(LineWatchTest, AllowsEachLineItsOwnTimeOutBesideThePatience) {
     const LineWatch watch(start, 30s);

@@ -16,27 +16,7 @@ bool needsLookUp(const LinkEnd& end) {
     return udp != nullptr && QHostAddress(QString::fromStdString(udp->host)).isNull();
 }
 
-bool isPolled(const Rtu& rtu) {
-    return rtu.enabled && !rtu.points.empty();
-}
-
-bool hasBeenTried(const ChannelFigures& line, const std::vector<RtuFigures>& rtus) {
-    const std::vector<Rtu>& configured = line.channel->rtus;
-    if (line.status.failedOpens > 0)
-        return true;
-    if (std::none_of(configured.begin(), configured.end(), isPolled))
-        return line.status.connected;
-    return std::any_of(rtus.begin(), rtus.end(), [&line](const RtuFigures& one) {
-        return one.channel == line.channel && one.status.requests > 0;
-    });
-}
-
 } // namespace
-
-bool LineWatch::haveAllBeenTried(const SiteFigures& figures) {
-    return std::all_of(figures.channels.begin(), figures.channels.end(),
-                       [&figures](const ChannelFigures& line) { return hasBeenTried(line, figures.rtus); });
-}
 
 std::chrono::milliseconds LineWatch::longestWait(const Channel& channel) {
     std::chrono::milliseconds longest{0};

@@ -16,9 +16,6 @@ public:
     LineWatch(Clock::time_point startOfSite, std::chrono::milliseconds patience)
         : start(startOfSite), patienceWithThreads(patience) {}
 
-    // Whether the first poll of each line has ended, well or badly, or the line could not be opened. A line
-    // without anything to poll counts once it is open.
-    static bool haveAllBeenTried(const SiteFigures& figures);
     // The lines whose threads stand still.
     std::vector<const Channel*> stuckLines(const SiteFigures& figures, Clock::time_point now) const;
 

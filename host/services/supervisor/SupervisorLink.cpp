@@ -1,6 +1,7 @@
 #include "SupervisorLink.h"
 
 #include "runtime/FailureText.h"
+#include "runtime/FirstPolls.h"
 #include "runtime/RtuOutcome.h"
 
 #include <algorithm>
@@ -64,7 +65,7 @@ void SupervisorLink::look() {
     const std::vector<const Channel*> stuck = lines->stuckLines(figures, Clock::now());
     tellPeople(stuck);
     const std::string status = statusText(figures, stuck);
-    const bool isReadyNow = isReady || LineWatch::haveAllBeenTried(figures);
+    const bool isReadyNow = isReady || linesBeforeFirstPoll(figures).empty();
     std::string told = lifeLines(stuck);
     if (status != toldStatus && !isEnding.load(std::memory_order_acquire))
         told += "STATUS=" + status + '\n';
