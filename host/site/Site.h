@@ -3,6 +3,7 @@
 #include "ElementAddress.h"
 #include "Engineering.h"
 #include "Finding.h"
+#include "HistorySettings.h"
 #include "LinkUrl.h"
 
 #include <chrono>
@@ -111,6 +112,7 @@ struct Site {
     std::vector<Channel> channels;
     std::string name = {}; // in topics and labels; the site file's, without its ending, where it gives none
     ControlSettings control = {};
+    std::optional<HistorySettings> history = {}; // none: values are not recorded
 };
 
 bool hasPoints(const Rtu& rtu, PointKind kind);

@@ -1,6 +1,7 @@
 #include "SiteFile.h"
 
 #include "ControlTable.h"
+#include "HistoryTable.h"
 #include "PointFields.h"
 #include "PointTableFile.h"
 #include "SiteChecks.h"
@@ -63,6 +64,7 @@ private:
             readChannel(*one);
         loaded.site.name = readSiteName(table);
         loaded.site.control = readControlTable(table, file, loaded.findings);
+        loaded.site.history = readHistoryTable(table, file, loaded.findings);
         table.rejectUnknownKeys();
         checkSite(loaded.site, loaded.findings);
     }
