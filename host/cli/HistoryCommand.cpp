@@ -54,8 +54,15 @@ std::int64_t timeNamed(const std::string& text, std::int64_t nowMs, const QTimeZ
     return *time;
 }
 
-AskedTime timeOf(const HistoryOptions& options) {
+// While a host writes, what is known ends a moment ago: that is now, and no gap.
+std::int64_t endOfKnown(HistoryReader& reader) {
+    constexpr std::int64_t mostBehind = 3'000; // of a host that commits once a second
     const std::int64_t now = QDateTime::currentMSecsSinceEpoch();
+    const std::int64_t known = reader.endOfRuns();
+    return known < now && now - known < mostBehind ? known : now;
+}
+
+AskedTime timeOf(const HistoryOptions& options, std::int64_t now) {
     AskedTime time;
     time.zone = QTimeZone::systemTimeZone();
     time.fromMs = timeNamed(options.from, now, time.zone);
@@ -185,7 +192,7 @@ void show(const HistoryOptions& options, const Site& site) {
     std::vector<AskedPoint> points;
     for (const std::string& name : options.points)
         points.push_back(pointNamed(name, names, reader));
-    const Recordings recordings(reader, timeOf(options), options);
+    const Recordings recordings(reader, timeOf(options, endOfKnown(reader)), options);
     if (options.plot.empty())
         writeText(recordings, points, options.format);
     else

@@ -84,6 +84,10 @@ std::vector<RecordedRun> HistoryReader::runs(std::int64_t fromMs, std::int64_t t
     return found;
 }
 
+std::int64_t HistoryReader::endOfRuns() {
+    return database->execAndGet("SELECT coalesce(max(end), 0) FROM runs").getInt64();
+}
+
 void HistoryReader::read(std::int64_t point, std::int64_t fromMs, std::int64_t toMs,
                          const std::function<void(const RecordedRow&)>& take) {
     SQLite::Statement last(*database, "SELECT max(time) FROM (SELECT max(time) AS time FROM history "

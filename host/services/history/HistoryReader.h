@@ -25,6 +25,8 @@ public:
 
     // Those that touch the time from `fromMs` to before `toMs`, in their order.
     std::vector<RecordedRun> runs(std::int64_t fromMs, std::int64_t toMs);
+    // When the last run ended, or was last seen to go on; 0 when there is none.
+    std::int64_t endOfRuns();
     // The last row from before `fromMs`, and those before `toMs`, in the order of their times.
     void read(std::int64_t point, std::int64_t fromMs, std::int64_t toMs,
               const std::function<void(const RecordedRow&)>& take);

@@ -86,6 +86,8 @@ HistoryWriter::Counts HistoryWriter::counts() const {
 }
 
 void HistoryWriter::work(const Moment& moment, const std::function<void()>& task) {
+    if (startMs == 0)
+        startMs = moment.timeMs;
     if (!file && moment.steady < nextTry)
         return;
     try {
@@ -117,7 +119,9 @@ void HistoryWriter::open(const Moment& moment) {
 // A run goes on when nothing was missed, also over a time in which the file could not be written.
 void HistoryWriter::takeChanges(const Moment& moment) {
     file->begin();
-    if (!run || hasClockMoved(moment))
+    if (!run && !hasCommitted)
+        beginFirstRun();
+    else if (!run || hasClockMoved(moment))
         beginRun(moment);
     for (;;) {
         reader->read(changes, ValueStore::mostAtOnce);
@@ -142,6 +146,12 @@ bool HistoryWriter::hasClockMoved(const Moment& moment) const {
         std::chrono::duration_cast<std::chrono::milliseconds>(moment.steady - last->steady).count();
     const std::int64_t shown = moment.timeMs - last->timeMs;
     return shown > passed + clockTolerance || shown < passed - clockTolerance;
+}
+
+// All changes since the start are still in the ring; if not, that will be seen.
+void HistoryWriter::beginFirstRun() {
+    run = Run{file->beginRun(startMs), startMs};
+    coveredMs = startMs;
 }
 
 // The one before ends with what was read.
@@ -204,6 +214,7 @@ void HistoryWriter::commit(const Moment& moment) {
     lastCommit = moment.steady;
     committed = reader->position();
     committedRun = run;
+    hasCommitted = true;
     tellEndOfTrouble();
 }
 
@@ -235,9 +246,6 @@ void HistoryWriter::replaceDamaged(const std::string& fault, const Moment& momen
     tell("history " + settings.file + " is damaged (" + fault + "): it is now " + aside +
              ", and a new one begins",
          Severity::Error);
-    // The new file knows none of the changes up to now.
-    counted.lost += store.changeCount() - committed;
-    committed = store.changeCount();
     committedRun.reset();
     run.reset();
     nextTry = moment.steady;

@@ -54,6 +54,7 @@ private:
     void work(const Moment& moment, const std::function<void()>& task);
     void open(const Moment& moment);
     void takeChanges(const Moment& moment);
+    void beginFirstRun();
     void beginRun(const Moment& moment);
     void addStates();
     void add(PointIndex index, const PointState& state);
@@ -79,11 +80,13 @@ private:
 
     std::optional<ChangeReader> reader; // always there; another one after each break
     std::uint64_t committed = 0;        // the reader's position at the last commit
-    std::optional<Run> run;             // that goes on
-    std::optional<Run> committedRun;    // that at the last commit
-    std::int64_t coveredMs = 0;         // what has changed until then has been read
-    std::uint64_t newRows = 0;          // since the last commit
-    std::uint64_t newlyLost = 0;        // likewise
+    bool hasCommitted = false;
+    std::int64_t startMs = 0;        // of the first turn
+    std::optional<Run> run;          // that goes on
+    std::optional<Run> committedRun; // that at the last commit
+    std::int64_t coveredMs = 0;      // what has changed until then has been read
+    std::uint64_t newRows = 0;       // since the last commit
+    std::uint64_t newlyLost = 0;     // likewise
 
     std::optional<Moment> last; // turn
     std::chrono::steady_clock::time_point lastCommit;
