@@ -41,8 +41,9 @@ expect() {
 }
 
 tools=(clang-14 tshark valgrind libgtest-dev libmodbus-dev libbenchmark-dev gcovr)
-expect build -- g++ cmake qtbase5-dev libspdlog-dev "${tools[@]/#/!}"
-expect build demo -- g++ cmake qtbase5-dev libspdlog-dev "${tools[@]/#/!}"
+services=(libsqlite3-dev libsqlitecpp-dev)
+expect build -- g++ cmake qtbase5-dev libspdlog-dev "${services[@]}" "${tools[@]/#/!}"
+expect build demo -- g++ cmake qtbase5-dev libspdlog-dev "${services[@]/#/!}" "${tools[@]/#/!}"
 # For Windows with a Qt that was built before.
 recipe=$(sha256sum "$(dirname "$dev")/cmake/windows/build-qt")
 export XDG_CACHE_HOME=$folder/cache
