@@ -68,6 +68,7 @@ void HistoryWriter::turn(const Moment& moment) {
 }
 
 void HistoryWriter::finish(const Moment& moment) {
+    nextTry = moment.steady; // the last chance
     work(moment, [&] {
         takeChanges(moment);
         commit(moment);
