@@ -4,7 +4,6 @@
 
 #include <QDateTime>
 
-#include <array>
 #include <filesystem>
 #include <fstream>
 
@@ -34,7 +33,7 @@ bool wasHistory(const std::string& path) {
 
 std::string moveAside(const std::string& path, std::int64_t timeMs) {
     const QDateTime time = QDateTime::fromMSecsSinceEpoch(timeMs, Qt::UTC);
-    const std::string aside =
+    std::string aside =
         path + ".damaged-" + time.toString(QStringLiteral("yyyyMMdd'T'HHmmss'Z'")).toStdString();
     std::error_code failure;
     // The logs first: left behind, they would be taken for those of the next file.

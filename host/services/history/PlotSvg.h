@@ -12,7 +12,7 @@ namespace host {
 // How wide the part of a plot is in which there are curves, in points of the picture; and how many columns
 // they have.
 constexpr int plotWidth = 840;
-constexpr std::size_t plotColumns = 2 * plotWidth;
+constexpr std::size_t plotColumns = 2 * std::size_t{plotWidth};
 
 struct Plot {
     std::string title;
