@@ -3,6 +3,9 @@
 #include "plan/ModbusMap.h"
 #include "runtime/Secret.h"
 
+#ifdef SBUS_WITH_HISTORY
+#include "services/history/HistoryService.h"
+#endif
 #ifdef SBUS_WITH_HTTP
 #include "services/http/HttpService.h"
 #endif
@@ -12,6 +15,8 @@
 #ifdef SBUS_WITH_MQTT
 #include "services/mqtt/MqttService.h"
 #endif
+
+#include <filesystem>
 
 namespace host {
 
@@ -27,6 +32,20 @@ namespace {
 [[maybe_unused]] void tellMissing(const std::string& table, const Place& place, Findings& findings) {
     findings.error(place, "this sbus-host was built without [" + table + "]",
                    "take the table out, or a program that was built with it");
+}
+
+// The host begins without the folder, and records once it is there.
+void checkHistory(const HistorySettings& settings, Findings& findings) {
+#ifdef SBUS_WITH_HISTORY
+    const std::filesystem::path folder =
+        std::filesystem::absolute(std::filesystem::u8path(settings.file)).parent_path();
+    std::error_code failure;
+    if (!std::filesystem::is_directory(folder, failure))
+        findings.warning(settings.place, "the history's folder " + folder.u8string() + " is not there",
+                         "make it, and let the host's user write to it");
+#else
+    tellMissing("history", settings.place, findings);
+#endif
 }
 
 void checkHttp(const HttpSettings& settings, Findings& findings) {
@@ -61,6 +80,10 @@ void checkModbus([[maybe_unused]] const Site& site, const ModbusSettings& settin
 GatewayServices makeGatewayServices([[maybe_unused]] const Site& site,
                                     [[maybe_unused]] const GatewayPlaces& places) {
     GatewayServices services;
+#ifdef SBUS_WITH_HISTORY
+    if (site.history)
+        services.push_back(std::make_unique<HistoryService>(*site.history));
+#endif
 #ifdef SBUS_WITH_MODBUS
     if (site.modbus)
         services.push_back(std::make_unique<ModbusService>(*site.modbus));
@@ -78,6 +101,8 @@ GatewayServices makeGatewayServices([[maybe_unused]] const Site& site,
 }
 
 void checkGatewayServices(const Site& site, Findings& findings) {
+    if (site.history)
+        checkHistory(*site.history, findings);
     if (site.modbus)
         checkModbus(site, *site.modbus, findings);
     if (site.mqtt)

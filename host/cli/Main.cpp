@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "CommandNames.h"
 #include "CtlArguments.h"
+#include "HistoryArguments.h"
 #include "ImportCommand.h"
 #include "LastWords.h"
 #include "RunArguments.h"
@@ -155,6 +156,7 @@ int runProgram(int& argc, char** argv) {
     host::addOneShotCommands(program, status);
     host::addScanCommand(program, status);
     addCtlCommand(program, status);
+    host::addHistoryCommand(program, status);
     host::addServiceCommand(program, status);
     try {
         program.parse(argc, argv);

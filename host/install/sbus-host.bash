@@ -71,7 +71,7 @@ _sbus_host_offer_sites() {
 _sbus_host_offer_value() {
     case $1 in
     --log-dir | --state-dir) _sbus_host_offer_files -d ;;
-    --plugin | --control | --capture | --output) _sbus_host_offer_files -f ;;
+    --plugin | --control | --capture | --output | --plot) _sbus_host_offer_files -f ;;
     *) _sbus_host_offer_words "$(_sbus_host_options "$2" "$1")" ;;
     esac
 }
@@ -81,7 +81,7 @@ _sbus_host_offer_argument() {
     local actions
     case $1:$2 in
     import:*) _sbus_host_offer_files -f ;;
-    run:0 | check:0 | ctl:0) _sbus_host_offer_sites ;;
+    run:0 | check:0 | ctl:0 | history:0) _sbus_host_offer_sites ;;
     ctl:1)
         actions=$(_sbus_host_commands "$4")
         _sbus_host_offer_words "${actions:-write poll time-sync status watch trace}"

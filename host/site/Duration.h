@@ -12,4 +12,9 @@ std::optional<std::chrono::milliseconds> parseDuration(const std::string& text);
 // Why `text` is no duration above 0; empty when it is one.
 std::string durationFault(const std::string& text);
 
+// The same and whole days, "400d", for what no driver waits for: up to 1,000,000 days.
+std::optional<std::chrono::milliseconds> parseTimeSpan(const std::string& text);
+// Why `text` is no such time above 0; empty when it is one.
+std::string timeSpanFault(const std::string& text);
+
 } // namespace host

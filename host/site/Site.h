@@ -3,6 +3,7 @@
 #include "ElementAddress.h"
 #include "Engineering.h"
 #include "Finding.h"
+#include "HistorySettings.h"
 #include "HttpSettings.h"
 #include "LinkUrl.h"
 #include "ModbusSettings.h"
@@ -119,6 +120,7 @@ struct Site {
     std::optional<ModbusSettings> modbus = {}; // none: no server
     std::optional<HttpSettings> http = {};
     std::optional<MqttSettings> mqtt = {};
+    std::optional<HistorySettings> history = {}; // none: values are not recorded
 };
 
 bool hasPoints(const Rtu& rtu, PointKind kind);

@@ -1,6 +1,7 @@
 #include "SiteFile.h"
 
 #include "ControlTable.h"
+#include "HistoryTable.h"
 #include "HttpTable.h"
 #include "ModbusTable.h"
 #include "MqttTable.h"
@@ -69,6 +70,7 @@ private:
         loaded.site.modbus = readModbusTable(table, file, loaded.findings);
         loaded.site.mqtt = readMqttTable(table, file, loaded.findings);
         loaded.site.http = readHttpTable(table, file, loaded.findings);
+        loaded.site.history = readHistoryTable(table, file, loaded.findings);
         table.rejectUnknownKeys();
         checkSite(loaded.site, loaded.findings);
     }

@@ -33,3 +33,17 @@ TEST(Duration, OfACommandLineIsAbove0) {
                                            "\" is no time above 0; write a number and its unit: 500ms, 10s, "
                                            "2m, 1h");
 }
+
+TEST(TimeSpan, CountsDaysToo) {
+    EXPECT_EQ(host::parseTimeSpan("400d"), 400 * 24h);
+    EXPECT_EQ(host::parseTimeSpan("90s"), 90s);
+    EXPECT_EQ(host::parseTimeSpan("1000000d"), 1'000'000 * 24h);
+    for (const char* const text : {"", "d", "1.5d", "-1d", "1w", "1000001d", "4294967296d", "4294967295d"})
+        EXPECT_FALSE(host::parseTimeSpan(text)) << text;
+}
+
+TEST(TimeSpan, OfACommandLineIsAbove0) {
+    EXPECT_EQ(host::timeSpanFault("1d"), "");
+    EXPECT_EQ(host::timeSpanFault("0d"),
+              "\"0d\" is no time above 0; write a number and its unit: 10s, 5m, 1h, 30d");
+}
