@@ -44,7 +44,7 @@ expect() {
 tools=(clang-14 tshark valgrind libgtest-dev libmodbus-dev libbenchmark-dev gcovr)
 tools+=(prometheus)
 services=(libboost1.81-dev libssl-dev)
-services=(libsqlite3-dev libsqlitecpp-dev)
+services+=(libsqlite3-dev libsqlitecpp-dev libmosquitto-dev protobuf-compiler)
 expect build -- g++ cmake qtbase5-dev libspdlog-dev "${services[@]}" "${tools[@]/#/!}"
 expect build demo -- g++ cmake qtbase5-dev libspdlog-dev "${services[@]/#/!}" "${tools[@]/#/!}"
 # For Windows with a Qt that was built before.
