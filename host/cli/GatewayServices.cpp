@@ -92,9 +92,8 @@ GatewayServices makeGatewayServices([[maybe_unused]] const Site& site,
     if (site.mqtt)
         services.push_back(std::make_unique<MqttService>(*site.mqtt, places.stateDirectory, places.sitePath));
 #endif
-        // The last of them: it tells the others' figures.
 #ifdef SBUS_WITH_HTTP
-    if (site.http)
+    if (site.http) // the last of them: it tells the others' figures
         services.push_back(std::make_unique<HttpService>(*site.http));
 #endif
     return services;

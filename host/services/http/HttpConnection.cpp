@@ -164,7 +164,7 @@ private:
         send(office.answer(toRequest(std::move(message))), version, keepAlive, isHead);
     }
 
-    void send(HttpResponse given, unsigned version, bool keepAlive, bool isHead) {
+    void send(const HttpResponse& given, unsigned version, bool keepAlive, bool isHead) {
         body = given.body ? given.body : std::make_shared<const std::string>();
         response = {};
         response.version(version);
