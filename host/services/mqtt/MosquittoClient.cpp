@@ -188,10 +188,12 @@ std::string MosquittoClient::setUp(const MqttMessage& will) {
     PropertyList properties;
     if (isV5())
         properties.addOf(will);
+    mosquitto_property* list = properties.release(); // the library's, where it takes the will
     if (mosquitto_will_set_v5(handle, will.topic.c_str(), static_cast<int>(will.payload.size()),
-                              will.payload.data(), will.qos, will.isRetained,
-                              properties.release()) != MOSQ_ERR_SUCCESS)
+                              will.payload.data(), will.qos, will.isRetained, list) != MOSQ_ERR_SUCCESS) {
+        mosquitto_property_free_all(&list);
         return "\"" + will.topic + "\" is no topic; look at prefix and at the site's name";
+    }
     std::string fault = setCredentials();
     return fault.empty() && settings.broker.isSecure ? setTls() : fault;
 }
