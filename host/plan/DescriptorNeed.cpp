@@ -16,6 +16,8 @@ constexpr std::size_t ofModbus =
     5;                            // its socket, what its thread waits with, and a client that is turned away
 constexpr std::size_t ofHttp = 5; // its thread's waits, the socket, and a client that is turned away
 constexpr std::size_t ofControl = 5; // its thread, its lock, the socket, and what asks whether it is taken
+// The connection, two of the library's, the store with its log and lock, and a file of a certificate.
+constexpr std::size_t ofMqtt = 8 + ofNameLookUp;
 
 bool isName(const std::string& host) {
     return host.find_first_not_of("0123456789.") != std::string::npos && host.find(':') == std::string::npos;
@@ -37,6 +39,7 @@ std::size_t descriptorsNeeded(const Site& site, const BesideLines& beside) {
     needed += site.http ? ofHttp + mostHttpClients : 0;
     needed += beside.hasControl ? ofControl + leastControlClients : 0;
     needed += site.modbus ? ofModbus + mostModbusClients : 0;
+    needed += site.mqtt ? ofMqtt : 0;
     return needed;
 }
 

@@ -60,3 +60,9 @@ TEST(DescriptorNeed, IsMoreWithLogFilesACaptureAndTheControlSocket) {
     beside.hasControl = true;
     EXPECT_EQ(neededBeyondNoLine(site, beside), 12U + 5U + leastControlClients);
 }
+
+TEST(DescriptorNeed, IsMoreWithABroker) {
+    Site site = siteOf({byAddress});
+    site.mqtt.emplace();
+    EXPECT_EQ(neededBeyondNoLine(site), 4U + 14U);
+}

@@ -246,6 +246,14 @@ TEST(MqttBroker, IsReachedOverTlsWithACertificateOfTheHost) {
     settings.keyFile = file("client.key").toStdString();
     {
         RunningHost host{northSite()};
+        MqttSettings otherName = settings;
+        otherName.broker.host = "localhost";
+        host.start(otherName);
+        EXPECT_TRUE(host.hasTold("TLS fails")) << "the certificate is not for this name: " << host.told;
+        EXPECT_EQ(host.figure("connected"), 0U);
+    }
+    {
+        RunningHost host{northSite()};
         QFile::setPermissions(file("client.key"), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther);
         host.start(settings);
         EXPECT_TRUE(host.hasTold("can be read or changed by other users"));

@@ -16,7 +16,8 @@ struct BrokerEvents {
     bool hasConnected = false;
     std::string failure;           // not empty: the connection is over; what happened and what to check
     std::vector<int> acknowledged; // messages, by their ids
-    std::string refusal;           // not empty: the broker has refused some of them; why
+    std::size_t refused = 0;       // of those, by the broker
+    std::string refusal;           // why it refused one of them, or a subscription; empty: it has not
     std::vector<MqttMessage> messages;
 };
 

@@ -25,6 +25,8 @@ using Clock = std::chrono::steady_clock;
 // With so many the next messages can go out, and an exchange ends before its time.
 constexpr std::size_t manyAcknowledged = 256;
 
+constexpr int firstFailure = 0x80; // among the reason codes of MQTT
+
 // Once for the process; it is never given back.
 void initLibrary() {
     static std::once_flag once;
@@ -120,14 +122,22 @@ struct MosquittoClient::Callbacks {
             return;
         if (reason == MOSQ_ERR_KEEPALIVE)
             client.happened.failure = client.failureText(reason);
-        else if (client.isV5() && reason >= 0x80)
+        else if (client.isV5() && reason >= firstFailure)
             client.happened.failure = disconnection(reason);
     }
     static void published(mosquitto*, void* object, int id, int reason, const mosquitto_property*) {
         MosquittoClient& client = of(object);
         client.happened.acknowledged.push_back(id);
-        if (reason >= 0x80)
-            client.happened.refusal = messageRefusal(reason);
+        if (reason < firstFailure)
+            return;
+        ++client.happened.refused;
+        client.happened.refusal = messageRefusal(reason);
+    }
+    static void subscribed(mosquitto*, void* object, int, int count, const int* granted,
+                           const mosquitto_property*) {
+        if (std::any_of(granted, granted + count, [](int one) { return one >= firstFailure; }))
+            of(object).happened.refusal =
+                "this client may not hear commands; look at the broker's rules for this user";
     }
     static void received(mosquitto*, void* object, const mosquitto_message* message,
                          const mosquitto_property* properties) {
@@ -178,10 +188,12 @@ std::string MosquittoClient::setUp(const MqttMessage& will) {
     PropertyList properties;
     if (isV5())
         properties.addOf(will);
+    mosquitto_property* list = properties.release(); // the library's, where it takes the will
     if (mosquitto_will_set_v5(handle, will.topic.c_str(), static_cast<int>(will.payload.size()),
-                              will.payload.data(), will.qos, will.isRetained,
-                              properties.release()) != MOSQ_ERR_SUCCESS)
+                              will.payload.data(), will.qos, will.isRetained, list) != MOSQ_ERR_SUCCESS) {
+        mosquitto_property_free_all(&list);
         return "\"" + will.topic + "\" is no topic; look at prefix and at the site's name";
+    }
     std::string fault = setCredentials();
     return fault.empty() && settings.broker.isSecure ? setTls() : fault;
 }
@@ -224,6 +236,7 @@ void MosquittoClient::setCallbacks() {
     mosquitto_connect_v5_callback_set(handle, &Callbacks::connected);
     mosquitto_disconnect_v5_callback_set(handle, &Callbacks::disconnected);
     mosquitto_publish_v5_callback_set(handle, &Callbacks::published);
+    mosquitto_subscribe_v5_callback_set(handle, &Callbacks::subscribed);
     mosquitto_message_v5_callback_set(handle, &Callbacks::received);
     mosquitto_log_callback_set(handle, &Callbacks::logged);
 }

@@ -113,8 +113,8 @@ void MqttSession::exchange() {
 void MqttSession::handle(const BrokerEvents& events) {
     for (const int id : events.acknowledged)
         outbox.noteAcknowledged(id);
+    figure.refusedMessages += events.refused;
     if (!events.refusal.empty()) {
-        ++figure.refusedMessages;
         const std::string text = "MQTT: " + settings.broker + ": " + events.refusal;
         if (const auto told = failures.failed({0, 1}, kindOf(events.refusal), text, Clock::now()))
             site.messages.tell(*told, Severity::Warning);
@@ -129,8 +129,20 @@ void MqttSession::handle(const BrokerEvents& events) {
         noteFailure("the broker does not answer; look whether it is a broker, and at the network");
         return;
     }
+    if (isConnected && !isProgressing(events)) {
+        noteFailure("the broker has acknowledged nothing for a while; look at its log and its load");
+        return;
+    }
     for (const MqttMessage& message : events.messages)
         handleMessage(message);
+}
+
+// A broker that answers pings and takes nothing any more would have messages pile up.
+bool MqttSession::isProgressing(const BrokerEvents& events) {
+    const Clock::time_point now = Clock::now();
+    if (!events.acknowledged.empty() || events.hasConnected || outbox.messagesInFlight() == 0)
+        lastProgress = now;
+    return now - lastProgress < settings.acknowledgementLimit;
 }
 
 void MqttSession::handleMessage(const MqttMessage& message) {

@@ -25,12 +25,13 @@ public:
         std::string broker; // for people: its URL
         MakeBrokerClient makeClient;
         ReconnectPauses::Settings pauses;
-        std::chrono::milliseconds turn{15};            // of an exchange with the broker
-        std::chrono::milliseconds busyTurn{100};       // of a turn while there is more to tell
-        std::chrono::milliseconds answerLimit{10'000}; // for a connection to come about
-        std::chrono::milliseconds statePeriod{1'000};  // how often lines and RTUs are looked at
-        std::chrono::milliseconds keepPeriod{250};     // how often changes are kept while away
-        std::chrono::milliseconds goodbye{400};        // for what is left at the end
+        std::chrono::milliseconds turn{15};                     // of an exchange with the broker
+        std::chrono::milliseconds busyTurn{100};                // of a turn while there is more to tell
+        std::chrono::milliseconds answerLimit{10'000};          // for a connection to come about
+        std::chrono::milliseconds acknowledgementLimit{30'000}; // without any, while messages wait for it
+        std::chrono::milliseconds statePeriod{1'000};           // how often lines and RTUs are looked at
+        std::chrono::milliseconds keepPeriod{250};              // how often changes are kept while away
+        std::chrono::milliseconds goodbye{400};                 // for what is left at the end
     };
 
     // The backlog may be null.
@@ -50,6 +51,7 @@ private:
     void tellBirth();
     void noteFailure(const std::string& why);
     void handle(const BrokerEvents& events);
+    bool isProgressing(const BrokerEvents& events);
     void handleMessage(const MqttMessage& message);
     void readChanges();
     void tellStates();
@@ -78,7 +80,8 @@ private:
     bool hasToldCaughtUp = false;
     bool isEnding = false;
     Clock::time_point nextTry{};
-    Clock::time_point deadline{}; // of connecting
+    Clock::time_point deadline{};     // of connecting
+    Clock::time_point lastProgress{}; // of what was sent
     Clock::time_point nextKeep{};
     Clock::time_point nextStates{};
     std::map<int, bool> toldLines; // by channel
