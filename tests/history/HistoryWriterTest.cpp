@@ -38,9 +38,10 @@ protected:
     }
     // Another one, whose points were never read.
     void startHost() { store = std::make_unique<ValueStore>(site); }
-    std::unique_ptr<HistoryWriter> makeWriter() {
+    std::unique_ptr<HistoryWriter> makeWriter(std::int64_t beginMs = 0) {
         return std::make_unique<HistoryWriter>(
-            *store, settings, [this](const std::string& text, Severity) { told.push_back(text); });
+            *store, settings, start + beginMs,
+            [this](const std::string& text, Severity) { told.push_back(text); });
     }
     static HistoryWriter::Moment at(std::int64_t ms, std::int64_t steadyMs) {
         return {start + ms, std::chrono::steady_clock::time_point(std::chrono::hours(1)) +
@@ -112,12 +113,12 @@ TEST_F(HistoryWriterTest, TellsUntilWhenEveryChangeWasRecorded) {
 TEST_F(HistoryWriterTest, GoesOnWithTheSameNumbersAfterAStart) {
     for (const std::int64_t begin : {0, 1'000}) {
         startHost();
-        const auto writer = makeWriter();
-        writer->turn(at(begin));
-        publish(1, 1, begin + 100);
+        const auto writer = makeWriter(begin);
+        writer->turn(at(begin + 50));
+        publish(1, 1, begin + 20);
         writer->finish(at(begin + 500));
     }
-    EXPECT_THAT(rows("FLOW"), ElementsAre("100 good 1", "1100 good 1"));
+    EXPECT_THAT(rows("FLOW"), ElementsAre("20 good 1", "1020 good 1"));
     EXPECT_THAT(runs(), ElementsAre("0..500", "1000..1500"));
     EXPECT_EQ(SQLite::Database(settings.file).execAndGet("SELECT count(*) FROM points").getInt(), 1);
 }
@@ -130,7 +131,7 @@ TEST_F(HistoryWriterTest, KeepsPointsApartWhenTheSiteWasEdited) {
     host::Site edited = smallSite();
     edited.channels[0].rtus[0].points.erase(edited.channels[0].rtus[0].points.begin() + 1); // FLOW
     ValueStore other(edited);
-    HistoryWriter next(other, settings, [](const std::string&, Severity) {});
+    HistoryWriter next(other, settings, start + 300, [](const std::string&, Severity) {});
     next.turn(at(300));
     other.publishPoints(4, 7,
                         {PointUpdate{false, 1, 9, CMidTime(QDateTime::fromMSecsSinceEpoch(start + 400), 0),
@@ -236,7 +237,7 @@ TEST_F(HistoryWriterTest, MovesADamagedFileAsideAndBeginsANewOne) {
         file << std::string(20'000, 'x');
     }
     startHost();
-    writer = makeWriter();
+    writer = makeWriter(2'000);
     writer->turn(at(2'000));
     publish(1, 4, 2'100);
     writer->turn(at(3'000));

@@ -25,7 +25,7 @@ HistoryService::~HistoryService() {
 
 std::string HistoryService::start(RunningSite& runningSite) {
     writer = std::make_unique<HistoryWriter>(
-        runningSite.values, settings,
+        runningSite.values, settings, now().timeMs,
         [&messages = runningSite.messages](const std::string& message, Severity severity) {
             messages.tell(message, severity);
         });

@@ -55,8 +55,8 @@ std::string remedyFor(const SQLite::Exception& failure) {
 } // namespace
 
 HistoryWriter::HistoryWriter(const ValueStore& valueStore, const HistorySettings& historySettings,
-                             Tell teller)
-    : store(valueStore), settings(historySettings), tell(std::move(teller)),
+                             std::int64_t beginMs, Tell teller)
+    : store(valueStore), settings(historySettings), startMs(beginMs), tell(std::move(teller)),
       numbers(store.points().size(), 0), reader(std::in_place, store) {}
 
 void HistoryWriter::turn(const Moment& moment) {
@@ -87,8 +87,6 @@ HistoryWriter::Counts HistoryWriter::counts() const {
 }
 
 void HistoryWriter::work(const Moment& moment, const std::function<void()>& task) {
-    if (startMs == 0)
-        startMs = moment.timeMs;
     if (!file && moment.steady < nextTry)
         return;
     try {

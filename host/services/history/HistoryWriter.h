@@ -36,7 +36,9 @@ public:
     };
     using Tell = std::function<void(const std::string& message, Severity severity)>;
 
-    HistoryWriter(const ValueStore& valueStore, const HistorySettings& historySettings, Tell teller);
+    // Nothing in the store has changed before `beginMs`.
+    HistoryWriter(const ValueStore& valueStore, const HistorySettings& historySettings, std::int64_t beginMs,
+                  Tell teller);
 
     // Ten times a second or so.
     void turn(const Moment& moment);
@@ -69,6 +71,7 @@ private:
 
     const ValueStore& store;
     const HistorySettings settings;
+    const std::int64_t startMs; // where the first run begins
     const Tell tell;
     Counts counted;
 
@@ -81,7 +84,6 @@ private:
     std::optional<ChangeReader> reader; // always there; another one after each break
     std::uint64_t committed = 0;        // the reader's position at the last commit
     bool hasCommitted = false;
-    std::int64_t startMs = 0;        // of the first turn
     std::optional<Run> run;          // that goes on
     std::optional<Run> committedRun; // that at the last commit
     std::int64_t coveredMs = 0;      // what has changed until then has been read
