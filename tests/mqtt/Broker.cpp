@@ -56,6 +56,12 @@ void Broker::kill() {
     program.waitForFinished(patienceMs);
 }
 
+void Broker::hang() {
+    EXPECT_EQ(QProcess::execute(QStringLiteral("kill"),
+                                {QStringLiteral("-STOP"), QString::number(program.processId())}),
+              0);
+}
+
 Subscriber::Subscriber(const Broker& broker, const QStringList& arguments) {
     program.setProcessChannelMode(QProcess::MergedChannels);
     program.start(QStringLiteral("stdbuf"),

@@ -15,6 +15,8 @@ public:
     // Started, and listening.
     void start();
     void kill();
+    // Takes nothing from its connections any more, until it is killed.
+    void hang();
 
     int port() const { return ownPort; }
     std::string url() const { return "mqtt://127.0.0.1:" + std::to_string(ownPort); }
