@@ -21,6 +21,7 @@ import unittest
 from udp_port import free_port
 
 PATIENCE = 120  # seconds, which only a failure waits for
+REST = 10  # seconds in which the rest of what an ended program has written comes through Wine's console
 
 
 def udp_site(port, more=""):
@@ -58,6 +59,7 @@ POINT = '[[channel.rtu.point]]\nid = 1\nname = "LEVEL"\nkind = "analog"\naddress
 
 # Keeps the terminal open until all of the program's output has come through Wine's console, and a key was pressed.
 KEEPER = 'trap : INT; "$@"; echo "ended with $? ."; read key'
+ENDED = re.compile(r"ended with (\d+) \.")
 
 
 class Console:
@@ -72,9 +74,13 @@ class Console:
 
     def wait_for(self, text):
         end = time.monotonic() + PATIENCE
+        has_ended = False
         while text not in self.plain() and time.monotonic() < end:
             if not self.read():
                 break
+            if not has_ended and ENDED.search(self.plain()):
+                has_ended = True
+                end = time.monotonic() + REST
         return text in self.plain()
 
     def plain(self):
@@ -96,10 +102,10 @@ class Console:
         os.write(self.terminal, keys)
 
     def exit_status(self):
-        if not self.wait_for("ended with "):
-            return None
+        self.wait_for("ended with ")
         self.wait_for(" .")
-        return int(re.search(r"ended with (\d+)", self.plain())[1])
+        ending = ENDED.search(self.plain())
+        return int(ending[1]) if ending else None
 
     def close(self):
         os.close(self.terminal)
