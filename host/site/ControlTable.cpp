@@ -6,8 +6,12 @@ namespace host {
 
 namespace {
 
+#ifdef _WIN32
+const std::string socketRemedy = R"(name a pipe, such as '\\.\pipe\sbus-host-site')";
+#else
 const std::string socketRemedy =
     "name a file in a folder that the host's user can write to, such as \"/run/sbus-host/site.sock\"";
+#endif
 const std::string groupRemedy = "write the name of a group in quotes";
 const std::string accessRemedy = "write \"read\" or \"commands\"";
 

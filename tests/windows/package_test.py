@@ -30,7 +30,7 @@ class Windows:
         # Without a desktop: nothing here may need one.
         self.environment = {key: value for key, value in os.environ.items() if key != "DISPLAY"}
         self.environment.update(WINEPREFIX=str(folder / "wine"), WINEDEBUG="-all", LC_ALL="C.UTF-8",
-                                WINEDLLOVERRIDES="mscoree=;mshtml=", QT_QPA_PLATFORM="offscreen")
+                                WINEDLLOVERRIDES="mscoree=;mshtml=")
         subprocess.run([self.program, "wineboot", "--init"], env=self.environment, check=True, timeout=600)
 
     def start(self, *command, **options):

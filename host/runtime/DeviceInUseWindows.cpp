@@ -1,0 +1,12 @@
+#include "OpenFailureText.h"
+
+#include <windows.h>
+
+namespace host {
+
+// A COM port is open to all users of a computer, and to one program at a time.
+bool isInUse(int result) {
+    return result == ERROR_ACCESS_DENIED || result == ERROR_SHARING_VIOLATION || result == ERROR_BUSY;
+}
+
+} // namespace host
