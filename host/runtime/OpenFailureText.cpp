@@ -54,8 +54,7 @@ std::string reasonFor(const SerialEnd& end, const std::error_code& error) {
 }
 
 std::string reasonFor(const UdpEnd& end, const std::error_code& error) {
-    using std::errc;
-    if (isOneOf(error, {errc::host_unreachable, errc::network_unreachable}))
+    if (isUnreachable(error.value()))
         return "no address is known for " + end.host +
                ", or no network leads there; check the host name and the network";
     return otherReason(error, "check the host name and the network");

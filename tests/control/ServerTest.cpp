@@ -26,6 +26,11 @@ using Result = Halvex::DriverErrorResult;
 namespace {
 
 constexpr int patienceMs = 60'000;
+#ifdef _WIN32
+constexpr bool pipesKeepWhatWasNotRead = false; // once their server has closed them
+#else
+constexpr bool pipesKeepWhatWasNotRead = true;
+#endif
 
 class Server : public testing::Test {
 protected:
@@ -148,8 +153,10 @@ TEST_F(Server, DropsAWatcherThatDoesNotReadAndSparesTheOthers) {
         received += lazy.readAll();
     received += lazy.readAll();
     EXPECT_EQ(lazy.state(), QLocalSocket::UnconnectedState);
-    const std::string before = received.trimmed().split('\n').last().toStdString();
-    EXPECT_THAT(before, AllOf(HasSubstr("\"code\":\"busy\""), HasSubstr("wait for you to read them")));
+    if (pipesKeepWhatWasNotRead) {
+        const std::string last = received.trimmed().split('\n').last().toStdString();
+        EXPECT_THAT(last, AllOf(HasSubstr("\"code\":\"busy\""), HasSubstr("wait for you to read them")));
+    }
 }
 
 TEST_F(Server, DoesNotWorkForAClientThatDoesNotReadItsReplies) {

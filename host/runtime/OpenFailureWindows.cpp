@@ -9,4 +9,8 @@ bool isInUse(int result) {
     return result == ERROR_ACCESS_DENIED || result == ERROR_SHARING_VIOLATION || result == ERROR_BUSY;
 }
 
+bool isUnreachable(int result) {
+    return result == WSAEHOSTUNREACH || result == WSAENETUNREACH;
+}
+
 } // namespace host
