@@ -18,6 +18,7 @@ import tempfile
 import time
 import unittest
 
+import outcomes
 from udp_port import free_port
 
 PATIENCE = 120  # seconds, which only a failure waits for
@@ -210,6 +211,14 @@ class Programs(unittest.TestCase):
         console.type(b"\x03")
         self.assertEqual(console.exit_status(), 0, console.shown)
 
+    def test_EndTheSimulatorAtCtrlC(self):
+        site = self.write("site.toml", udp_site(free_port(), POINT))
+        console = self.open_console(self.windows("sbus-sim", str(site)))
+        self.assertTrue(console.wait_for("ready"), console.shown)
+        console.type(b"\x03")
+        self.assertEqual(console.exit_status(), 0, console.shown)
+        self.assertTrue(console.wait_for("station 5: answers 0"), console.shown)
+
     def test_TakeCommandsFromASecondConsole(self):
         site = self.play_udp()
         console = self.open_console(self.windows("sbus-host", "run", str(site), "--format", "lines"))
@@ -279,13 +288,6 @@ class Programs(unittest.TestCase):
         self.assertEqual(len(set(pictures.values())), len(titles))
 
 
-def write_outcome(folder, name, good):
-    failure = "" if good else '<failure message="see above"/>'
-    (folder / f"Programs.{name}.xml").write_text(
-        f'<testsuites><testsuite name="Programs"><testcase name="{name}" status="run">{failure}</testcase>'
-        "</testsuite></testsuites>\n")
-
-
 if __name__ == "__main__":
     split = sys.argv.index("--")
     EMULATOR = sys.argv[1:split]
@@ -293,5 +295,5 @@ if __name__ == "__main__":
     PICTURES = pathlib.Path(results).parent / "pictures"
     os.environ["WINEPREFIX"] = os.path.join(os.path.dirname(results), "wine")
     outcome = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromName(f"test_{test}", Programs))
-    write_outcome(pathlib.Path(results), test, outcome.wasSuccessful() and outcome.testsRun == 1)
+    outcomes.write(pathlib.Path(results), "Programs", {test: outcome.wasSuccessful() and outcome.testsRun == 1})
     sys.exit(not outcome.wasSuccessful())
