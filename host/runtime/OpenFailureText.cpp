@@ -40,10 +40,10 @@ std::string reasonFor(const SerialEnd& end, const std::error_code& error) {
     if (isOneOf(error,
                 {errc::no_such_file_or_directory, errc::no_such_device, errc::no_such_device_or_address}))
         return "there is no device " + end.device + "; plug it in, or name the one that is there";
-    if (isOneOf(error, {errc::permission_denied, errc::operation_not_permitted}))
-        return deniedReason(end.device);
     if (isInUse(error.value()))
         return "another program has " + end.device + " open; end that program, or name another device";
+    if (isOneOf(error, {errc::permission_denied, errc::operation_not_permitted}))
+        return deniedReason(end.device);
     if (isOneOf(error, {errc::inappropriate_io_control_operation, errc::is_a_directory}))
         return end.device + " is no serial device; name one";
     if (isOneOf(error, {errc::invalid_argument}))
@@ -54,18 +54,13 @@ std::string reasonFor(const SerialEnd& end, const std::error_code& error) {
 }
 
 std::string reasonFor(const UdpEnd& end, const std::error_code& error) {
-    using std::errc;
-    if (isOneOf(error, {errc::host_unreachable, errc::network_unreachable}))
+    if (isUnreachable(error.value()))
         return "no address is known for " + end.host +
                ", or no network leads there; check the host name and the network";
     return otherReason(error, "check the host name and the network");
 }
 
 } // namespace
-
-bool isInUse(int result) {
-    return std::error_code(result, std::system_category()) == std::errc::device_or_resource_busy;
-}
 
 std::string cannotOpenReason(const LinkEnd& end, int result) {
     const std::error_code error(result, std::system_category());

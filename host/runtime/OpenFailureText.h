@@ -11,5 +11,7 @@ namespace host {
 std::string cannotOpenReason(const LinkEnd& end, int result);
 // Whether it is because another program has it open.
 bool isInUse(int result);
+// Whether it is because no address is known, or no network leads there.
+bool isUnreachable(int result);
 
 } // namespace host

@@ -6,8 +6,21 @@ namespace host {
 
 namespace {
 
+#ifdef _WIN32
+const std::string socketRemedy = R"(name a pipe, such as '\\.\pipe\sbus-host-site')";
+
+// Pipes lie beside all drives.
+bool isFullPath(const std::string& path) {
+    return path.rfind(R"(\\.\pipe\)", 0) == 0 || std::filesystem::u8path(path).is_absolute();
+}
+#else
 const std::string socketRemedy =
     "name a file in a folder that the host's user can write to, such as \"/run/sbus-host/site.sock\"";
+
+bool isFullPath(const std::string& path) {
+    return std::filesystem::u8path(path).is_absolute();
+}
+#endif
 const std::string groupRemedy = "write the name of a group in quotes";
 const std::string accessRemedy = "write \"read\" or \"commands\"";
 
@@ -33,7 +46,7 @@ ControlSettings readControlTable(TomlTable& root, const std::string& file, Findi
     if (const std::optional<Field> socket = table.text("socket", socketRemedy)) {
         settings.socket = socket->text;
         // Host and client are rarely started in the same folder.
-        if (std::filesystem::u8path(socket->text).is_relative())
+        if (!isFullPath(socket->text))
             findings.error(socket->place, "socket \"" + socket->text + "\" is no full path", socketRemedy);
     }
     if (const std::optional<Field> group = table.text("group", groupRemedy)) {

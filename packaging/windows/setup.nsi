@@ -8,6 +8,7 @@ SetCompressor /SOLID lzma
 !include LogicLib.nsh
 !include FileFunc.nsh
 !include path.nsh
+!include services.nsh
 
 Name "SBusDriver ${VERSION}"
 OutFile "${OUTPUT}"
@@ -97,6 +98,7 @@ FunctionEnd
 
 ; Only what was installed, file by file: a folder stays when there is something of a person's own in it.
 Section Uninstall
+    !insertmacro RemoveServicesOf "$INSTDIR\bin\sbus-host.exe"
     !insertmacro RemoveFromPath "$INSTDIR\bin"
     !include "${REMOVALS}"
     Delete "$INSTDIR\uninstall.exe"

@@ -15,6 +15,11 @@
 #include <memory>
 
 constexpr int patienceMs = 60'000;
+#ifdef _WIN32
+constexpr bool socketsAreFiles = false;
+#else
+constexpr bool socketsAreFiles = true;
+#endif
 
 struct Ending {
     int status = -1;

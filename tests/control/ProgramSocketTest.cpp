@@ -40,8 +40,8 @@ TEST_F(ControlledProgram, MeetsItsClientAtAPathSeenFromTheCurrentFolder) {
         return endOf(inFolder(QStringList{QStringLiteral("ctl"), site, QStringLiteral("status")} + control))
                    .status == 0;
     }));
-    EXPECT_TRUE(QFile::exists(folder.filePath(QStringLiteral("near.sock"))));
-    EXPECT_TRUE(QFile::exists(folder.filePath(QStringLiteral("near.sock.lock"))));
+    EXPECT_EQ(QFile::exists(folder.filePath(QStringLiteral("near.sock"))), socketsAreFiles);
+    EXPECT_EQ(QFile::exists(folder.filePath(QStringLiteral("near.sock.lock"))), socketsAreFiles);
 }
 
 TEST_F(ControlledProgram, IsReachedAtTheSocketThatTheSiteFileNames) {
@@ -52,7 +52,7 @@ TEST_F(ControlledProgram, IsReachedAtTheSocketThatTheSiteFileNames) {
     file.close();
     EXPECT_THAT(ctl("status").errors, HasSubstr("named.sock, which the site file names"));
     startHost();
-    EXPECT_TRUE(QFile::exists(path));
+    EXPECT_EQ(QFile::exists(path), socketsAreFiles);
     EXPECT_EQ(ctl("write pump-house/LEVEL=5").status, 0);
 }
 
@@ -90,7 +90,7 @@ TEST_F(ControlledProgram, ReplacesTheSocketOfAKilledHost) {
     QProcess& killed = startHost();
     killed.kill();
     ASSERT_TRUE(killed.waitForFinished(patienceMs));
-    ASSERT_TRUE(QFile::exists(QString::fromStdString(socketPath())));
+    ASSERT_EQ(QFile::exists(QString::fromStdString(socketPath())), socketsAreFiles);
     startHost();
     EXPECT_EQ(ctl("write pump-house/LEVEL=5").status, 0);
 }

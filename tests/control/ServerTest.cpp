@@ -26,6 +26,11 @@ using Result = Halvex::DriverErrorResult;
 namespace {
 
 constexpr int patienceMs = 60'000;
+#ifdef _WIN32
+constexpr bool pipesKeepWhatWasNotRead = false; // once their server has closed them
+#else
+constexpr bool pipesKeepWhatWasNotRead = true;
+#endif
 
 class Server : public testing::Test {
 protected:
@@ -119,14 +124,18 @@ TEST_F(Server, TellsWatchersWhatChanges) {
 
 TEST_F(Server, DropsAWatcherThatDoesNotReadAndSparesTheOthers) {
     ASSERT_EQ(server.start(doorAt(path)), "");
-    ControlClient lazy;
+    const QByteArray watch = R"({"do":"watch","rtus":["waterworks/pump-house"]})";
+    QLocalSocket lazy;
+    lazy.setReadBufferSize(1); // reads no more than that by itself
+    lazy.connectToServer(QString::fromStdString(path));
+    ASSERT_TRUE(lazy.waitForConnected(patienceMs));
+    lazy.write(watch + '\n');
+    ASSERT_TRUE(lazy.waitForReadyRead(patienceMs)); // it is a watcher now
     ControlClient eager;
-    for (ControlClient* const client : {&lazy, &eager}) {
-        connect(*client);
-        ASSERT_TRUE(client->send(R"({"do":"watch","rtus":["waterworks/pump-house"]})"));
-        for (int i = 0; i < 4; ++i)
-            next(*client);
-    }
+    connect(eager);
+    ASSERT_TRUE(eager.send(watch));
+    for (int i = 0; i < 4; ++i)
+        next(eager);
     // All in all more than the server and the system keep for one that does not read; in portions that they
     // do keep for one that reads.
     constexpr int portion = 2'000;
@@ -138,10 +147,16 @@ TEST_F(Server, DropsAWatcherThatDoesNotReadAndSparesTheOthers) {
         EXPECT_THAT(next(eager), HasSubstr("\"value\":" + std::to_string((i + 1) * portion) + ","));
     }
 
-    std::string before;
-    for (std::string line; (line = next(lazy)) != "end";)
-        before = line;
-    EXPECT_THAT(before, AllOf(HasSubstr("\"code\":\"busy\""), HasSubstr("wait for you to read them")));
+    lazy.setReadBufferSize(0);
+    QByteArray received = lazy.readAll();
+    while (lazy.waitForReadyRead(patienceMs))
+        received += lazy.readAll();
+    received += lazy.readAll();
+    EXPECT_EQ(lazy.state(), QLocalSocket::UnconnectedState);
+    if (pipesKeepWhatWasNotRead) {
+        const std::string last = received.trimmed().split('\n').last().toStdString();
+        EXPECT_THAT(last, AllOf(HasSubstr("\"code\":\"busy\""), HasSubstr("wait for you to read them")));
+    }
 }
 
 TEST_F(Server, DoesNotWorkForAClientThatDoesNotReadItsReplies) {

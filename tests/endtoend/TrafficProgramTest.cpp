@@ -148,7 +148,12 @@ TEST_P(TrafficProgram, ShowsARunningHostsExchangesInWords) {
     const QString socket = file("control");
     QProcess host;
     start(host, {QStringLiteral("run"), site, QStringLiteral("--control"), socket});
-    ASSERT_TRUE(Plant::eventually([&] { return QFile::exists(socket); }));
+    ASSERT_TRUE(Plant::eventually([&] {
+        QProcess status;
+        start(status,
+              {QStringLiteral("ctl"), site, QStringLiteral("--control"), socket, QStringLiteral("status")});
+        return status.waitForFinished(patienceMs) && status.exitCode() == 0;
+    }));
     QProcess trace;
     start(trace, {QStringLiteral("ctl"), site, QStringLiteral("--control"), socket, QStringLiteral("trace"),
                   QStringLiteral("waterworks")});

@@ -16,6 +16,12 @@ namespace {
 const std::string line = "[[channel]]\nid = 1\ntype = \"SBus-Ethernet\"\nprimary = \"udp://h:5050\"\n"
                          "[[channel.rtu]]\nid = 1\nstation = 5\n";
 
+#ifdef _WIN32
+const std::string socketPath = R"(\\.\pipe\works)";
+#else
+const std::string socketPath = "/run/sbus/site.sock";
+#endif
+
 host::LoadedSite read(const std::string& control) {
     return host::readSite(line + control, "site.toml", [](const std::string&) { return text::FileText(); });
 }
@@ -41,9 +47,9 @@ TEST(ControlTable, OpensTheSocketToNobodyWhenItIsLeftOut) {
 
 TEST(ControlTable, NamesSocketGroupAndAccess) {
     const std::string control =
-        "[control]\nsocket = \"/run/sbus/site.sock\"\ngroup = \"scada\"\naccess = \"commands\"\n";
+        "[control]\nsocket = '" + socketPath + "'\ngroup = \"scada\"\naccess = \"commands\"\n";
     const host::ControlSettings settings = read(control).site.control;
-    EXPECT_EQ(settings.socket, "/run/sbus/site.sock");
+    EXPECT_EQ(settings.socket, socketPath);
     EXPECT_EQ(settings.group, "scada");
     EXPECT_EQ(settings.access, ControlAccess::Commands);
     EXPECT_EQ(settings.groupPlace.line, 10U);

@@ -34,7 +34,7 @@ protected:
         QProcess program;
         program.setWorkingDirectory(folder.path());
         program.start(QStringLiteral(HOST_PROGRAM), QString::fromLatin1(arguments).split(QLatin1Char(' ')));
-        EXPECT_TRUE(program.waitForFinished(60'000));
+        EXPECT_TRUE(program.waitForFinished(60'000)) << program.errorString().toStdString();
         return {program.exitCode(), program.readAllStandardOutput().toStdString(),
                 program.readAllStandardError().toStdString()};
     }

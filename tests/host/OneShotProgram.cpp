@@ -1,5 +1,7 @@
 #include "OneShotProgram.h"
 
+#include "StopProgram.h"
+
 namespace {
 
 constexpr int patienceMs = 100'000;
@@ -50,7 +52,7 @@ Ending OneShotProgram::endOf(QProcess& program) {
 }
 
 void OneShotProgram::interrupt(const QProcess& program) {
-    QProcess::execute(QStringLiteral("kill"), {QStringLiteral("-INT"), QString::number(program.processId())});
+    stopProgram(program, StopBy::Key);
 }
 
 Ending OneShotProgram::run(const std::string& commandLine) {

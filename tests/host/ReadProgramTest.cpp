@@ -1,12 +1,12 @@
 #include "OneShotProgram.h"
 #include "StopProgram.h"
+#include "TextPattern.h"
 
 // Reading from the command line, as its users meet it.
 
 using sim::Media;
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 
 namespace {
 
@@ -96,10 +96,10 @@ TEST_F(Read, WritesJsonLines) {
     memory().set(Media::Registers, 10, 123);
     const Ending ending = run("read LINK R10 R6000 --station 5 --timeout 10s --format json");
     EXPECT_EQ(ending.status, 3);
-    EXPECT_THAT(
-        ending.output,
-        MatchesRegex("\\{\"address\":\"R10\",\"value\":123,\"time\":\"[-0-9T:.]+Z\",\"quality\":\"good\"\\}\n"
-                     "\\{\"address\":\"R6000\",\"value\":null,\"time\":null,\"quality\":\"bad\"\\}\n"));
+    EXPECT_THAT(ending.output,
+                MatchesPattern(
+                    "\\{\"address\":\"R10\",\"value\":123,\"time\":\"[-0-9T:.]+Z\",\"quality\":\"good\"\\}\n"
+                    "\\{\"address\":\"R6000\",\"value\":null,\"time\":null,\"quality\":\"bad\"\\}\n"));
 }
 
 TEST_F(Read, WritesCommaSeparatedValues) {
@@ -107,7 +107,7 @@ TEST_F(Read, WritesCommaSeparatedValues) {
     const Ending ending = run("read LINK R10 R6000 --station 5 --timeout 10s --format csv");
     EXPECT_EQ(ending.status, 3);
     EXPECT_THAT(ending.output,
-                MatchesRegex("address,value,time,quality\nR10,123,[-0-9T:.]+Z,good\nR6000,,,bad\n"));
+                MatchesPattern("address,value,time,quality\nR10,123,[-0-9T:.]+Z,good\nR6000,,,bad\n"));
 }
 
 TEST_F(Read, ReadsAgainSoManyTimes) {
@@ -128,7 +128,7 @@ TEST_P(ReadOnEveryLine, ReadsAgainUntilItIsInterrupted) {
     memory().set(Media::Registers, 10, 8);
     while (!output.contains("R10 = 8\n") && program.waitForReadyRead(60'000))
         output += program.readAllStandardOutput();
-    QProcess::execute(QStringLiteral("kill"), {QStringLiteral("-INT"), QString::number(program.processId())});
+    stopProgram(program, StopBy::Key);
     const Ending ending = endOf(program);
     EXPECT_EQ(ending.status, 0);
     EXPECT_EQ(ending.errors, "");
@@ -159,7 +159,7 @@ TEST_F(Read, GoesOnWhenTheStationComesBack) {
     const Ending ending = endOf(program);
     EXPECT_EQ(ending.status, 3) << "some readings were good, but not all";
     EXPECT_THAT(ending.output, HasSubstr("R10 = 0\n"));
-    EXPECT_THAT(ending.errors, testing::ContainsRegex("sbus-host: [0-9-]+ [0-9:.]+[+-][0-9:]+  udp://"));
+    EXPECT_THAT(ending.errors, ContainsPattern("sbus-host: [0-9-]+ [0-9:.]+[+-][0-9:]+  udp://"));
 }
 
 TEST_F(Read, TellsALineThatCannotBeOpened) {

@@ -179,7 +179,7 @@ TEST_P(WriteOnEveryLine, IsInterruptedWhileItWaitsForAnAnswer) {
     start(program, "write LINK O1=1 O2=1 --station 9 --timeout 24h");
     while (simulator.counts(lineId).foreignStations == 0 && program.state() != QProcess::NotRunning)
         program.waitForFinished(10);
-    QProcess::execute(QStringLiteral("kill"), {QStringLiteral("-INT"), QString::number(program.processId())});
+    stopProgram(program, StopBy::Key);
     const Ending ending = endOf(program);
     EXPECT_EQ(ending.status, 1);
     EXPECT_THAT(ending.errors,

@@ -39,9 +39,9 @@ protected:
     // One serial line with station 5.
     std::string serialSite() {
         return folder.write("site.toml", "[[channel]]\nid = 1\nname = \"mill\"\ntype = \"SBus-Serial\"\n"
-                                         "primary = \"serial:" +
+                                         "primary = 'serial:" +
                                              device() +
-                                             "?baud=19200\"\n"
+                                             "?baud=19200'\n"
                                              "[[channel.rtu]]\nid = 1\nstation = 5\n");
     }
     std::string device() const { return folder.path("line"); }

@@ -17,7 +17,6 @@ QJsonObject shownUnder(const char* locale) {
     environment.remove(QStringLiteral("LANGUAGE"));
     for (const char* const variable : {"LC_ALL", "LANG"}) // on Windows Qt looks at the second alone
         environment.insert(QString::fromLatin1(variable), QString::fromLatin1(locale));
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     environment.insert(QStringLiteral("QT_FONT_DPI"), QStringLiteral("96"));
     QProcess process;
     process.setProcessEnvironment(environment);

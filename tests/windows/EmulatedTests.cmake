@@ -28,6 +28,6 @@ function(emulated_test name timeout label)
             COMMAND ${name} --gtest_filter=-${left_out} --gtest_output=xml:Z:${results}/${entry}.xml)
         math(EXPR limit "5 * ${timeout}")
         set_tests_properties(${entry} PROPERTIES TIMEOUT ${limit} COST ${timeout} ${label}
-            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;GTEST_TOTAL_SHARDS=${parts};GTEST_SHARD_INDEX=${index}")
+            ENVIRONMENT "GTEST_TOTAL_SHARDS=${parts};GTEST_SHARD_INDEX=${index}")
     endforeach()
 endfunction()

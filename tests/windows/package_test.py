@@ -8,6 +8,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import zipfile
 from pathlib import Path
@@ -15,9 +16,11 @@ from pathlib import Path
 SOURCE = Path(__file__).resolve().parents[2]
 DLLS = SOURCE / "packaging/windows/dlls.py"
 OBJDUMP = "x86_64-w64-mingw32-objdump"
+PATIENCE = 120  # seconds, which only a failure waits for
 OWN = ["SBusDriver.dll", "HalvexAbstractDriver.dll", "HalvexDriverComponent.dll", "HalvexDriverLink.dll",
        "HVDBFunctions.dll", "sbus-host.exe", "sbus-sim.exe"]
 UNINSTALL_KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\SBusDriver"
+SERVICE_KEY = r"HKLM\SYSTEM\CurrentControlSet\Services\waterworks"
 ENVIRONMENT = r"HKLM\SYSTEM\CurrentControlSet\Control\Session Manager\Environment"
 
 
@@ -26,19 +29,28 @@ class Windows:
 
     def __init__(self, folder):
         self.drive = folder / "wine/drive_c"
-        self.program = shutil.which("wine64") or "/usr/lib/wine/wine64"
+        self.program = "/usr/lib/wine/wine64"
         # Without a desktop: nothing here may need one.
         self.environment = {key: value for key, value in os.environ.items() if key != "DISPLAY"}
         self.environment.update(WINEPREFIX=str(folder / "wine"), WINEDEBUG="-all", LC_ALL="C.UTF-8",
-                                WINEDLLOVERRIDES="mscoree=;mshtml=", QT_QPA_PLATFORM="offscreen")
-        subprocess.run([self.program, "wineboot", "--init"], env=self.environment, check=True, timeout=600)
+                                WINEDLLOVERRIDES="mscoree=;mshtml=")
+        subprocess.run([self.program, "wineboot", "--init"], env=self.environment, check=True, timeout=600,
+                       stderr=subprocess.DEVNULL)
+        self.wait()
 
     def start(self, *command, **options):
         return subprocess.Popen([self.program, *map(str, command)], env=self.environment, **options)
 
     def run(self, *command, **options):
-        return subprocess.run([self.program, *map(str, command)], env=self.environment, timeout=300,
-                              capture_output=True, text=True, errors="replace", **options)
+        # Into files: a service manager that Wine starts with a program holds its outputs longer than it lives.
+        with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
+            ended = subprocess.run([self.program, *map(str, command)], env=self.environment, timeout=300,
+                                   stdin=subprocess.DEVNULL, stdout=output, stderr=errors, **options)
+            return subprocess.CompletedProcess(command, ended.returncode, text_of(output), text_of(errors))
+
+    def wait(self):
+        """Until all of its programs have ended."""
+        subprocess.run(["/usr/lib/wine/wineserver", "--wait"], env=self.environment, timeout=300, check=True)
 
     def registry(self, key, name):
         """What stands there, or None."""
@@ -47,6 +59,12 @@ class Windows:
 
     def end(self):
         self.run("wineboot", "--end-session", "--force")
+        self.wait()
+
+
+def text_of(file):
+    file.seek(0)
+    return file.read().decode("utf-8", "replace").replace("\r\n", "\n")
 
 
 def seen_from_windows(path):
@@ -116,7 +134,7 @@ class Package(unittest.TestCase):
                 self.assertTrue((page.parent / link).exists(), f"{page.relative_to(self.root)}: {link}")
 
     def test_polls_from_another_folder(self):
-        elsewhere = self.folder / "elsewhere"
+        elsewhere = self.folder / "Größe & Füllstand"
         shutil.copytree(self.root / "demo", elsewhere)
         self.assert_polls(self.bin, elsewhere / "site.toml", self.folder)
 
@@ -154,16 +172,24 @@ class Package(unittest.TestCase):
         own = target / "demo/my site.toml"
         shutil.copyfile(self.root / "demo/site.toml", own)
         self.assert_polls(target / "bin", own, self.folder)
+        service = self.windows.run(target / "bin/sbus-host.exe", "service", "install", "waterworks",
+                                   seen_from_windows(own))
+        self.assertEqual(service.returncode, 0, service.stderr)
+        self.assertIsNotNone(self.windows.registry(SERVICE_KEY, "ImagePath"))
 
-        # The uninstaller goes on as a copy of itself elsewhere, unless it is told its folder.
-        removed = self.windows.run(target / "uninstall.exe", "/S", r"_?=C:\Program Files\SBusDriver")
+        # The uninstaller goes on as a copy of itself elsewhere, which removes what it was started from, too.
+        removed = self.windows.run(target / "uninstall.exe", "/S")
         self.assertEqual(removed.returncode, 0, removed.stderr)
-        # It cannot remove the file that it runs from when started so.
-        self.assertLessEqual(set(files(target)), {"demo/my site.toml", "uninstall.exe"})
+        deadline = time.monotonic() + PATIENCE
+        while time.monotonic() < deadline and self.windows.registry(UNINSTALL_KEY, "DisplayVersion"):
+            time.sleep(0.5)
+        self.assertEqual(files(target), ["demo/my site.toml"])
         self.assertTrue(own.exists())
         self.assertEqual([folder.name for folder in target.iterdir() if folder.is_dir()], ["demo"])
         self.assertFalse(start_menu.exists())
         self.assertIsNone(self.windows.registry(UNINSTALL_KEY, "DisplayVersion"))
+        self.assertIsNone(self.windows.registry(SERVICE_KEY, "ImagePath"))
+        self.assertIsNotNone(self.windows.registry(SERVICE_KEY.replace("waterworks", "EventLog"), "ImagePath"))
         self.assertEqual(self.windows.registry(ENVIRONMENT, "PATH"), path_before)
 
 

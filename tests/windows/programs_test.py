@@ -18,9 +18,11 @@ import tempfile
 import time
 import unittest
 
+import outcomes
 from udp_port import free_port
 
 PATIENCE = 120  # seconds, which only a failure waits for
+REST = 10  # seconds in which the rest of what an ended program has written comes through Wine's console
 
 
 def udp_site(port, more=""):
@@ -58,6 +60,7 @@ POINT = '[[channel.rtu.point]]\nid = 1\nname = "LEVEL"\nkind = "analog"\naddress
 
 # Keeps the terminal open until all of the program's output has come through Wine's console, and a key was pressed.
 KEEPER = 'trap : INT; "$@"; echo "ended with $? ."; read key'
+ENDED = re.compile(r"ended with (\d+) \.")
 
 
 class Console:
@@ -72,9 +75,13 @@ class Console:
 
     def wait_for(self, text):
         end = time.monotonic() + PATIENCE
+        has_ended = False
         while text not in self.plain() and time.monotonic() < end:
             if not self.read():
                 break
+            if not has_ended and ENDED.search(self.plain()):
+                has_ended = True
+                end = time.monotonic() + REST
         return text in self.plain()
 
     def plain(self):
@@ -96,10 +103,10 @@ class Console:
         os.write(self.terminal, keys)
 
     def exit_status(self):
-        if not self.wait_for("ended with "):
-            return None
+        self.wait_for("ended with ")
         self.wait_for(" .")
-        return int(re.search(r"ended with (\d+)", self.plain())[1])
+        ending = ENDED.search(self.plain())
+        return int(ending[1]) if ending else None
 
     def close(self):
         os.close(self.terminal)
@@ -204,6 +211,14 @@ class Programs(unittest.TestCase):
         console.type(b"\x03")
         self.assertEqual(console.exit_status(), 0, console.shown)
 
+    def test_EndTheSimulatorAtCtrlC(self):
+        site = self.write("site.toml", udp_site(free_port(), POINT))
+        console = self.open_console(self.windows("sbus-sim", str(site)))
+        self.assertTrue(console.wait_for("ready"), console.shown)
+        console.type(b"\x03")
+        self.assertEqual(console.exit_status(), 0, console.shown)
+        self.assertTrue(console.wait_for("station 5: answers 0"), console.shown)
+
     def test_TakeCommandsFromASecondConsole(self):
         site = self.play_udp()
         console = self.open_console(self.windows("sbus-host", "run", str(site), "--format", "lines"))
@@ -273,13 +288,6 @@ class Programs(unittest.TestCase):
         self.assertEqual(len(set(pictures.values())), len(titles))
 
 
-def write_outcome(folder, name, good):
-    failure = "" if good else '<failure message="see above"/>'
-    (folder / f"Programs.{name}.xml").write_text(
-        f'<testsuites><testsuite name="Programs"><testcase name="{name}" status="run">{failure}</testcase>'
-        "</testsuite></testsuites>\n")
-
-
 if __name__ == "__main__":
     split = sys.argv.index("--")
     EMULATOR = sys.argv[1:split]
@@ -287,5 +295,5 @@ if __name__ == "__main__":
     PICTURES = pathlib.Path(results).parent / "pictures"
     os.environ["WINEPREFIX"] = os.path.join(os.path.dirname(results), "wine")
     outcome = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromName(f"test_{test}", Programs))
-    write_outcome(pathlib.Path(results), test, outcome.wasSuccessful() and outcome.testsRun == 1)
+    outcomes.write(pathlib.Path(results), "Programs", {test: outcome.wasSuccessful() and outcome.testsRun == 1})
     sys.exit(not outcome.wasSuccessful())

@@ -1,22 +1,26 @@
 #!/usr/bin/env python3
 """sbus-host as a service of Windows: installed, started, asked, stopped and removed as a person does it.
 
-service_test.py EMULATOR... -- BIN [TEST...]: with the Windows programs in the folder BIN, each started by EMULATOR (Wine,
-whose service manager runs the service). What Wine does not do is not tested here: it keeps no event log, lets every
-account do everything, and starts no service again that has failed.
+service_test.py WORK QT BUILD [TEST...]: with the programs that BUILD has built, in a Windows of their own in the folder
+WORK: the service manager there starts a program with what lies beside it and nothing else. What Wine does not do is not
+tested here: it keeps no event log, lets every account do everything, and starts no service again that has failed.
 """
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
 import time
 import unittest
 
+import outcomes
 from udp_port import free_port
 
 PATIENCE = 180  # seconds, which only a failure waits for
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
+PROGRAMS = ("sbus-host.exe", "sbus-sim.exe", "SBusDriver.dll")
 EMULATOR, BIN = [], pathlib.Path()
 SERVICES = r"HKLM\SYSTEM\CurrentControlSet\Services"
 
@@ -52,20 +56,24 @@ def word(argument):
     return "Z:" + str(argument).replace("/", "\\") if isinstance(argument, pathlib.Path) else argument
 
 
-def start(program, *arguments):
-    return subprocess.Popen([*EMULATOR, program, *map(word, arguments)], stdin=subprocess.DEVNULL,
-                            stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+def start(program, *arguments, **outputs):
+    return subprocess.Popen([*EMULATOR, program, *map(word, arguments)], stdin=subprocess.DEVNULL, **outputs)
 
 
 def run(program, *arguments):
-    """Status, output and errors."""
-    process = start(program, *arguments)
-    try:
-        output, errors = process.communicate(timeout=PATIENCE)
-    finally:
-        process.kill()
-    return (process.returncode, output.decode("utf-8", "replace").replace("\r\n", "\n"),
-            errors.decode("utf-8", "replace").replace("\r\n", "\n"))
+    """Status, output and errors. Files take them: what the program starts may hold its outputs longer than it lives."""
+    with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
+        process = start(program, *arguments, stdout=output, stderr=errors)
+        try:
+            process.wait(timeout=PATIENCE)
+        finally:
+            process.kill()
+        return process.returncode, text_of(output), text_of(errors)
+
+
+def text_of(file):
+    file.seek(0)
+    return file.read().decode("utf-8", "replace").replace("\r\n", "\n")
 
 
 def host(*arguments):
@@ -81,8 +89,7 @@ def registry(*key):
 class Service(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        # Wine begins its service manager with the first program, which passes its output on to it, and ends it with
-        # the last one. This one is there before and after all that are read from.
+        # Wine begins its service manager with the first program and ends it with the last one: this one stays.
         cls.prompt = tempfile.TemporaryFile()
         cls.resident = subprocess.Popen([*EMULATOR, "cmd"], stdin=subprocess.PIPE, stdout=cls.prompt,
                                         stderr=subprocess.DEVNULL)
@@ -106,13 +113,10 @@ class Service(unittest.TestCase):
         self.addCleanup(host, "service", "remove", self.name)
 
     def play(self, *arguments):
-        simulator = start(BIN / "sbus-sim.exe", self.site, *arguments)
-
-        def end():
-            simulator.kill()
-            simulator.communicate()
-
-        self.addCleanup(end)
+        simulator = start(BIN / "sbus-sim.exe", self.site, *arguments, stdout=subprocess.DEVNULL,
+                          stderr=subprocess.DEVNULL)
+        self.addCleanup(simulator.wait)
+        self.addCleanup(simulator.kill)
 
     def install(self, *options):
         status, output, errors = host("service", "install", self.name, self.site, *options)
@@ -217,11 +221,46 @@ class Service(unittest.TestCase):
             self.assertIn("service EventLog is none of sbus-host", errors)
 
 
+def gather(build, qt):
+    """The programs, and beside them all that they import, as they are installed."""
+    if BIN.exists():
+        shutil.rmtree(BIN)
+    BIN.mkdir(parents=True)
+    for name in PROGRAMS:
+        shutil.copy(build / "bin" / name, BIN)
+    libraries = ("libstdc++-6.dll", "libgcc_s_seh-1.dll", "libwinpthread-1.dll")
+    compiler = {os.path.dirname(subprocess.run(["x86_64-w64-mingw32-g++-posix", f"-print-file-name={name}"], check=True,
+                                               capture_output=True, text=True).stdout) for name in libraries}
+    subprocess.run([SOURCE / "packaging/windows/dlls.py", "gather", BIN, build / "bin", qt / "bin", *compiler], check=True)
+
+
+class Outcomes(unittest.TextTestResult):
+    good = {}
+
+    def addSuccess(self, test):
+        super().addSuccess(test)
+        self.good[test.id().rsplit("test_", 1)[1]] = True
+
+    def addFailure(self, test, err):
+        super().addFailure(test, err)
+        self.good[test.id().rsplit("test_", 1)[1]] = False
+
+    def addError(self, test, err):
+        super().addError(test, err)
+        self.good[test.id().rsplit("test_", 1)[-1]] = False
+
+
 def main():
     global EMULATOR, BIN
-    split = sys.argv.index("--")
-    EMULATOR, BIN = sys.argv[1:split], pathlib.Path(sys.argv[split + 1]).resolve()
-    unittest.main(argv=[sys.argv[0], *(f"Service.test_{name}" for name in sys.argv[split + 2:])], verbosity=2)
+    work, qt, build = map(pathlib.Path, map(os.path.abspath, sys.argv[1:4]))
+    BIN = work / "bin"
+    EMULATOR = [SOURCE / "cmake/windows/under-wine", work, qt]
+    gather(build, qt)
+    runner = unittest.TextTestRunner(verbosity=2, resultclass=Outcomes)
+    ended = unittest.main(argv=[sys.argv[0], *(f"Service.test_{name}" for name in sys.argv[4:])], testRunner=runner,
+                          exit=False).result
+    outcomes.write(build / "results", "Service", Outcomes.good)
+    sys.exit(not ended.wasSuccessful())
 
 
 if __name__ == "__main__":

@@ -1,5 +1,5 @@
-#include "site/BaudRate.h"
 #include "PtyPair.h"
+#include "site/BaudRate.h"
 
 #include <HalvexDriverLink/CLinkSerial.h>
 

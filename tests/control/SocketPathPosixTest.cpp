@@ -1,5 +1,5 @@
-#include "services/control/SocketPath.h"
 #include "services/control/PrivateDirectory.h"
+#include "services/control/SocketPath.h"
 
 #include <QDir>
 #include <QFile>
