@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 
 // Ends each command well and remembers it. Any thread.
@@ -19,7 +20,7 @@ public:
         else if (const auto* const set = std::get_if<host::SetPoint>(&command.action))
             texts.push_back("set " + std::to_string(set->point) + " " +
                             std::to_string(static_cast<int>(set->value)));
-        done({result});
+        done({result.load()});
         return {};
     }
     std::vector<std::string> taken() {
@@ -27,7 +28,7 @@ public:
         return texts;
     }
 
-    Halvex::DriverErrorResult result = Halvex::DriverErrorResult::Success; // of all that come
+    std::atomic<Halvex::DriverErrorResult> result{Halvex::DriverErrorResult::Success}; // of all that come
 
 private:
     std::mutex mutex;

@@ -15,6 +15,12 @@ extern "C" const char* __ubsan_default_options() {
     return "print_stacktrace=1";
 }
 
+// Two mutexes of Qt's own, which it takes in either order while it loads TLS for the first socket of a
+// process.
+extern "C" const char* __tsan_default_suppressions() {
+    return "deadlock:libQt5Network.so\n";
+}
+
 // Qt's platform without a screen, on which all tests run, never deletes the screen that it does not have.
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:libqoffscreen.so\n";

@@ -14,8 +14,8 @@ public:
 
     std::size_t tellChanges(const ToldChange* changes, std::size_t count, MqttMessage& into) override;
 
-    static constexpr std::size_t mostValues = 1'000;      // of one message
-    static constexpr std::size_t fullPayload = 64 * 1024; // bytes; another value begins another message
+    static constexpr std::size_t mostValues = 1'000;   // of one message
+    static constexpr std::size_t fullPayload = 65'536; // bytes; another value begins another message
 };
 
 } // namespace host

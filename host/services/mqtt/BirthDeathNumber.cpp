@@ -12,7 +12,7 @@ BirthDeathNumber::BirthDeathNumber(const std::string& directory, const std::stri
 }
 
 std::string BirthDeathNumber::open() {
-    const std::string fault = file ? file->open() : "this user has no directory for state files";
+    std::string fault = file ? file->open() : "this user has no directory for state files";
     isOpen = fault.empty();
     return fault;
 }
