@@ -41,8 +41,10 @@ ModbusOrders ordersOf(const ModbusMap& map, unsigned unit, const CoilWrite& writ
         const MappedPoint* const point = map.statusAt(unit, write.first + i);
         if (const std::optional<ModbusFault> fault = pointFault(point))
             return refused(*fault);
-        orders.commands.push_back(
-            {point->channel->id, point->rtu->id, SwitchPoint{point->point->id, write.values[i]}});
+        Command& command = orders.commands.emplace_back();
+        command.channelId = point->channel->id;
+        command.rtuId = point->rtu->id;
+        command.action = SwitchPoint{point->point->id, write.values[i]};
     }
     return orders;
 }
