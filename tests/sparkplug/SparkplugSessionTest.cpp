@@ -303,15 +303,21 @@ TEST(SparkplugSession, TellsWhatItDoesNotUnderstandOfACommand) {
 }
 
 TEST(SparkplugNames, KeepRtusApartWhateverTheyAreCalled) {
-    Channel line;
-    Rtu rtu;
-    line.name = "a.b";
-    rtu.name = "c";
-    EXPECT_EQ(sparkplugDevice(line, rtu), "a%2Eb.c");
-    line.name = "a";
-    rtu.name = "b.c";
-    EXPECT_EQ(sparkplugDevice(line, rtu), "a.b.c");
-    line.name = "1/2 100%";
-    rtu.name = "+#";
-    EXPECT_EQ(sparkplugDevice(line, rtu), "1%2F2 100%25.%2B%23");
+    const auto device = [](const std::string& line, const std::string& rtu) {
+        Site site = pumpHouse();
+        site.channels[0].name = line;
+        site.channels[0].rtus[0].name = rtu;
+        return sparkplugDevices(PointTable(site)).front();
+    };
+    EXPECT_EQ(device("a.b", "c"), "a%2Eb.c");
+    EXPECT_EQ(device("a", "b.c"), "a.b.c");
+    EXPECT_EQ(device("1/2 100%", "+#"), "1%2F2 100%25.%2B%23");
+}
+
+TEST(SparkplugNames, KeepLinesOfOneNameApart) {
+    Site site = pumpHouse();
+    site.channels.push_back(site.channels[0]);
+    site.channels[1].id = 2;
+    EXPECT_THAT(sparkplugDevices(PointTable(site)), ElementsAre("waterworks.pumps", "waterworks.well",
+                                                                "waterworks$2.pumps", "waterworks$2.well"));
 }

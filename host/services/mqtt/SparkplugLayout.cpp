@@ -139,7 +139,7 @@ MessageMeaning SparkplugLayout::readOrder(const MqttMessage& message) {
     for (const auto& [index, value] : order.values) {
         const PointRef ref = store.points().at(index);
         CommandRequest request;
-        request.point = sparkplugDevice(*ref.channel, *ref.rtu) + "/" + ref.point->name;
+        request.point = session.deviceOf(index) + "/" + ref.point->name;
         const std::optional<double> number = numberOf(value);
         if (!settings.takesCommands)
             request.refusal = "the site file has no commands = true in [mqtt]";

@@ -10,7 +10,7 @@ namespace host {
 // Sparkplug B: the host is an edge node named after the site, of the group that `prefix` names; each RTU is a
 // device, each point a metric. What was kept goes out marked as historical, behind the births. NCMD asks for
 // births; values of DCMD become commands, where the site file allows it. Results of commands have no place in
-// the standard: those that fail are told to people.
+// the standard: those that fail are told to people. Reads the clock for the time stamps of messages.
 class SparkplugLayout : public Layout {
 public:
     struct Settings {

@@ -1,24 +1,21 @@
 #include "SparkplugNames.h"
 
+#include "Topics.h"
+
 namespace host {
 
 namespace {
 
 const std::string space = "spBv1.0/";
 
-std::string escaped(const std::string& name, const char* characters) {
-    constexpr char digits[] = "0123456789ABCDEF";
+std::string lastLevel(const std::string& topic) {
+    return topic.substr(topic.rfind('/') + 1);
+}
+
+std::string withoutDots(const std::string& level) {
     std::string text;
-    for (const char one : name) {
-        if (std::string(characters).find(one) == std::string::npos) {
-            text += one;
-            continue;
-        }
-        const auto code = static_cast<unsigned char>(one);
-        text += '%';
-        text += digits[code / 16];
-        text += digits[code % 16];
-    }
+    for (const char one : level)
+        text += one == '.' ? std::string("%2E") : std::string(1, one);
     return text;
 }
 
@@ -36,8 +33,13 @@ std::string sparkplugStateTopic(const std::string& host) {
     return space + "STATE/" + host;
 }
 
-std::string sparkplugDevice(const Channel& channel, const Rtu& rtu) {
-    return escaped(channel.name, "/+#%.") + '.' + escaped(rtu.name, "/+#%");
+std::vector<std::string> sparkplugDevices(const PointTable& points) {
+    const Topics topics({}, {}, points);
+    std::vector<std::string> names;
+    for (const PointTable::Block& block : points.blocks())
+        names.push_back(withoutDots(lastLevel(topics.ofLine(*block.channel))) + '.' +
+                        lastLevel(topics.ofRtu(block)));
+    return names;
 }
 
 } // namespace host

@@ -3,6 +3,7 @@
 #include "values/PointTable.h"
 
 #include <string>
+#include <vector>
 
 // What an edge node, its devices and their topics are called. Pure; any thread.
 namespace host {
@@ -20,8 +21,9 @@ struct SparkplugNames {
 // "spBv1.0/STATE/HOST": where a primary host tells whether it is there.
 std::string sparkplugStateTopic(const std::string& host);
 
-// An RTU is a device: "LINE.RTU". What has a meaning in a topic, and a dot of the line's name, stand there as
-// their numbers ("%2F" for "/"), so that no two RTUs meet in one name.
-std::string sparkplugDevice(const Channel& channel, const Rtu& rtu);
+// An RTU is a device: "LINE.RTU", of the levels that stand for them in the topics of other layouts
+// (Topics.h). A dot of the line's stands there as "%2E", so that no two RTUs meet in one name. In the order
+// of the table's blocks.
+std::vector<std::string> sparkplugDevices(const PointTable& points);
 
 } // namespace host

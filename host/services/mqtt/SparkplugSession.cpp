@@ -79,8 +79,12 @@ SparkplugSession::SparkplugSession(Settings sessionSettings, const PointTable& p
                                    StateOf stateOfPoint, std::uint8_t lastBirthDeathSequence)
     : settings(std::move(sessionSettings)), points(pointTable), stateOf(std::move(stateOfPoint)),
       birthDeath(lastBirthDeathSequence) {
-    for (const PointTable::Block& block : points.blocks())
-        devices.push_back({sparkplugDevice(*block.channel, *block.rtu)});
+    for (std::string& name : sparkplugDevices(points))
+        devices.push_back({std::move(name)});
+}
+
+const std::string& SparkplugSession::deviceOf(PointIndex index) const {
+    return devices[points.placeOf(points.blockOf(index))].name;
 }
 
 SparkplugMessage SparkplugSession::beginConnection(std::uint64_t nowMs) {

@@ -73,6 +73,7 @@ public:
     // For an end in order, before the connection is ended.
     SparkplugMessage death(std::uint64_t nowMs) const;
 
+    const std::string& deviceOf(PointIndex index) const;
     SparkplugOrder orderOf(const std::string& topic, const std::string& payload) const;
 
 private:
