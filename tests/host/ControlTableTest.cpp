@@ -1,4 +1,4 @@
-#include "site/SiteFile.h"
+#include "TableInSite.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,33 +13,16 @@ using testing::IsEmpty;
 
 namespace {
 
-const std::string line = "[[channel]]\nid = 1\ntype = \"SBus-Ethernet\"\nprimary = \"udp://h:5050\"\n"
-                         "[[channel.rtu]]\nid = 1\nstation = 5\n";
-
 #ifdef _WIN32
 const std::string socketPath = R"(\\.\pipe\works)";
 #else
 const std::string socketPath = "/run/sbus/site.sock";
 #endif
 
-host::LoadedSite read(const std::string& control) {
-    return host::readSite(line + control, "site.toml", [](const std::string&) { return text::FileText(); });
-}
-
-// Without those about the line.
-std::vector<std::string> findings(const std::string& control) {
-    const host::LoadedSite loaded = read(control);
-    std::vector<std::string> texts;
-    for (const host::Finding& finding : loaded.findings.all())
-        if (finding.place.line > 7)
-            texts.push_back(toText(finding));
-    return texts;
-}
-
 } // namespace
 
 TEST(ControlTable, OpensTheSocketToNobodyWhenItIsLeftOut) {
-    const host::ControlSettings settings = read("").site.control;
+    const host::ControlSettings settings = readWithTable("").site.control;
     EXPECT_EQ(settings.socket, "");
     EXPECT_EQ(settings.group, "");
     EXPECT_EQ(settings.access, ControlAccess::Read);
@@ -48,22 +31,22 @@ TEST(ControlTable, OpensTheSocketToNobodyWhenItIsLeftOut) {
 TEST(ControlTable, NamesSocketGroupAndAccess) {
     const std::string control =
         "[control]\nsocket = '" + socketPath + "'\ngroup = \"scada\"\naccess = \"commands\"\n";
-    const host::ControlSettings settings = read(control).site.control;
+    const host::ControlSettings settings = readWithTable(control).site.control;
     EXPECT_EQ(settings.socket, socketPath);
     EXPECT_EQ(settings.group, "scada");
     EXPECT_EQ(settings.access, ControlAccess::Commands);
     EXPECT_EQ(settings.groupPlace.line, 10U);
-    EXPECT_THAT(findings(control), IsEmpty());
+    EXPECT_THAT(findingsOfTable(control), IsEmpty());
 }
 
 TEST(ControlTable, LetsAGroupReadAloneUnlessItSaysMore) {
-    EXPECT_EQ(read("[control]\ngroup = \"scada\"\n").site.control.access, ControlAccess::Read);
-    EXPECT_EQ(read("[control]\ngroup = \"scada\"\naccess = \"read\"\n").site.control.access,
+    EXPECT_EQ(readWithTable("[control]\ngroup = \"scada\"\n").site.control.access, ControlAccess::Read);
+    EXPECT_EQ(readWithTable("[control]\ngroup = \"scada\"\naccess = \"read\"\n").site.control.access,
               ControlAccess::Read);
 }
 
 TEST(ControlTable, TellsWhatIsWrong) {
-    EXPECT_THAT(findings("[control]\nsocket = \"site.sock\"\naccess = \"write\"\ngrup = \"scada\"\n"),
+    EXPECT_THAT(findingsOfTable("[control]\nsocket = \"site.sock\"\naccess = \"write\"\ngrup = \"scada\"\n"),
                 ElementsAre(HasSubstr("9:10: error: socket \"site.sock\" is no full path"),
                             HasSubstr("10:10: error: access \"write\" is not known"),
                             HasSubstr("10:10: error: access without a group"), HasSubstr("grup")));

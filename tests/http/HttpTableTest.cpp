@@ -1,4 +1,4 @@
-#include "site/SiteFile.h"
+#include "TableInSite.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,30 +7,9 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-namespace {
-
-const std::string line = "[[channel]]\nid = 1\ntype = \"SBus-Ethernet\"\nprimary = \"udp://h:5050\"\n"
-                         "[[channel.rtu]]\nid = 1\nstation = 5\n";
-
-host::LoadedSite read(const std::string& http) {
-    return host::readSite(line + http, "site.toml", [](const std::string&) { return text::FileText(); });
-}
-
-// Without those about the line.
-std::vector<std::string> findings(const std::string& http) {
-    const host::LoadedSite loaded = read(http);
-    std::vector<std::string> texts;
-    for (const host::Finding& finding : loaded.findings.all())
-        if (finding.place.line > 7)
-            texts.push_back(toText(finding));
-    return texts;
-}
-
-} // namespace
-
 TEST(HttpTable, SwitchesTheServerOn) {
-    EXPECT_FALSE(read("").site.http);
-    const host::LoadedSite loaded = read("[http]\nlisten = \"127.0.0.1:8080\"\n");
+    EXPECT_FALSE(readWithTable("").site.http);
+    const host::LoadedSite loaded = readWithTable("[http]\nlisten = \"127.0.0.1:8080\"\n");
     ASSERT_TRUE(loaded.site.http);
     EXPECT_EQ(toText(loaded.site.http->listen), "127.0.0.1:8080");
     EXPECT_FALSE(loaded.site.http->hasPoints);
@@ -40,9 +19,9 @@ TEST(HttpTable, SwitchesTheServerOn) {
 
 TEST(HttpTable, TakesAllItsKeys) {
     const host::LoadedSite loaded =
-        read("[http]\nlisten = \"0.0.0.0:8443\"\npoints = true\n"
-             "password_file = \"/etc/sbus/http.password\"\n"
-             "certificate = \"/etc/sbus/http.pem\"\nkey_file = \"/etc/sbus/http.key\"\n");
+        readWithTable("[http]\nlisten = \"0.0.0.0:8443\"\npoints = true\n"
+                      "password_file = \"/etc/sbus/http.password\"\n"
+                      "certificate = \"/etc/sbus/http.pem\"\nkey_file = \"/etc/sbus/http.key\"\n");
     ASSERT_TRUE(loaded.site.http);
     EXPECT_TRUE(loaded.site.http->hasPoints);
     EXPECT_EQ(loaded.site.http->password->file, "/etc/sbus/http.password");
@@ -51,17 +30,17 @@ TEST(HttpTable, TakesAllItsKeys) {
 }
 
 TEST(HttpTable, NeedsAnAddressAndKnowsItsKeys) {
-    EXPECT_THAT(findings("[http]\nport = 8080\n"),
+    EXPECT_THAT(findingsOfTable("[http]\nport = 8080\n"),
                 ElementsAre(HasSubstr("listen is missing"), HasSubstr("unknown key \"port\"")));
 }
 
 TEST(HttpTable, WantsACertificateAndItsKeyTogether) {
     const std::string listen = "[http]\nlisten = \"127.0.0.1:8443\"\n";
-    EXPECT_THAT(findings(listen + "certificate = \"/c.pem\"\n"),
+    EXPECT_THAT(findingsOfTable(listen + "certificate = \"/c.pem\"\n"),
                 ElementsAre(HasSubstr("a certificate without its key; name the key's file in key_file")));
-    EXPECT_THAT(findings(listen + "key_file = \"/k.pem\"\n"),
+    EXPECT_THAT(findingsOfTable(listen + "key_file = \"/k.pem\"\n"),
                 ElementsAre(HasSubstr("a key without its certificate")));
-    EXPECT_THAT(findings(listen + "certificate = \"c.pem\"\nkey_file = \"/k.pem\"\n"),
+    EXPECT_THAT(findingsOfTable(listen + "certificate = \"c.pem\"\nkey_file = \"/k.pem\"\n"),
                 ElementsAre(HasSubstr("certificate \"c.pem\" is no full path")));
 }
 
@@ -69,12 +48,12 @@ TEST(HttpTable, WarnsOfAnAddressThatOthersReach) {
     const std::string open = "[http]\nlisten = \"0.0.0.0:8080\"\n";
     const std::string password = "password_file = \"/p\"\n";
     const std::string tls = "certificate = \"/c.pem\"\nkey_file = \"/k.pem\"\n";
-    EXPECT_THAT(findings(open),
+    EXPECT_THAT(findingsOfTable(open),
                 ElementsAre(HasSubstr("site.toml:9:10: warning: listen \"0.0.0.0:8080\" is open to other "
                                       "computers without a password"),
                             HasSubstr("without TLS")));
-    EXPECT_THAT(findings(open + password), ElementsAre(HasSubstr("without TLS")));
-    EXPECT_THAT(findings(open + tls), ElementsAre(HasSubstr("without a password")));
-    EXPECT_THAT(findings(open + password + tls), IsEmpty());
-    EXPECT_THAT(findings("[http]\nlisten = \"127.0.0.1:8080\"\n"), IsEmpty());
+    EXPECT_THAT(findingsOfTable(open + password), ElementsAre(HasSubstr("without TLS")));
+    EXPECT_THAT(findingsOfTable(open + tls), ElementsAre(HasSubstr("without a password")));
+    EXPECT_THAT(findingsOfTable(open + password + tls), IsEmpty());
+    EXPECT_THAT(findingsOfTable("[http]\nlisten = \"127.0.0.1:8080\"\n"), IsEmpty());
 }

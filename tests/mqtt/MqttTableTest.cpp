@@ -1,4 +1,4 @@
-#include "site/SiteFile.h"
+#include "TableInSite.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,20 +10,12 @@ using testing::IsEmpty;
 
 namespace {
 
-const std::string line = "[[channel]]\nid = 1\ntype = \"SBus-Ethernet\"\nprimary = \"udp://h:5050\"\n"
-                         "[[channel.rtu]]\nid = 1\nstation = 5\n[mqtt]\n";
-
 LoadedSite read(const std::string& mqtt) {
-    return readSite(line + mqtt, "site.toml", [](const std::string&) { return text::FileText(); });
+    return readWithTable("[mqtt]\n" + mqtt);
 }
 
 std::vector<std::string> findings(const std::string& mqtt) {
-    const LoadedSite loaded = read(mqtt);
-    std::vector<std::string> texts;
-    for (const Finding& finding : loaded.findings.all())
-        if (finding.place.line >= 8)
-            texts.push_back(toText(finding));
-    return texts;
+    return findingsOfTable("[mqtt]\n" + mqtt);
 }
 
 } // namespace
